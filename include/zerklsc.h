@@ -1,0 +1,414 @@
+/*
+ * zerklsc: lens-shading calibration, correction, table processing and OTP compression.
+ *
+ * Everything the library exports is declared here, for C99 and C++. It is a flat set of functions on
+ * caller-owned records and buffers: no state is kept between calls, no pointer past the call that got it.
+ *
+ * Words used throughout
+ *   raw frame   width x height unsigned 16-bit samples of a 2 x 2 Bayer mosaic, row by row, no padding.
+ *   plane       one of the four half-size colour planes of a raw frame, (width / 2) x (height / 2) samples.
+ *               Plane number = (x & 1) + 2 * (y & 1) for raw column x and raw row y.
+ *   grid        the nodes laid over a plane, `step` plane samples apart; node (i, j) stands at (i * step, j * step).
+ *   gain table  the grid with one extrapolated border node on every side, row by row, unsigned 16-bit, 10 fractional
+ *               bits (1024 = gain 1.0). Row length and row count come from lsc2d_table_size().
+ *
+ * Status: functions that return int32_t return 0 for success and -1 for a refused argument, a failed allocation or a
+ * singular system, unless their comment says otherwise. Where a pointer is not said to be nullable, null is a
+ * caller's error.
+ *
+ * Threads: the library creates none. Calls on distinct buffers may run at the same time, except the parameter
+ * generators (and lsc2d_calibration_wrapper() with algorithms 0 and 1, which runs them): serialise those.
+ */
+#ifndef ZERKLSC_H
+#define ZERKLSC_H
+
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define ZERKLSC_API __attribute__((visibility("default")))
+#else
+#define ZERKLSC_API
+#endif
+
+/* ---- Constants ------------------------------------------------------------------------------------------------ */
+
+enum {
+    ZERKLSC_UNITY_GAIN = 1024,    /**< a gain of 1.0 in a gain table */
+    ZERKLSC_HIGHEST_GAIN = 16383, /**< the highest gain that the hardware takes, just under 16.0 */
+    ZERKLSC_BORDER = 1,           /**< border nodes on each side of a gain table */
+    ZERKLSC_CHANNELS = 4          /**< planes of a frame, tables of a set */
+};
+
+/** lsc2d_info.algorithm: how lsc2d_calibration_wrapper() calibrates, and for which ISP the tables are corrected. */
+enum {
+    ZERKLSC_ALGORITHM_HALVANE = 0,       /**< parameter generator with a measured corner ratio; tvessa2 */
+    ZERKLSC_ALGORITHM_ORVEL_OTP = 1,     /**< parameter generator, then border and shading model; tvessa2 */
+    ZERKLSC_ALGORITHM_ORVEL = 2,         /**< direct sampling at the grid nodes; tvessa2 */
+    ZERKLSC_ALGORITHM_BETA = 3,          /**< least-squares bicubic surface; tvessa2 */
+    ZERKLSC_ALGORITHM_ORVEL_WEIGHTS = 4  /**< as 2, and fills the weight block; vessaL2 */
+};
+
+/** isp_param_tag.isp_type: which ISP generation a parameter record is for. */
+enum { ZERKLSC_ISP_TVESSA2 = 3, ZERKLSC_ISP_VESSAL2 = 4 };
+
+/** imfilter_t.filter_type and imfilter_t.boundary_mode. */
+enum { ZERKLSC_FILTER_BOX = 0, ZERKLSC_FILTER_GAUSSIAN = 1 };
+enum { ZERKLSC_BOUNDARY_MIRROR = 0, ZERKLSC_BOUNDARY_CLAMP = 1 };
+
+/** shading_t.type: how the factor falls from 1 at the centre to `percent` at the image corners. */
+enum { ZERKLSC_SHADING_SQUARE_ROOT = 0, ZERKLSC_SHADING_EXPONENTIAL = 1, ZERKLSC_SHADING_LINEAR = 2 };
+
+/** The edge and fill modes of update_table_border(). */
+enum { ZERKLSC_EDGE_LINEAR = 1, ZERKLSC_EDGE_CUBIC_LINEAR = 2, ZERKLSC_EDGE_CUBIC_QUADRATIC = 3 };
+enum { ZERKLSC_FILL_LINEAR = 0, ZERKLSC_FILL_QUADRATIC = 1 };
+
+/* ---- Records -------------------------------------------------------------------------------------------------- */
+
+/** Half a table of cubic weights for the ISP; filled by generate_bicubic_weight_table(). */
+typedef struct lnc_bicubic_weight_t_64_tag {
+    int16_t weights[128][3]; /**< row i: taps at -1, 0 and +1 for phase i, 1024 = 1.0; tap +2 takes the remainder */
+    uint16_t reserved_0;     /**< written as 0 */
+    uint16_t reserved_1;     /**< written as 0 */
+    uint16_t reserved_2;     /**< written as 0 */
+} lnc_bicubic_weight_t_64_tag;
+
+/** The record of the two entry points, lsc2d_calibration_wrapper() and lsc2d_correction_wrapper(). */
+typedef struct lsc2d_info {
+    uint16_t width;                     /**< raw frame width in pixels */
+    uint16_t height;                    /**< raw frame height in pixels */
+    uint16_t* lsc_table[4];             /**< gain tables by plane number, caller-owned */
+    lnc_bicubic_weight_t_64_tag weight; /**< written by calibration with algorithm 4 */
+    uint16_t grid;                      /**< step of the grid in plane samples */
+    int32_t shading_percent;            /**< gain kept at the corners, in percent of the full correction */
+    int32_t filter_radius;              /**< radius of the averaging window in plane samples */
+    int32_t algorithm;                  /**< ZERKLSC_ALGORITHM_... */
+} lsc2d_info;
+
+/** The ISP-side parameter record. The ISP lists the planes column by column: 0, 2, 1, 3. */
+typedef struct isp_param_tag {
+    uint32_t reserved_0;                /**< 0 */
+    uint8_t blc[4];                     /**< black levels by plane number, read by the parameter generators */
+    uint16_t* lsc_table[4];             /**< gain tables of planes 0, 2, 1, 3, caller-owned */
+    lnc_bicubic_weight_t_64_tag weight; /**< rewritten by bicubic_lnc_correction_vessaL2() */
+    uint16_t grid;                      /**< step of the grid in plane samples */
+    int32_t shading_percent;            /**< brightness that the generators' target keeps at the corners, percent */
+    int32_t filter_radius;              /**< sampling margin of the generators in plane samples */
+    int32_t isp_algorithm;              /**< calibration algorithm, 1 (orvel) or 0 (halvane) */
+    uint32_t reserved_1;                /**< 0 */
+    double corner_ratio;                /**< 16 x the smallest corner ratio; written by the halvane generator */
+    uint16_t width;                     /**< raw frame width in pixels */
+    uint16_t height;                    /**< raw frame height in pixels */
+    uint8_t bayer_pattern;              /**< 0 Gr R / B Gb, 1 R Gr / Gb B, 2 B Gb / Gr R, 3 Gb B / R Gr */
+    uint8_t isp_type;                   /**< ZERKLSC_ISP_... */
+} isp_param_tag;
+
+/** How to calibrate; filled by lsc2d_calib_param_default(). */
+typedef struct lsc2d_calib_param {
+    int32_t grid;            /**< step of the grid in plane samples */
+    int32_t filter_type;     /**< ZERKLSC_FILTER_... */
+    int32_t filter_radius;   /**< radius of the averaging window in plane samples */
+    int32_t boundary_mode;   /**< ZERKLSC_BOUNDARY_... */
+    int32_t border_mode;     /**< edge mode of update_table_border() */
+    int32_t border_aux;      /**< fill mode of update_table_border() */
+    int32_t shading_type;    /**< ZERKLSC_SHADING_... */
+    int32_t shading_percent; /**< gain kept at the corners, in percent of the full correction */
+} lsc2d_calib_param;
+
+/** Black levels of a raw frame, for isp_blc_process(). */
+typedef struct isp_blc_param {
+    uint16_t width;  /**< raw frame width in pixels */
+    uint16_t height; /**< raw frame height in pixels */
+    uint8_t blc[4];  /**< black levels by plane number */
+} isp_blc_param;
+
+/** An averaging window of (2 * filter_radius + 1)^2 taps. */
+typedef struct imfilter_t {
+    int32_t filter_type;   /**< ZERKLSC_FILTER_... */
+    int32_t filter_radius; /**< r >= 0 */
+    int32_t boundary_mode; /**< ZERKLSC_BOUNDARY_... */
+    float* sigma;          /**< sigma of the Gaussian in samples; may be null for a box */
+} imfilter_t;
+
+/** A measurement point on a plane. */
+typedef struct pix_point {
+    int16_t x;      /**< column */
+    int16_t y;      /**< row */
+    uint16_t value; /**< measured level, written by img_sample() */
+} pix_point;
+
+/** A radial shading model. */
+typedef struct shading_t {
+    int32_t type;     /**< ZERKLSC_SHADING_...; any other value means no shading */
+    int32_t percent;  /**< factor at the image corners, in percent */
+    int32_t reserved; /**< not read */
+} shading_t;
+
+/** A gain table with its grid, for lsc2d_grid_convert(). */
+typedef struct lsc2d_grid {
+    uint16_t* table; /**< (grid_w + 2) x (grid_h + 2) gains */
+    int32_t step_x;  /**< node spacing in plane samples */
+    int32_t step_y;  /**< node spacing in plane samples */
+    int32_t grid_w;  /**< nodes per row, border left out */
+    int32_t grid_h;  /**< rows of nodes, border left out */
+} lsc2d_grid;
+
+/** A gain table with its image, for lsc2d_table_mapping(). */
+typedef struct lsc2d_table_desc {
+    uint16_t width;   /**< plane width in samples */
+    uint16_t height;  /**< plane height in samples */
+    uint16_t step_x;  /**< node spacing in plane samples */
+    uint16_t step_y;  /**< node spacing in plane samples */
+    uint16_t table_w; /**< row length, border included */
+    uint16_t table_h; /**< row count, border included */
+    uint16_t* table;  /**< table_w x table_h gains */
+} lsc2d_table_desc;
+
+/** A crop window in plane samples of the source image. */
+typedef struct lsc2d_crop {
+    uint16_t x;      /**< left column */
+    uint16_t y;      /**< top row */
+    uint16_t width;  /**< columns */
+    uint16_t height; /**< rows */
+} lsc2d_crop;
+
+/** The record of lsc_compress() and lsc_decompress(). */
+typedef struct lsc_otp_info {
+    uint8_t bayer_pattern;  /**< 0..3: the base channel is table 3, 2, 1 or 0 */
+    int32_t grid_width;     /**< nodes per table row, border included */
+    int32_t grid_height;    /**< table rows, border included */
+    uint16_t* lsc_table[4]; /**< gain tables by plane number, caller-owned */
+    uint8_t* stream;        /**< the packed stream, caller-owned */
+    uint8_t precision_mode; /**< 0: 24 bits per node; 1: 14 bits per node */
+} lsc_otp_info;
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Records and grid geometry (src/frame) ------------------------------------------------------------------- */
+
+/**
+ * Fills a calibration parameter record with the defaults: box window, mirrored boundary, linear edge, quadratic fill,
+ * square-root shading.
+ *
+ * @param param            written; every field
+ * @param grid             step of the grid in plane samples, above 0
+ * @param filter_radius    radius of the averaging window in plane samples, 0 or above
+ * @param shading_percent  gain kept at the corners, in percent (100: none is taken away)
+ */
+ZERKLSC_API void lsc2d_calib_param_default(lsc2d_calib_param* param, int32_t grid, int32_t filter_radius,
+                                           int32_t shading_percent);
+
+/**
+ * Copies an info record into the ISP's parameter record: sizes, step, radius, percentage, weight block, and the table
+ * pointers with the middle two exchanged (the info lists the planes row by row, the ISP column by column).
+ * `isp_type` becomes 3 for algorithms 0..3 and 4 for algorithm 4; any other algorithm leaves it. `blc`,
+ * `isp_algorithm`, `corner_ratio`, `bayer_pattern` and the reserved words are left as they were.
+ *
+ * @param info   read; not null
+ * @param param  written; not null
+ */
+ZERKLSC_API void lsc2d_info_to_isp_param(const lsc2d_info* info, isp_param_tag* param);
+
+/**
+ * The way back, destination first. `algorithm` is taken from the record's `isp_algorithm`, which
+ * lsc2d_info_to_isp_param() does not write: the two are each other's inverse in all other fields.
+ *
+ * @param info   written; not null
+ * @param param  read; not null
+ */
+ZERKLSC_API void isp_param_to_lsc2d_info(lsc2d_info* info, const isp_param_tag* param);
+
+/**
+ * Counts the grid nodes of a plane: ceil(size / step) + 1 in each direction, so the last node lies on or beyond the
+ * last sample.
+ *
+ * @param width, height    plane size in samples
+ * @param step_x, step_y   node spacing in plane samples, above 0 (0 gives 0 nodes)
+ * @param grid_w, grid_h   written; nodes per row and rows of nodes
+ */
+ZERKLSC_API void lsc2d_grid_samples(int32_t width, int32_t height, int32_t step_x, int32_t step_y, int32_t* grid_w,
+                                    int32_t* grid_h);
+
+/** As lsc2d_grid_samples(), for the gain table: two nodes more in each direction. */
+ZERKLSC_API void lsc2d_table_size(int32_t width, int32_t height, int32_t step_x, int32_t step_y, int32_t* table_w,
+                                  int32_t* table_h);
+
+/* ---- Bayer mosaic and black level (src/bayer) ---------------------------------------------------------------- */
+
+ZERKLSC_API void bayer_split_channel(const uint16_t* raw, uint16_t** planes, int32_t width, int32_t height);
+
+ZERKLSC_API int32_t bayer_merge_channel(uint16_t* raw, uint16_t** planes, int32_t width, int32_t height);
+
+ZERKLSC_API void isp_blc_process(uint16_t* raw, const isp_blc_param* param);
+
+/* ---- Sampling and measurement of flat-field planes (src/sampling) -------------------------------------------- */
+
+ZERKLSC_API int32_t get_filter_mask(int32_t* mask_centre, int32_t* sum, const imfilter_t* filter);
+
+ZERKLSC_API int32_t img_sample_grid(const uint16_t* plane, float* samples, int32_t width, int32_t height,
+                                    int32_t step_x, int32_t step_y, int32_t out_w, int32_t out_h,
+                                    const imfilter_t* filter);
+
+ZERKLSC_API int32_t img_sample(const uint16_t* plane, pix_point* points, int32_t count, int32_t width, int32_t height,
+                               const imfilter_t* filter);
+
+ZERKLSC_API int32_t init_center_points(int32_t width, int32_t height, pix_point** points, int32_t* count);
+
+ZERKLSC_API void release_center_points(pix_point* points);
+
+ZERKLSC_API int32_t get_pixel_maximum(const pix_point* points, int32_t count);
+
+ZERKLSC_API int32_t img_filter(const uint16_t* src, uint16_t* dst, int32_t s1, int32_t s2, const imfilter_t* filter);
+
+ZERKLSC_API int32_t calc_otp_table(const uint16_t* plane, float* gains, int32_t width, int32_t height, int32_t step_x,
+                                   int32_t step_y, int32_t out_w, int32_t out_h, int32_t radius);
+
+ZERKLSC_API int32_t calc_correction_table(const uint16_t* plane, float* gains, int32_t width, int32_t height,
+                                          int32_t step_x, int32_t step_y, int32_t out_w, int32_t out_h,
+                                          const imfilter_t* filter);
+
+/* ---- Calibration (src/calibration) --------------------------------------------------------------------------- */
+
+ZERKLSC_API int32_t lsc2d_calibration_wrapper(const uint16_t* raw, lsc2d_info* info);
+
+ZERKLSC_API int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_t height, uint16_t** tables,
+                                            int32_t stride_w, int32_t stride_h, const lsc2d_calib_param* param);
+
+ZERKLSC_API int32_t lsc2d_calibration_beta(uint16_t* image, int32_t width, int32_t height, uint16_t** tables,
+                                           int32_t nx, int32_t ny, lsc2d_calib_param* param);
+
+ZERKLSC_API void meshgrid(pix_point* points, uint16_t* xs, uint16_t* ys, int32_t nxs, int32_t nys);
+
+/* ---- Gain tables (src/table) --------------------------------------------------------------------------------- */
+
+ZERKLSC_API void lsc_table_ftoi(const float* src, uint16_t* dst, int32_t w, int32_t h);
+
+ZERKLSC_API void lsc_table_itof(const uint16_t* src, float* dst, int32_t w, int32_t h);
+
+ZERKLSC_API void format_lsc_table(uint16_t* table, int32_t w, int32_t h);
+
+ZERKLSC_API float get_cubic_coef(float x);
+
+ZERKLSC_API int32_t update_table_border(const float* inner, float* table, int32_t width, int32_t height,
+                                        int32_t step_x, int32_t step_y, int32_t grid_w, int32_t grid_h,
+                                        int32_t edge_mode, int32_t fill_mode);
+
+ZERKLSC_API int32_t lsc2d_table_preproc(uint16_t** src, uint16_t** dst, int32_t width, int32_t height,
+                                        int32_t table_w, int32_t table_h, const lsc2d_calib_param* param);
+
+ZERKLSC_API int32_t lsc2d_table_postproc(uint16_t** tables, int32_t width, int32_t height, int32_t table_w,
+                                         int32_t table_h, const lsc2d_calib_param* param);
+
+ZERKLSC_API void apply_shading_table(uint16_t* table, int32_t width, int32_t height, int32_t step_x, int32_t step_y,
+                                     int32_t table_w, int32_t table_h, const shading_t* shading);
+
+ZERKLSC_API int32_t calc_shading_table(float* table, int32_t width, int32_t height, int32_t step_x, int32_t step_y,
+                                       int32_t table_w, int32_t table_h, const shading_t* shading);
+
+ZERKLSC_API int32_t lsc2d_grid_convert(const lsc2d_grid* src, const lsc2d_grid* dst, int32_t width, int32_t height);
+
+ZERKLSC_API int32_t lsc2d_table_mapping(const lsc2d_table_desc* src, const lsc2d_table_desc* dst,
+                                        const lsc2d_crop* crop);
+
+ZERKLSC_API uint16_t pixel_position_mapping(uint16_t offset, uint16_t position, uint16_t dst_extent,
+                                            uint16_t src_extent);
+
+ZERKLSC_API void lsc2d_bicubic_correction(const uint16_t* src, uint16_t* dst, int32_t width, int32_t height,
+                                          const uint16_t* table, int32_t step_x, int32_t step_y, int32_t row_length);
+
+ZERKLSC_API void expand_lsc_table_c1(float* table, int32_t grid_w, int32_t grid_h);
+
+ZERKLSC_API int32_t align_table_linear(float* table, int32_t grid_w, int32_t grid_h, int32_t row_length,
+                                       int32_t width, int32_t height, int32_t step_x, int32_t step_y);
+
+ZERKLSC_API void align_table_cubic_c1(float* table, int32_t grid_w, int32_t grid_h, int32_t row_length, int32_t width,
+                                      int32_t height, int32_t step_x, int32_t step_y);
+
+ZERKLSC_API void align_table_cubic_c2(float* table, int32_t grid_w, int32_t grid_h, int32_t row_length, int32_t width,
+                                      int32_t height, int32_t step_x, int32_t step_y);
+
+/* ---- ISP weights and correction (src/bicubic) ---------------------------------------------------------------- */
+
+ZERKLSC_API void generate_bicubic_weight_table(lnc_bicubic_weight_t_64_tag* weights, uint16_t step);
+
+ZERKLSC_API int32_t bicubic_lnc_correction_vessaL2(uint16_t* in, uint16_t* out, isp_param_tag* param);
+
+ZERKLSC_API int32_t bicubic_lnc_correction_vessaL2_core(uint16_t* in, uint16_t* out, isp_param_tag* param);
+
+ZERKLSC_API int32_t bicubic_lnc_correction_tvessa2(uint16_t* in, uint16_t* out, isp_param_tag* param);
+
+ZERKLSC_API int32_t lsc2d_correction_wrapper(uint16_t* in, uint16_t* out, lsc2d_info* info);
+
+/* ---- ISP parameter generation (src/bicubic) ------------------------------------------------------------------ */
+
+ZERKLSC_API int32_t bicubic_lnc_param_gen_orvel_otp(uint16_t* raw, isp_param_tag* param);
+
+ZERKLSC_API int32_t bicubic_lnc_param_gen_halvane(uint16_t* raw, isp_param_tag* param);
+
+ZERKLSC_API int32_t lsc2d_calibration_orvel_otp(uint16_t* raw, uint16_t width, uint16_t height, uint16_t** tables,
+                                                uint32_t unused_0, uint32_t unused_1, uint8_t bayer_pattern,
+                                                uint32_t* calib);
+
+ZERKLSC_API int32_t lsc2d_calibration_halvane(uint16_t* raw, uint16_t width, uint16_t height, uint16_t** tables,
+                                              uint32_t unused_0, uint32_t unused_1, uint8_t bayer_pattern,
+                                              uint32_t* calib);
+
+ZERKLSC_API int32_t lsc2d_otp_table(uint16_t* raw, uint16_t width, uint16_t height, uint8_t** out, uint32_t grid_w,
+                                    uint32_t grid_h, uint32_t* calib);
+
+/* ---- OTP stream (src/compress) ------------------------------------------------------------------------------- */
+
+ZERKLSC_API int32_t intra_cnl_diff(int16_t* plane, int32_t width, int32_t height, int32_t type, uint8_t mode);
+
+ZERKLSC_API int32_t deintra_cnl_diff(int16_t* plane, int32_t width, int32_t height, int32_t type, uint8_t mode);
+
+ZERKLSC_API int32_t lsc_compress(lsc_otp_info* info);
+
+ZERKLSC_API int32_t lsc_decompress(lsc_otp_info* info);
+
+ZERKLSC_API int32_t store_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t* d, int32_t width,
+                               int32_t height, uint8_t mode);
+
+ZERKLSC_API int32_t load_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t* d, int32_t width,
+                              int32_t height, uint8_t mode);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+/* ---- C++ only: symbols with their argument types in the name -------------------------------------------------- */
+
+/* src/bayer */
+ZERKLSC_API int bayer_rotation(unsigned short* raw, int width, int height);
+
+/* src/sampling */
+ZERKLSC_API int get_boundary_pos(int n, int p, int mode);
+
+ZERKLSC_API unsigned short find_peak_intensity(unsigned short* plane, pix_point* points, int count, int width,
+                                               int height, imfilter_t* filter);
+
+/* src/table */
+ZERKLSC_API int load_table(const char* path, unsigned short* table, int n);
+
+ZERKLSC_API void expand_lsc_table_c2(float* table, int grid_w, int grid_h);
+
+/* src/compress */
+ZERKLSC_API void expand_lsc_table_c2(unsigned short* table, int width, int height);
+
+/* src/bicubic */
+ZERKLSC_API unsigned short cubic_1D(unsigned short p0, unsigned short p1, unsigned short p2, unsigned short p3,
+                                    unsigned short phase, unsigned short step, lnc_bicubic_weight_t_64_tag* weights);
+
+ZERKLSC_API unsigned short cubic_1D(unsigned short p0, unsigned short p1, unsigned short p2, unsigned short p3,
+                                    unsigned short phase, unsigned short step);
+
+/* src/calibration */
+template <class T>
+int matrix_inv(T* a, int n);
+
+extern template ZERKLSC_API int matrix_inv<float>(float* a, int n);
+extern template ZERKLSC_API int matrix_inv<double>(double* a, int n);
+
+#endif /* __cplusplus */
+
+#endif /* ZERKLSC_H */

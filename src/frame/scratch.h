@@ -1,0 +1,28 @@
+// Working memory of one call, from malloc, freed when it leaves its scope.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+namespace zerklsc {
+
+struct FreeScratch {
+    void operator()(void* p) const { std::free(p); }
+};
+
+template <class T>
+using Scratch = std::unique_ptr<T[], FreeScratch>;
+
+// `count` elements, uninitialised; null when they cannot be had or their size does not fit size_t. Zero
+// elements are one element, so that null always means failure.
+template <class T>
+Scratch<T> allocate(uint64_t count) {
+    if (count > SIZE_MAX / sizeof(T))
+        return nullptr;
+    const size_t bytes = static_cast<size_t>(count) * sizeof(T);
+    return Scratch<T>(static_cast<T*>(std::malloc(bytes != 0 ? bytes : sizeof(T))));
+}
+
+} // namespace zerklsc
