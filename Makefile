@@ -1,0 +1,28 @@
+# The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
+
+.DEFAULT_GOAL := help
+.PHONY: help demo test bench release packages
+
+help:
+	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
+	@echo "make test    install what is missing, build, run every test"
+	@echo "make bench   install what is missing, build, time every kernel against its plain form and its peers"
+
+packages:
+	@cmake/install-packages.sh build
+
+release: packages
+	@cmake --preset release -Wno-dev > build.log 2>&1 || { cat build.log; rm -f build.log; exit 1; }; rm -f build.log
+	@cmake --build --preset release
+
+demo: release
+	@tool/demo.sh build/release/tool/zerklsc demo
+
+test: release
+	@ctest --preset release
+
+bench: packages
+	@cmake/install-packages.sh bench
+	@cmake --preset release -DZERKLSC_BENCH=ON > /dev/null
+	@cmake --build --preset release
+	@build/release/bench/zerklsc_bench --bench

@@ -1,0 +1,51 @@
+#!/bin/sh
+# Installs the Debian packages that a step of the build needs and the machine lacks: install-packages.sh STEP...
+#   build  the library, the tool and the tests
+#   ci     sanitizers with a second compiler, cross compilers and emulators
+#   bench  the libraries that the benchmark compares with
+set -eu
+
+packages_of() {
+    case $1 in
+    build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev libgtest-dev ;;
+    ci) echo clang libclang-rt-14-dev abigail-tools googletest qemu-user \
+        g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu ;;
+    bench) echo libopencv-dev liblensfun-dev libeigen3-dev ;;
+    *) echo "install-packages.sh: unknown step '$1' (build, ci or bench)" >&2 && exit 2 ;;
+    esac
+}
+
+is_installed() {
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null || true)" = installed ]
+}
+
+missing=
+for step in "$@"; do
+    wanted=$(packages_of "$step")
+    for package in $wanted; do
+        is_installed "$package" || missing="$missing $package"
+    done
+done
+[ -n "$missing" ] || exit 0
+
+# shellcheck disable=SC2086  # a list of names
+if [ "$(id -u)" = 0 ]; then
+    run=
+elif command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
+    run=sudo
+else
+    echo "These packages are missing, and only root may install them. Please run:" >&2
+    echo "    sudo apt-get install$missing" >&2
+    exit 1
+fi
+
+echo "Installing$missing"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+# shellcheck disable=SC2086
+if ! { $run apt-get update && DEBIAN_FRONTEND=noninteractive $run apt-get install -y --no-install-recommends $missing; } \
+    >"$log" 2>&1; then
+    tail -n 20 "$log" >&2
+    echo "install-packages.sh: apt-get could not install$missing" >&2
+    exit 1
+fi
