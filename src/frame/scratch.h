@@ -25,4 +25,10 @@ Scratch<T> allocate(uint64_t count) {
     return Scratch<T>(static_cast<T*>(std::malloc(bytes != 0 ? bytes : sizeof(T))));
 }
 
+// `height` rows of `width` elements, neither of them negative.
+template <class T>
+Scratch<T> allocate(int32_t width, int32_t height) {
+    return allocate<T>(static_cast<uint64_t>(width) * static_cast<uint64_t>(height));
+}
+
 } // namespace zerklsc
