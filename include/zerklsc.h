@@ -359,17 +359,93 @@ ZERKLSC_API int32_t lsc2d_otp_table(uint16_t* raw, uint16_t width, uint16_t heig
 
 /* ---- OTP stream (src/compress) ------------------------------------------------------------------------------- */
 
+/*
+ * A stream holds the inner nodes of four tables, row by row, without header or padding: with n nodes, 3 * n bytes in
+ * precision mode 0 and 7 * (n / 4) bytes in mode 1, whose last n % 4 nodes are not stored. Gains are kept in units
+ * of 16 (mode 0) or 64 (mode 1). docs/otp-format.md describes the bytes.
+ */
+
+/**
+ * Replaces every node of a plane, in place, by its difference to the neighbour one step nearer the centre, along rows
+ * and then along columns. The anchors, 1, 2 or 4 nodes in the centre row and column (two of each where the size is
+ * even), keep their values. Sums and differences wrap modulo 65536.
+ *
+ * @param plane   width * height values, row by row, without border
+ * @param width   nodes per row; below 1 nothing is touched
+ * @param height  rows; below 1 nothing is touched
+ * @param type    1: the base plane, whose anchors also lose unity gain; any other value: a difference plane
+ * @param mode    precision mode: unity gain is 16 for 1 and 64 for any other value
+ * @return 0
+ */
 ZERKLSC_API int32_t intra_cnl_diff(int16_t* plane, int32_t width, int32_t height, int32_t type, uint8_t mode);
 
+/**
+ * Undoes intra_cnl_diff(), in place. With type 1, an odd width and an even height, rows height / 2 and below come
+ * back lower than they were by twice unity gain: this is the required behaviour of the decoder. Everything else comes
+ * back exactly.
+ *
+ * @param plane   width * height values, row by row, without border
+ * @param width   nodes per row; below 1 nothing is touched
+ * @param height  rows; below 1 nothing is touched
+ * @param type    as given to intra_cnl_diff()
+ * @param mode    as given to intra_cnl_diff()
+ * @return 0
+ */
 ZERKLSC_API int32_t deintra_cnl_diff(int16_t* plane, int32_t width, int32_t height, int32_t type, uint8_t mode);
 
+/**
+ * Compresses four gain tables into a stream. The border is left out, gains are rounded to the unit of the mode, and
+ * differences that do not fit their field are limited to it.
+ *
+ * @param info  not written. bayer_pattern: 0..3 (above: the stream of four planes of zeros). grid_width, grid_height:
+ *              table size, border included; below 3 nothing is written. lsc_table: four tables of grid_width *
+ *              grid_height gains, only read. stream: written, 3 * n or 7 * (n / 4) bytes for n = (grid_width - 2) *
+ *              (grid_height - 2); must not overlap the tables. precision_mode: 0 or 1; any other writes no byte.
+ * @return 0, or -1 for a failed allocation; the stream is then as it was
+ */
 ZERKLSC_API int32_t lsc_compress(lsc_otp_info* info);
 
+/**
+ * Decompresses a stream into four gain tables and extrapolates their borders as expand_lsc_table_c2() does. Any bytes
+ * decode; sums wrap modulo 65536. Nodes that mode 1 does not store decode from differences of 0. With an odd number of
+ * inner columns and an even number of inner rows the lower half of every table is 2048 lower than what was compressed
+ * (see deintra_cnl_diff()).
+ *
+ * @param info  not written. bayer_pattern: 0..3 (above: inner nodes keep their values). grid_width, grid_height: table
+ *              size, border included; below 3 nothing is written, below 5 the border is not. lsc_table: four tables of
+ *              grid_width * grid_height gains, written. stream: read, of the size that lsc_compress() writes; must not
+ *              overlap the tables. precision_mode: 0 or 1; any other reads no byte and gives tables of 64 (with the
+ *              lower half 128 lower at the sizes named above).
+ * @return 0, or -1 for a failed allocation; the tables are then as they were
+ */
 ZERKLSC_API int32_t lsc_decompress(lsc_otp_info* info);
 
+/**
+ * Packs four planes into a stream, each value limited to its field: 6, 5, 7 and 5 bits of a, b, c and d in mode 0, 4,
+ * 3, 4 and 3 bits in mode 1.
+ *
+ * @param stream      written: 3 * n bytes in mode 0, 7 * (n / 4) in mode 1, for n = width * height; no overlap with
+ *                    the planes
+ * @param a, b, c, d  n values each, row by row; only read
+ * @param width       nodes per row; below 1 nothing is written
+ * @param height      rows; below 1 nothing is written
+ * @param mode        precision mode, 0 or 1; any other writes nothing
+ * @return 0
+ */
 ZERKLSC_API int32_t store_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t* d, int32_t width,
                                int32_t height, uint8_t mode);
 
+/**
+ * Unpacks a stream into four planes: the inverse of store_data().
+ *
+ * @param stream      read: 3 * n bytes in mode 0, 7 * (n / 4) in mode 1, for n = width * height
+ * @param a, b, c, d  n values each, row by row, written; distinct, no overlap with the stream. In mode 1 the last n % 4
+ *                    values of each keep what they hold.
+ * @param width       nodes per row; below 1 nothing is written
+ * @param height      rows; below 1 nothing is written
+ * @param mode        precision mode, 0 or 1; any other writes nothing
+ * @return 0
+ */
 ZERKLSC_API int32_t load_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t* d, int32_t width,
                               int32_t height, uint8_t mode);
 
@@ -393,6 +469,15 @@ ZERKLSC_API int load_table(const char* path, unsigned short* table, int n);
 ZERKLSC_API void expand_lsc_table_c2(float* table, int grid_w, int grid_h);
 
 /* src/compress */
+
+/**
+ * Fills the border of a gain table, each node with the next value of the parabola through the three nodes inwards of
+ * it, rows first, then columns over the full width. Values wrap modulo 65536: one below 0 comes out large.
+ *
+ * @param table   (width + 2) * (height + 2) gains, row by row; the border is written, inner nodes are only read
+ * @param width   inner nodes per row; below 3 nothing is written
+ * @param height  inner rows; below 3 nothing is written
+ */
 ZERKLSC_API void expand_lsc_table_c2(unsigned short* table, int width, int height);
 
 /* src/bicubic */

@@ -11,6 +11,11 @@ constexpr uint16_t low16(int64_t v) {
     return static_cast<uint16_t>(static_cast<uint64_t>(v) & 0xFFFFu);
 }
 
+// The same bits read as two's complement.
+constexpr int16_t wrap16(int64_t v) {
+    return static_cast<int16_t>(low16(v));
+}
+
 // The low 16 bits of floor(v). A value that is not finite or does not fit 64 bits gives 0. The detour over a
 // signed 64-bit integer is what makes a negative value wrap the same way on every processor.
 inline uint16_t floor_low16(double v) {

@@ -1,0 +1,35 @@
+// Which table plays which part in the stream, and how precisely its gains are kept.
+#pragma once
+
+#include <cstdint>
+
+namespace zerklsc {
+
+// The four numbers of a node. A is the gain of Gb, the base; B, C and D are the base less B, R and Gr.
+enum Role { role_a, role_b, role_c, role_d, role_count };
+
+inline constexpr uint8_t highest_bayer_pattern = 3;
+
+// The table behind each role, by Bayer pattern. Base and D are the two greens of the cell, whose gains hardly
+// differ: a narrow field is enough for D.
+inline constexpr uint8_t channel_roles[highest_bayer_pattern + 1][role_count] = {
+    {3, 2, 1, 0},
+    {2, 3, 0, 1},
+    {1, 0, 3, 2},
+    {0, 1, 2, 3},
+};
+
+enum PrecisionMode : uint8_t { mode_24_bit = 0, mode_14_bit = 1 };
+
+// How many low bits of a gain the stream leaves out. A mode that does not exist leaves out none.
+constexpr int dropped_bits(uint8_t mode) {
+    return mode == mode_24_bit ? 4 : mode == mode_14_bit ? 6 : 0;
+}
+
+// Unity gain as the base plane's anchors hold it. A mode that does not exist has that of mode 0, although it
+// drops no bits.
+constexpr int unity_offset(uint8_t mode) {
+    return mode == mode_14_bit ? 16 : 64;
+}
+
+} // namespace zerklsc

@@ -1,0 +1,63 @@
+// lsc_decompress
+#include <algorithm>
+
+#include "compress/border.h"
+#include "compress/channel_roles.h"
+#include "frame/convert.h"
+#include "frame/scratch.h"
+#include "zerklsc.h"
+
+namespace zerklsc {
+namespace {
+
+// Back to the scale of the tables, with zeros for the dropped bits. There is no rounding term: the encoder
+// has rounded to nearest, so a caller gets multiples of the unit, and compressing them again changes nothing.
+uint16_t restore_gain(int quantised, int dropped) {
+    return low16(int64_t{quantised} * (1 << dropped));
+}
+
+// Fills inner row j of the tables from the planes.
+void restore_row(const lsc_otp_info& info, int32_t j, const int16_t* const planes[role_count],
+                 int32_t width) {
+    const uint8_t* const roles = channel_roles[info.bayer_pattern];
+    const int dropped = dropped_bits(info.precision_mode);
+    const ptrdiff_t from = ptrdiff_t{j} * width;
+    const ptrdiff_t to = (ptrdiff_t{j} + 1) * info.grid_width + 1;
+    for (int32_t i = 0; i < width; ++i) {
+        const int base = planes[role_a][from + i];
+        info.lsc_table[roles[role_a]][to + i] = restore_gain(base, dropped);
+        for (int k = role_b; k < role_count; ++k)
+            info.lsc_table[roles[k]][to + i] = restore_gain(base - planes[k][from + i], dropped);
+    }
+}
+
+} // namespace
+} // namespace zerklsc
+
+int32_t lsc_decompress(lsc_otp_info* info) {
+    using namespace zerklsc;
+    if (info->grid_width < 3 || info->grid_height < 3)
+        return 0;
+    const int32_t width = info->grid_width - 2;
+    const int32_t height = info->grid_height - 2;
+    const int64_t count = int64_t{width} * height;
+    const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * role_count);
+    if (!memory)
+        return -1;
+    // The nodes that mode 1 does not store decode from differences of 0.
+    std::fill_n(memory.get(), count * role_count, int16_t{0});
+    int16_t* planes[role_count];
+    for (int k = 0; k < role_count; ++k)
+        planes[k] = memory.get() + k * count;
+
+    load_data(info->stream, planes[role_a], planes[role_b], planes[role_c], planes[role_d], width, height,
+              info->precision_mode);
+    for (int k = 0; k < role_count; ++k)
+        deintra_cnl_diff(planes[k], width, height, k == role_a ? 1 : 0, info->precision_mode);
+    if (info->bayer_pattern <= highest_bayer_pattern)
+        for (int32_t j = 0; j < height; ++j)
+            restore_row(*info, j, planes, width);
+    for (uint16_t* table : info->lsc_table)
+        expand_border(table, width, height);
+    return 0;
+}

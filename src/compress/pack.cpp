@@ -1,0 +1,102 @@
+// store_data, load_data
+#include "compress/channel_roles.h"
+#include "compress/node_fields.h"
+#include "zerklsc.h"
+
+namespace zerklsc {
+namespace {
+
+constexpr int64_t node_bytes = 3;  // mode 0, of one node
+constexpr int64_t group_bytes = 7; // mode 1, of a group
+constexpr int64_t group_nodes = 4;
+
+// The planes of a stream; T is const for packing.
+template <class T>
+struct Planes {
+    T *a, *b, *c, *d;
+};
+
+uint32_t pack(const NodeLayout& layout, const Planes<const int16_t>& planes, int64_t i) {
+    return pack_node(layout, planes.a[i], planes.b[i], planes.c[i], planes.d[i]);
+}
+
+void unpack(const NodeLayout& layout, uint32_t word, const Planes<int16_t>& planes, int64_t i) {
+    planes.a[i] = from_field(word, layout.a);
+    planes.b[i] = from_field(word, layout.b);
+    planes.c[i] = from_field(word, layout.c);
+    planes.d[i] = from_field(word, layout.d);
+}
+
+uint8_t byte(uint32_t word, int n) {
+    return static_cast<uint8_t>(word >> (8 * n));
+}
+
+void store_nodes(uint8_t* out, const Planes<const int16_t>& planes, int64_t count) {
+    for (int64_t i = 0; i < count; ++i, out += node_bytes) {
+        const uint32_t word = pack(layout_24_bit, planes, i);
+        out[0] = byte(word, 0);
+        out[1] = byte(word, 1);
+        out[2] = byte(word, 2);
+    }
+}
+
+void load_nodes(const uint8_t* in, const Planes<int16_t>& planes, int64_t count) {
+    for (int64_t i = 0; i < count; ++i, in += node_bytes)
+        unpack(layout_24_bit, in[0] | uint32_t{in[1]} << 8 | uint32_t{in[2]} << 16, planes, i);
+}
+
+// The first four bytes are the low bytes of the nodes. The six bits left of each of the first three nodes
+// take a byte, whose two free bits hold two of the fourth's.
+void store_groups(uint8_t* out, const Planes<const int16_t>& planes, int64_t groups) {
+    for (int64_t i = 0; i < groups * group_nodes; i += group_nodes, out += group_bytes) {
+        const uint32_t last = pack(layout_14_bit, planes, i + 3);
+        const uint32_t last_high = last >> 8;
+        for (int k = 0; k < 3; ++k) {
+            const uint32_t word = pack(layout_14_bit, planes, i + k);
+            out[k] = byte(word, 0);
+            out[4 + k] = static_cast<uint8_t>(word >> 8 | (last_high >> (2 * k) & 3) << 6);
+        }
+        out[3] = byte(last, 0);
+    }
+}
+
+void load_groups(const uint8_t* in, const Planes<int16_t>& planes, int64_t groups) {
+    for (int64_t i = 0; i < groups * group_nodes; i += group_nodes, in += group_bytes) {
+        uint32_t last_high = 0;
+        for (int k = 0; k < 3; ++k) {
+            unpack(layout_14_bit, in[k] | uint32_t{in[4 + k]} << 8, planes, i + k);
+            last_high |= static_cast<uint32_t>(in[4 + k] >> 6) << (2 * k);
+        }
+        unpack(layout_14_bit, in[3] | last_high << 8, planes, i + 3);
+    }
+}
+
+int64_t node_count(int32_t width, int32_t height) {
+    return width < 1 || height < 1 ? 0 : int64_t{width} * height;
+}
+
+} // namespace
+} // namespace zerklsc
+
+int32_t store_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t* d, int32_t width,
+                   int32_t height, uint8_t mode) {
+    using namespace zerklsc;
+    const int64_t count = node_count(width, height);
+    if (mode == mode_24_bit)
+        store_nodes(stream, {a, b, c, d}, count);
+    else if (mode == mode_14_bit)
+        // The nodes behind the last whole group are not stored: the stream has no short group.
+        store_groups(stream, {a, b, c, d}, count / group_nodes);
+    return 0;
+}
+
+int32_t load_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t* d, int32_t width,
+                  int32_t height, uint8_t mode) {
+    using namespace zerklsc;
+    const int64_t count = node_count(width, height);
+    if (mode == mode_24_bit)
+        load_nodes(stream, {a, b, c, d}, count);
+    else if (mode == mode_14_bit)
+        load_groups(stream, {a, b, c, d}, count / group_nodes);
+    return 0;
+}
