@@ -330,14 +330,75 @@ ZERKLSC_API void align_table_cubic_c2(float* table, int32_t grid_w, int32_t grid
 
 /* ---- ISP weights and correction (src/bicubic) ---------------------------------------------------------------- */
 
+/**
+ * Fills a block with the cubic weights of a grid step: row i, for i up to half the step, holds the taps at -1, 0 and +1
+ * for the fraction i / step of a cell, 1024 = 1.0, rounded half up. Everything else in the block becomes 0; so does all
+ * of it for a step of 0 or above 255, which a block cannot hold.
+ *
+ * The kernel is that of R. Keys, "Cubic convolution interpolation for digital image processing", IEEE Trans. ASSP 29(6),
+ * 1981, with a = -0.5.
+ *
+ * @param weights  written; every byte of the block; not null
+ * @param step     phases of a cell, 1 .. 255
+ */
 ZERKLSC_API void generate_bicubic_weight_table(lnc_bicubic_weight_t_64_tag* weights, uint16_t step);
 
+/**
+ * Corrects a raw frame as the vessaL2 ISP does, to the bit: each sample is multiplied with a gain that is interpolated
+ * with the cubic weights of the step, first down the grid columns, then along the row, in 10-bit fixed point. Gains are
+ * limited to 1024 .. 16383 after either pass, so a frame is never darkened.
+ *
+ * The product is rounded and limited to 1023 by its low 16 bits: one above 65535 comes out as what is left of it.
+ * Where half the width is one more than a whole number of cells, the last two columns take the gain one phase further;
+ * where half the height is, the last two rows do so from the fifth grid column on. An odd last column or row is
+ * corrected as the half column or row it begins.
+ *
+ * @param in     width x height samples, row by row, no padding
+ * @param out    as `in`; may be `in`, must not overlap it otherwise. Written as 10-bit samples, 0 .. 1023
+ * @param param  `width`, `height`, `grid` (the step in plane samples, 1 .. 255) and `lsc_table` are read, `weight` is
+ *               rewritten by generate_bicubic_weight_table(). The tables have the size that lsc2d_table_size() gives
+ *               for half the width and half the height; gains may be any 16-bit value
+ *
+ * @return always 0. For a null `in`, `out`, `param` or table pointer one line on standard output says which, for a
+ *         step outside 1 .. 255 there is none; no sample is written then.
+ */
 ZERKLSC_API int32_t bicubic_lnc_correction_vessaL2(uint16_t* in, uint16_t* out, isp_param_tag* param);
 
+/**
+ * The correction of bicubic_lnc_correction_vessaL2() with the weights that the record holds: `weight` is read, and the
+ * record is not written.
+ *
+ * @return 0; -1 with nothing written for a null pointer or a step outside 1 .. 255, printing the same lines.
+ */
 ZERKLSC_API int32_t bicubic_lnc_correction_vessaL2_core(uint16_t* in, uint16_t* out, isp_param_tag* param);
 
+/**
+ * Corrects a raw frame as the tvessa2 ISP does. As bicubic_lnc_correction_vessaL2(), with these differences. Weights are
+ * those of step 64, and the phase is scaled by the integer 64 / step: a step that does not divide 64 does not reach the
+ * end of its cells, one above 64 takes the node before the sample. Only the low 8 bits of `grid` count. The grid is
+ * counted from the last sample: where half the width (height) is one more than a whole number of cells, tables are one
+ * column (row) narrower than lsc2d_table_size() makes them. The record is not written.
+ *
+ * A frame narrower than 128 pixels prints a warning on standard output and is corrected.
+ *
+ * @param in, out  as for bicubic_lnc_correction_vessaL2()
+ * @param param    `width`, `height`, `grid` (low byte 1 .. 255) and `lsc_table` are read
+ *
+ * @return 0; -1 with nothing written for a null `in`, `out`, `param` or table pointer, of which one line on standard
+ *         output says which, and for a step whose low byte is 0.
+ */
 ZERKLSC_API int32_t bicubic_lnc_correction_tvessa2(uint16_t* in, uint16_t* out, isp_param_tag* param);
 
+/**
+ * Corrects a raw frame with a set of gain tables, for the ISP that belongs to the record's algorithm: 0 .. 3
+ * bicubic_lnc_correction_tvessa2(), 4 bicubic_lnc_correction_vessaL2().
+ *
+ * @param in, out  as for these functions
+ * @param info     read; `lsc_table` by plane number. Its weight block is neither read nor written
+ *
+ * @return 0 when a correction was called, whatever it refused; -1 with nothing written or printed for any other
+ *         algorithm and for a null `info`.
+ */
 ZERKLSC_API int32_t lsc2d_correction_wrapper(uint16_t* in, uint16_t* out, lsc2d_info* info);
 
 /* ---- ISP parameter generation (src/bicubic) ------------------------------------------------------------------ */
@@ -481,9 +542,23 @@ ZERKLSC_API void expand_lsc_table_c2(float* table, int grid_w, int grid_h);
 ZERKLSC_API void expand_lsc_table_c2(unsigned short* table, int width, int height);
 
 /* src/bicubic */
+
+/**
+ * The cubic interpolation of the ISP corrections in one direction: the gain between p1 and p2 at the fraction
+ * phase / step, 1024 = 1.0, limited to 1024 .. 16383. Differences of gains are taken in 16 bits and read as signed.
+ *
+ * @param p0, p1, p2, p3  gains at four nodes in a row, any 16-bit value
+ * @param phase           offset in the cell in plane samples, 0 .. step - 1. One beyond the step counts as the step
+ * @param step            length of the cell in plane samples, 1 .. 255. Above that, phases past 127 take row 127
+ * @param weights         read; filled by generate_bicubic_weight_table() for the same step; not null
+ */
 ZERKLSC_API unsigned short cubic_1D(unsigned short p0, unsigned short p1, unsigned short p2, unsigned short p3,
                                     unsigned short phase, unsigned short step, lnc_bicubic_weight_t_64_tag* weights);
 
+/**
+ * As above with the fixed weights of step 64, at the phase (64 / step) * phase: an integer quotient, 0 for a step of 0,
+ * and the low 16 bits of the product. A product beyond 64 counts as 64.
+ */
 ZERKLSC_API unsigned short cubic_1D(unsigned short p0, unsigned short p1, unsigned short p2, unsigned short p3,
                                     unsigned short phase, unsigned short step);
 

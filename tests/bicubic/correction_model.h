@@ -1,0 +1,72 @@
+// Both corrections once more, from the definition of a single pixel: no strip, no refills, no shared rows.
+#pragma once
+
+#include <vector>
+
+#include "bicubic/reference.h"
+#include "support/random.h"
+#include "zerklsc.h"
+
+namespace zerklsc::testing {
+
+// A frame of one of the two ISPs with its tables in the order of the record's pointers.
+struct CorrectionModel {
+    CorrectionModel(int isp_, size_t width_, size_t height_, size_t step_, Random& random, Spread spread)
+        : isp(isp_), width(width_), height(height_), step(step_), table_w(extent(width / 2)),
+          in(random_samples(random, width * height, spread)) {
+        for (auto& table : tables) {
+            table = random_samples(random, table_w * extent(height / 2), spread);
+            if (random.between(0, 1) == 0)
+                for (uint16_t& gain : table)
+                    gain = static_cast<uint16_t>(900 + gain % 16500);
+        }
+        const auto s = static_cast<int64_t>(step);
+        for (int64_t phase = 0; phase < s; ++phase)
+            taps.push_back(isp == ZERKLSC_ISP_VESSAL2 ? reference_taps(s, phase)
+                                                      : reference_taps(64, 64 / s * phase));
+    }
+
+    std::vector<uint16_t> corrected() const {
+        std::vector<uint16_t> out;
+        for (const uint16_t sample : in) {
+            const uint64_t v = (sample * uint64_t{gain(out.size() % width, out.size() / width)} + 512) / 1024;
+            out.push_back(static_cast<uint16_t>(std::min<uint64_t>(v % 65536, 1023)));
+        }
+        return out;
+    }
+
+    int isp;
+    size_t width, height, step, table_w;
+    std::vector<uint16_t> in, tables[4];
+
+  private:
+    size_t extent(size_t half) const {
+        if (isp == ZERKLSC_ISP_VESSAL2)
+            return (half + step - 1) / step + 3;
+        return half == 0 ? (step == 1 ? 2 : 4) : (half - 1 + step - 1) / step + 3;
+    }
+
+    uint16_t gain(size_t x, size_t y) const {
+        const bool last = width / 2 % step == 1 && x / 2 == width / 2 - 1;
+        std::array<int64_t, 4> across;
+        for (size_t k = 0; k < 4; ++k)
+            across[k] = column(x / 2 / step + k, x % 2, y);
+        return reference_cubic(across, taps[last ? 1 : x / 2 % step]);
+    }
+
+    // The vertical pass. Only columns that enter the strip by a refill see the quirk of the last row.
+    int64_t column(size_t i, size_t side, size_t y) const {
+        const bool last = i >= 4 && height / 2 % step == 1 && y / 2 == height / 2 - 1;
+        const auto& table = tables[y % 2 + 2 * side];
+        std::array<int64_t, 4> down;
+        for (size_t k = 0; k < 4; ++k) {
+            const size_t row = y / 2 / step + k, index = row * table_w + i;
+            down[k] = table[last && index < table_w ? 0 : std::min(index - last * table_w, table.size() - 1)];
+        }
+        return reference_cubic(down, taps[last ? 1 : y / 2 % step]);
+    }
+
+    std::vector<ReferenceTaps> taps;
+};
+
+} // namespace zerklsc::testing
