@@ -282,49 +282,216 @@ ZERKLSC_API void meshgrid(pix_point* points, uint16_t* xs, uint16_t* ys, int32_t
 
 /* ---- Gain tables (src/table) --------------------------------------------------------------------------------- */
 
+/**
+ * Converts a float gain table (1.0 = unity) to fixed point: rounds half up to the nearest 1/1024 and saturates at 0 and
+ * 65535; a gain that is not a number becomes 0.
+ *
+ * @param src   w x h gains, row by row
+ * @param dst   written; w x h gains, row by row; must not overlap `src`
+ * @param w, h  elements per row and rows; nothing is done unless both are above 0
+ */
 ZERKLSC_API void lsc_table_ftoi(const float* src, uint16_t* dst, int32_t w, int32_t h);
 
+/**
+ * Converts a gain table to floats (1024 becomes 1.0). Exact: lsc_table_ftoi() gives the same table back.
+ *
+ * @param src   w x h gains, row by row
+ * @param dst   written; w x h gains, row by row; must not overlap `src`
+ * @param w, h  elements per row and rows; nothing is done unless both are above 0
+ */
 ZERKLSC_API void lsc_table_itof(const uint16_t* src, float* dst, int32_t w, int32_t h);
 
+/**
+ * Limits a gain table to what the hardware takes, ZERKLSC_HIGHEST_GAIN.
+ *
+ * @param table  w x h gains, changed in place
+ * @param w, h   elements per row and rows; nothing is done unless both are above 0
+ */
 ZERKLSC_API void format_lsc_table(uint16_t* table, int32_t w, int32_t h);
 
+/**
+ * The weight of a node in cubic interpolation: the convolution kernel with a = -0.5 of R. Keys, "Cubic convolution
+ * interpolation for digital image processing", IEEE Trans. ASSP 29(6), 1981, in single precision.
+ *
+ * @param x  distance from the node in node spacings, of either sign
+ * @return   1 at 0, 0 at every other whole number and beyond 2; 0 for a value that is not a number
+ */
 ZERKLSC_API float get_cubic_coef(float x);
 
+/**
+ * Builds a bordered float table from the gains measured at the inner nodes.
+ *
+ * The gains of the last column and row were measured at the last sample of the plane. Where that lies inside the last
+ * cell (width mod step_x, height mod step_y other than 1) the edge mode moves them to their nodes:
+ *   ZERKLSC_EDGE_LINEAR           linear interpolation gives the measured gain at the last sample
+ *   ZERKLSC_EDGE_CUBIC_LINEAR     cubic interpolation does, if the border is extrapolated linearly
+ *   ZERKLSC_EDGE_CUBIC_QUADRATIC  cubic interpolation does, if the border is extrapolated quadratically
+ *   any other                     they stay as measured
+ * Then the fill mode extrapolates the border, columns first, then rows with the corners; an unknown fill mode leaves
+ * the border of `table` as it was. The two modes are independent. Nothing is clamped. A step of 1 with an edge mode
+ * divides by zero in floating point and gives infinite gains.
+ *
+ * @param inner           grid_w x grid_h gains, row by row, 1.0 = unity; must not overlap `table`
+ * @param table           written; (grid_w + 2) x (grid_h + 2) gains, row by row (lsc2d_table_size())
+ * @param width, height   plane size in samples
+ * @param step_x, step_y  node spacing in plane samples, above 0
+ * @param grid_w, grid_h  nodes per row and rows of nodes (lsc2d_grid_samples()); at least 3 for
+ *                        ZERKLSC_FILL_QUADRATIC and the cubic edge modes, else 2 for ZERKLSC_FILL_LINEAR and
+ *                        ZERKLSC_EDGE_LINEAR, else 1
+ * @param edge_mode       ZERKLSC_EDGE_...
+ * @param fill_mode       ZERKLSC_FILL_...
+ * @return                0; -1 and `table` untouched for a step or a node count below its limit
+ */
 ZERKLSC_API int32_t update_table_border(const float* inner, float* table, int32_t width, int32_t height,
                                         int32_t step_x, int32_t step_y, int32_t grid_w, int32_t grid_h,
                                         int32_t edge_mode, int32_t fill_mode);
 
+/**
+ * Builds the four bordered gain tables from the gains of their inner nodes, with update_table_border(). With an
+ * unknown `border_aux` the border is 0. Takes two float tables from the heap while it runs.
+ *
+ * @param src               four tables by plane number, (table_w - 2) x (table_h - 2) gains, row by row; may be null
+ * @param dst               four tables by plane number, written; table_w x table_h gains, row by row; may be null;
+ *                          none may overlap a table of `src`
+ * @param width, height     plane size in samples
+ * @param table_w, table_h  row length and row count (lsc2d_table_size())
+ * @param param             `grid`, `border_mode` (the edge mode) and `border_aux` (the fill mode) are read
+ * @return                  0; -1 and all of `dst` untouched when `src` or `dst` is null, update_table_border() refuses
+ *                          the grid, or memory cannot be had
+ */
 ZERKLSC_API int32_t lsc2d_table_preproc(uint16_t** src, uint16_t** dst, int32_t width, int32_t height,
                                         int32_t table_w, int32_t table_h, const lsc2d_calib_param* param);
 
+/**
+ * Finishes four gain tables: apply_shading_table(), then format_lsc_table().
+ *
+ * @param tables            four tables by plane number, table_w x table_h gains each, changed in place
+ * @param width, height     plane size in samples
+ * @param table_w, table_h  row length and row count, as lsc2d_table_size() gives them for `grid`
+ * @param param             `grid`, `shading_type` and `shading_percent` are read
+ * @return                  0; -1 and the tables untouched when they have another size or `grid` is below 1
+ */
 ZERKLSC_API int32_t lsc2d_table_postproc(uint16_t** tables, int32_t width, int32_t height, int32_t table_w,
                                          int32_t table_h, const lsc2d_calib_param* param);
 
+/**
+ * Scales every node of a gain table by the shading model: 1 at the centre of the plane, `percent` at its corners, so
+ * that a part of the lens's own shading is kept. The border nodes are scaled by where they stand, outside the plane.
+ *
+ * The product is rounded and keeps its low 16 bits without a limit: a percentage above 100 wraps on high gains, and
+ * far outside the corners the linear model's factor may be negative. A factor that is not a number (square root
+ * model, low percentage, outside the corners) gives 0.
+ *
+ * @param table             table_w x table_h gains, row by row, changed in place
+ * @param width, height     plane size in samples
+ * @param step_x, step_y    node spacing in plane samples
+ * @param table_w, table_h  row length and row count, border included; nothing is done unless both are above 0
+ * @param shading           the model; an unknown type changes nothing
+ */
 ZERKLSC_API void apply_shading_table(uint16_t* table, int32_t width, int32_t height, int32_t step_x, int32_t step_y,
                                      int32_t table_w, int32_t table_h, const shading_t* shading);
 
+/**
+ * Writes the factors of the shading model as a float table. Its nodes are not those of apply_shading_table(): node
+ * (i, j) stands at (i * step_x, j * step_y), without a border, and is moved to the edge of the plane where it lies
+ * beyond.
+ *
+ * @param table             written; table_w x table_h factors, row by row
+ * @param width, height     plane size in samples
+ * @param step_x, step_y    node spacing in plane samples
+ * @param table_w, table_h  row length and row count; nothing is done unless both are above 0
+ * @param shading           the model; an unknown type gives factors of 1
+ * @return                  0
+ */
 ZERKLSC_API int32_t calc_shading_table(float* table, int32_t width, int32_t height, int32_t step_x, int32_t step_y,
                                        int32_t table_w, int32_t table_h, const shading_t* shading);
 
+/**
+ * Carries a gain table to a grid with other steps on the same plane, by bicubic interpolation (get_cubic_coef()).
+ * The border is rebuilt (linear edge, quadratic fill) and the gains are limited to ZERKLSC_HIGHEST_GAIN. Takes two
+ * float tables of the destination's size from the heap while it runs.
+ *
+ * @param src            the table to read; its border is read too
+ * @param dst            its `table` is written whole, border included; may be the memory of the source's table
+ * @param width, height  plane size in samples
+ * @return               0; -1 and the destination untouched for a step below 1, a destination of fewer than 3 x 3
+ *                       nodes, a source with too few nodes for the plane, or when memory cannot be had
+ */
 ZERKLSC_API int32_t lsc2d_grid_convert(const lsc2d_grid* src, const lsc2d_grid* dst, int32_t width, int32_t height);
 
+/**
+ * Makes the gain table of an image that is a cropped and scaled part of the calibrated one: every destination node is
+ * carried through the crop window with pixel_position_mapping(), limited to the last sample of the source and read
+ * there by bicubic interpolation. Node positions keep their low 16 bits. Border, limit and memory are those of
+ * lsc2d_grid_convert().
+ *
+ * @param src   the table to read, its image and steps
+ * @param dst   the image and steps of the new table; its `table` is written whole, border included; may be the memory
+ *              of the source's table
+ * @param crop  the window of the source image that the destination image shows; where it reaches beyond the source,
+ *              the edge of the source is taken
+ * @return      0; -1 and the destination untouched for a step of 0, a destination of fewer than 3 x 3 inner nodes, a
+ *              source with too few nodes for the positions that are read, or when memory cannot be had
+ */
 ZERKLSC_API int32_t lsc2d_table_mapping(const lsc2d_table_desc* src, const lsc2d_table_desc* dst,
                                         const lsc2d_crop* crop);
 
+/**
+ * Maps a position of a scaled image into its source: offset + round(position * src_extent / dst_extent), halves up.
+ *
+ * @param offset      start of the crop window in the source, in samples
+ * @param position    position in the destination, in samples; may lie beyond its extent
+ * @param dst_extent  width or height of the destination in samples; 0 gives the offset
+ * @param src_extent  width or height of the crop window in samples
+ * @return            the low 16 bits of the position in the source
+ */
 ZERKLSC_API uint16_t pixel_position_mapping(uint16_t offset, uint16_t position, uint16_t dst_extent,
                                             uint16_t src_extent);
 
+/**
+ * Corrects one plane with a gain table in floating point: every sample is multiplied by the gain that bicubic
+ * interpolation (get_cubic_coef()) gives at its place, and rounded. The product keeps its low 16 bits, so a sample
+ * times its gain has to stay below 65536.
+ *
+ * @param src             width x height samples, row by row
+ * @param dst             written; width x height samples, row by row; must not overlap `src`
+ * @param width, height   plane size in samples; nothing is done unless both are above 0
+ * @param table           the gain table of the plane; rows 0 to (height - 1) / step_y + 3 and columns 0 to
+ *                        (width - 1) / step_x + 3 are read, as many as lsc2d_table_size() counts
+ * @param step_x, step_y  node spacing in plane samples; nothing is done for a step below 1
+ * @param row_length      elements from one row of the table to the next, above 0
+ */
 ZERKLSC_API void lsc2d_bicubic_correction(const uint16_t* src, uint16_t* dst, int32_t width, int32_t height,
                                           const uint16_t* table, int32_t step_x, int32_t step_y, int32_t row_length);
 
+/**
+ * Fills the border of a float table by linear extrapolation, in place, as update_table_border() does with
+ * ZERKLSC_FILL_LINEAR. expand_lsc_table_c2(), below for C++, is the same with ZERKLSC_FILL_QUADRATIC.
+ *
+ * @param table           (grid_w + 2) x (grid_h + 2) gains, row by row; the inner nodes are read, the border written
+ * @param grid_w, grid_h  inner nodes per row and rows of inner nodes, at least 2; nothing is done below that
+ */
 ZERKLSC_API void expand_lsc_table_c1(float* table, int32_t grid_w, int32_t grid_h);
 
+/**
+ * Moves the last inner column and row of a float table to their nodes, in place, as update_table_border() does with
+ * ZERKLSC_EDGE_LINEAR. Only inner nodes are read and written.
+ *
+ * @param table           a bordered table; inner node (0, 0) is at row 1, column 1
+ * @param grid_w, grid_h  inner nodes per row and rows of inner nodes, at least 2
+ * @param row_length      elements from one row to the next, at least grid_w
+ * @param width, height   plane size in samples
+ * @param step_x, step_y  node spacing in plane samples, above 0
+ * @return                0; -1 and the table untouched for a step, a node count or a row length below its limit
+ */
 ZERKLSC_API int32_t align_table_linear(float* table, int32_t grid_w, int32_t grid_h, int32_t row_length,
                                        int32_t width, int32_t height, int32_t step_x, int32_t step_y);
 
+/** As align_table_linear(), with ZERKLSC_EDGE_CUBIC_LINEAR and at least 3 nodes; does nothing where that refuses. */
 ZERKLSC_API void align_table_cubic_c1(float* table, int32_t grid_w, int32_t grid_h, int32_t row_length, int32_t width,
                                       int32_t height, int32_t step_x, int32_t step_y);
 
+/** As align_table_cubic_c1(), with ZERKLSC_EDGE_CUBIC_QUADRATIC. */
 ZERKLSC_API void align_table_cubic_c2(float* table, int32_t grid_w, int32_t grid_h, int32_t row_length, int32_t width,
                                       int32_t height, int32_t step_x, int32_t step_y);
 
@@ -525,8 +692,26 @@ ZERKLSC_API unsigned short find_peak_intensity(unsigned short* plane, pix_point*
                                                int height, imfilter_t* filter);
 
 /* src/table */
+
+/**
+ * Reads a gain table from a text file: decimal numbers, optionally signed, with white space between them, of which the
+ * low 16 bits are kept (-1 becomes 65535). There is no header; the count comes from the caller. Where the file ends or
+ * holds something else, the remaining elements repeat the last number, or are 0 when there was none.
+ *
+ * @param path   name of the file; where it cannot be opened, `table` is left as it was
+ * @param table  written; n elements
+ * @param n      how many numbers to read; nothing is written for 0 or less
+ * @return       0, whatever happened
+ */
 ZERKLSC_API int load_table(const char* path, unsigned short* table, int n);
 
+/**
+ * Fills the border of a float table by quadratic extrapolation, in place, as update_table_border() does with
+ * ZERKLSC_FILL_QUADRATIC.
+ *
+ * @param table           (grid_w + 2) x (grid_h + 2) gains, row by row; the inner nodes are read, the border written
+ * @param grid_w, grid_h  inner nodes per row and rows of inner nodes, at least 3; nothing is done below that
+ */
 ZERKLSC_API void expand_lsc_table_c2(float* table, int grid_w, int grid_h);
 
 /* src/compress */

@@ -93,7 +93,8 @@ bool border_possible(const PlaneGrid& plane, int32_t grid_w, int32_t grid_h, int
 void correct_edges(View<float> inner, const PlaneGrid& plane, int32_t edge_mode) {
     if (edge_mode < ZERKLSC_EDGE_LINEAR || edge_mode > ZERKLSC_EDGE_CUBIC_QUADRATIC)
         return;
-    // A remainder of 1 puts the last sample on a node, which is then right as measured.
+    // With a remainder of 1 the last sample falls on the node before the last one, which keeps what was
+    // measured there too.
     if (plane.width % plane.step_x != 1) {
         const EdgeRule rule = edge_rule(edge_mode, Line::row, plane.width, plane.step_x);
         for (int32_t y = 0; y < inner.height; ++y) {
