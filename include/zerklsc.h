@@ -570,18 +570,102 @@ ZERKLSC_API int32_t lsc2d_correction_wrapper(uint16_t* in, uint16_t* out, lsc2d_
 
 /* ---- ISP parameter generation (src/bicubic) ------------------------------------------------------------------ */
 
+/*
+ * The generators measure a flat field and write the four gain tables that the ISP corrections read. w = width / 2 and
+ * h = height / 2 is the size of a colour's image; an odd last column or row of the frame is not read.
+ *
+ *   samples   raw - black level, negative ones kept; above 1023 they count as 1023, and one line on standard output
+ *             names the colour of each: "Warning:Gr channel data of raw image maybe wrong ", in raster order.
+ *   averages  around each node a block of (2 * filter_radius + 1)^2 samples, mirrored at the image edges without
+ *             repeating the edge sample; its sum times the reciprocal of that count. Nodes beyond the last sample are
+ *             measured at the last sample. All arithmetic is in double precision.
+ *   target    with a share above 0.999999 each colour's own largest average at every node; otherwise a spherical cap
+ *             through the largest average of Gb at the image centre and `share` times that at the image corners,
+ *             scaled to each colour's largest average.
+ *   gains     target / average, limited and truncated. 0 where the target or the gain is below 0 or not a number, the
+ *             highest gain where the average is 0. The border is extrapolated quadratically and keeps the low 16 bits.
+ *
+ *   isp_type      gain 1.0   highest   afterwards
+ *   0             256        1024      prints "not support isp type!"
+ *   1             1024       4095      prints "not support isp type!"
+ *   2             1024       16383     prints "not support isp type!"
+ *   3             1024       16383     limits all entries to 16383; a border that fell below 0 becomes 16383 by this
+ *   4 and above   none: all 0          prints "not support isp type!" twice
+ *
+ * Nodes per row (per column likewise, from h), S being the low byte of `grid`: ceil(w / S) + 1 with isp_type 3,
+ * ceil((w - 1) / S) + 1 with any other. A gain table has two more in each direction; with isp_type 3 that is the size
+ * from lsc2d_table_size().
+ *
+ * Not reentrant: the margin of a call is kept in one library-wide variable, so calls of all these functions must be
+ * serialised. Memory: 8 bytes per node and 12 per column of a colour's image.
+ */
+
+/**
+ * Fills four gain tables; the target keeps shading_percent / 100 of the centre's brightness at the corners.
+ *
+ * @param raw    read; width x height samples, row by row
+ * @param param  read: width, height (of the frame), bayer_pattern (0..3), isp_type, blc (by plane number), grid (S, in
+ *               samples of a colour; only its low byte counts and is not 0), shading_percent (taken as unsigned),
+ *               filter_radius (0 or above, below w and h) and lsc_table, whose four tables are written. Each colour
+ *               goes to the table that the corrections use for its plane: pointers 0..3 are planes 0, 2, 1, 3.
+ * @return 0; -1 with untouched tables and nothing printed for a null pointer (tables included), any of the above out
+ *         of range, a grid of fewer than 3 x 3 nodes, or a failed allocation
+ */
 ZERKLSC_API int32_t bicubic_lnc_param_gen_orvel_otp(uint16_t* raw, isp_param_tag* param);
 
+/**
+ * As bicubic_lnc_param_gen_orvel_otp(), with a target that starts from the fall-off of the lens: blocks of 50 x 50
+ * samples in the corners, divided by one in the centre, give each colour's corner ratio; with r0 that of Gb, the share
+ * kept at the corners is r0 + (0.999999999999999 - r0) * shading_percent / 100, limited to 0.01 .. 0.9999999 (0.01
+ * when the centre is black). The last average of each row is extended from the last sample to its node, in a line
+ * through the one before it, unless the last sample is a node itself; one line on standard output, "Warning:raw image
+ * data maybe wrong ", for each that is then not above 0.
+ *
+ * @param raw    read; width x height samples, row by row
+ * @param param  as there; corner_ratio is written: 16 x the smallest corner ratio of the four colours, 0 when a centre
+ *               is black
+ * @return as there; -1 also when w or h is below 50. corner_ratio is untouched then.
+ */
 ZERKLSC_API int32_t bicubic_lnc_param_gen_halvane(uint16_t* raw, isp_param_tag* param);
 
+/**
+ * Runs bicubic_lnc_param_gen_orvel_otp() for ISP type 3 with black levels of 0.
+ *
+ * @param raw            read; width x height samples, row by row
+ * @param width, height  size of the frame in pixels
+ * @param tables         four gain tables by plane number, written; lsc2d_table_size() of (width / 2, height / 2, step,
+ *                       step) gives their size
+ * @param unused_0       not read
+ * @param unused_1       not read
+ * @param bayer_pattern  0..3, as in isp_param_tag
+ * @param calib          read; an lsc2d_calib_param as eight words: grid (word 0), filter_radius (2) and
+ *                       shading_percent (7) are used
+ * @return that of the generator; -1 also when tables or calib is null
+ */
 ZERKLSC_API int32_t lsc2d_calibration_orvel_otp(uint16_t* raw, uint16_t width, uint16_t height, uint16_t** tables,
                                                 uint32_t unused_0, uint32_t unused_1, uint8_t bayer_pattern,
                                                 uint32_t* calib);
 
+/** As lsc2d_calibration_orvel_otp(), with bicubic_lnc_param_gen_halvane(); its corner_ratio is not handed out. */
 ZERKLSC_API int32_t lsc2d_calibration_halvane(uint16_t* raw, uint16_t width, uint16_t height, uint16_t** tables,
                                               uint32_t unused_0, uint32_t unused_1, uint8_t bayer_pattern,
                                               uint32_t* calib);
 
+/**
+ * Runs bicubic_lnc_param_gen_orvel_otp() for ISP type 3, Bayer pattern 0 and black levels of 0, and hands out the
+ * tables without their border. Takes 8 bytes per entry of a bordered table from the heap besides.
+ *
+ * @param raw             read; width x height samples, row by row
+ * @param width, height   size of the frame in pixels
+ * @param out             four buffers by plane number, written; grid_w x grid_h gains of 2 bytes each in the byte order
+ *                        of the processor, row by row, at any alignment
+ * @param grid_w, grid_h  nodes per row and rows of nodes, as lsc2d_grid_samples() counts them for (width / 2,
+ *                        height / 2, step, step)
+ * @param calib           read; three words that are not those of the calibration front ends: step (word 0), sampling
+ *                        margin (1), percentage (2)
+ * @return 0; -1 with untouched buffers when the generator refuses, when grid_w or grid_h is not its node count, for a
+ *         null pointer, or for a failed allocation
+ */
 ZERKLSC_API int32_t lsc2d_otp_table(uint16_t* raw, uint16_t width, uint16_t height, uint8_t** out, uint32_t grid_w,
                                     uint32_t grid_h, uint32_t* calib);
 

@@ -1,0 +1,31 @@
+// The sizes of one call of a parameter generator: the channel image, its margin and the grid laid over it.
+#pragma once
+
+#include <cstdint>
+
+#include "zerklsc.h"
+
+namespace zerklsc {
+
+// 0 <= margin < width and height of the channel image, 1 <= step <= 255, at least 3 x 3 nodes.
+struct GeneratorGeometry {
+    int32_t width;
+    int32_t height;
+    int32_t step;
+    int32_t margin;
+    int32_t grid_w;
+    int32_t grid_h;
+};
+
+// How many nodes cover `size` samples of a channel image; size and step are above 0.
+int32_t generator_nodes(int32_t size, int32_t step, uint8_t isp_type);
+
+// The step that a record's `grid` stands for: the ISP takes it as a byte.
+constexpr int32_t generator_step(uint32_t grid) {
+    return static_cast<int32_t>(grid & 0xFFu);
+}
+
+// False when the sizes in the record cannot be worked with.
+bool generator_geometry(const isp_param_tag& param, GeneratorGeometry& geometry);
+
+} // namespace zerklsc

@@ -1,0 +1,38 @@
+// The four colours of a flat field as the parameter generators see them.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "frame/view.h"
+#include "zerklsc.h"
+
+namespace zerklsc {
+
+// In the order in which the generators go through them; the first one is the reference.
+enum Colour : uint8_t { Gb, B, R, Gr };
+constexpr Colour reference_colour = Gb;
+
+// The colour at position (x & 1) + 2 * (y & 1) of the Bayer cell; the pattern is 0..3.
+Colour colour_at(uint8_t bayer_pattern, int32_t position);
+
+// One colour of a frame of even size. Its samples are taken from the frame as they are needed.
+struct Channel {
+    static constexpr int32_t white = 1023;
+
+    View<const uint16_t> raw;
+    int32_t position; // in the Bayer cell
+    int32_t black;
+
+    // A sample below its black level stays negative, one above white counts as white.
+    int32_t sample(int32_t x, int32_t y) const {
+        return std::min(raw.at(2 * x + (position & 1), 2 * y + (position >> 1)) - black, white);
+    }
+};
+
+Channel channel_of(View<const uint16_t> raw, const isp_param_tag& param, Colour colour);
+
+// One line on standard output for every sample above white, in raster order of the frame.
+void warn_of_clipped_samples(View<const uint16_t> raw, const isp_param_tag& param);
+
+} // namespace zerklsc

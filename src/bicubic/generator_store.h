@@ -1,0 +1,34 @@
+// Gains and the tables that they go to.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/view.h"
+#include "zerklsc.h"
+
+namespace zerklsc {
+
+// The fixed-point form of one ISP type.
+struct GainFormat {
+    double unity;
+    double highest;
+};
+
+// No gains are known for the types above 3: they have the format 0, 0, in which every gain is 0.
+GainFormat gain_format(uint8_t isp_type);
+
+constexpr bool has_gain_format(uint8_t isp_type) {
+    return isp_type <= ZERKLSC_ISP_TVESSA2;
+}
+
+// min(target / measured * unity, highest), truncated. A node that measured 0 takes the highest gain; a target
+// or a gain that is below 0 or not a number gives 0.
+uint16_t generator_gain(double target, double measured, GainFormat format);
+
+// Extrapolates the one-node border of a table of at least 3 x 3 inner nodes.
+void extrapolate_border(View<uint16_t> table);
+
+// Limits every entry, border included, to what the hardware takes.
+void limit_table(View<uint16_t> table);
+
+} // namespace zerklsc

@@ -1,0 +1,86 @@
+// A flat field with its record and four guarded tables, for the tests of the parameter generators.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/guarded.h"
+#include "zerklsc.h"
+
+namespace zerklsc::testing {
+
+constexpr uint16_t untouched = 0xBEEF;
+
+// Which record pointer the corrections read a Bayer position through, (x & 1) + 2 * (y & 1).
+constexpr int pointer_of_position[4] = {0, 2, 1, 3};
+
+inline int position_of(int x, int y) {
+    return (x & 1) + 2 * (y & 1);
+}
+
+struct FlatField {
+    Guarded<uint16_t> raw;
+    isp_param_tag param{};
+    int grid_w, grid_h;
+    std::array<std::unique_ptr<Guarded<uint16_t>>, 4> tables;
+
+    FlatField(int width, int height, int step, int isp_type = 3, Against side = Against::back)
+        : raw(static_cast<size_t>(width * height), side), grid_w(nodes(width / 2, step, isp_type)),
+          grid_h(nodes(height / 2, step, isp_type)) {
+        param.width = static_cast<uint16_t>(width);
+        param.height = static_cast<uint16_t>(height);
+        param.grid = static_cast<uint16_t>(step);
+        param.isp_type = static_cast<uint8_t>(isp_type);
+        param.shading_percent = 100;
+        for (size_t k = 0; k < 4; ++k) {
+            tables[k] = std::make_unique<Guarded<uint16_t>>(
+                std::vector<uint16_t>(static_cast<size_t>((grid_w + 2) * (grid_h + 2)), untouched), side);
+            param.lsc_table[k] = tables[k]->data();
+        }
+        paint([](int, int) { return 500; });
+    }
+
+    static int nodes(int size, int step, int isp_type) {
+        const int covered = isp_type == 3 ? size : size - 1;
+        return (covered + step - 1) / step + 1;
+    }
+
+    uint16_t& sample(int x, int y) { return raw[static_cast<size_t>(y * param.width + x)]; }
+
+    template <class Level>
+    void paint(Level level) {
+        for (int y = 0; y < param.height; ++y)
+            for (int x = 0; x < param.width; ++x)
+                sample(x, y) = static_cast<uint16_t>(level(x, y));
+    }
+
+    // Inner node (i, j) of the table of a Bayer position; -1 and the node count are the border.
+    int gain(int position, int i, int j) {
+        const auto index = static_cast<size_t>((j + 1) * (grid_w + 2) + i + 1);
+        return (*tables[static_cast<size_t>(pointer_of_position[position])])[index];
+    }
+
+    bool all_tables_are(uint16_t value) {
+        return std::all_of(tables.begin(), tables.end(), [value](const auto& t) {
+            return std::all_of(t->begin(), t->end(), [value](uint16_t g) { return g == value; });
+        });
+    }
+
+    // Runs a generator and returns what it printed.
+    template <class Generator>
+    std::string run(Generator generator, int status = 0) {
+        ::testing::internal::CaptureStdout();
+        EXPECT_EQ(generator(raw.data(), &param), status);
+        std::string printed = ::testing::internal::GetCapturedStdout();
+        EXPECT_TRUE(raw.intact());
+        for (const auto& t : tables)
+            EXPECT_TRUE(t->intact());
+        return printed;
+    }
+};
+
+} // namespace zerklsc::testing
