@@ -24,10 +24,13 @@ struct Channel {
     int32_t position; // in the Bayer cell
     int32_t black;
 
+    // The first sample of a row; the next ones are two raw samples apart each.
+    const uint16_t* row(int32_t y) const { return raw.row(2 * y + (position >> 1)) + (position & 1); }
+
     // A sample below its black level stays negative, one above white counts as white.
-    int32_t sample(int32_t x, int32_t y) const {
-        return std::min(raw.at(2 * x + (position & 1), 2 * y + (position >> 1)) - black, white);
-    }
+    int32_t level(uint16_t sample) const { return std::min(sample - black, white); }
+
+    int32_t at(int32_t x, int32_t y) const { return level(row(y)[2 * x]); }
 };
 
 Channel channel_of(View<const uint16_t> raw, const isp_param_tag& param, Colour colour);

@@ -18,7 +18,7 @@ double patch_mean(const Channel& channel, int32_t left, int32_t top) {
     int32_t sum = 0;
     for (int32_t y = top; y < top + patch_side; ++y)
         for (int32_t x = left; x < left + patch_side; ++x)
-            sum += channel.sample(x, y);
+            sum += channel.at(x, y);
     return sum * patch_share;
 }
 
