@@ -60,16 +60,14 @@ TEST(OtpTable, TakesThreeWordsOfItsOwnAndPacksTheInnerNodesInPlaneOrder) {
 
 TEST(OtpTable, RefusalsAndFailedAllocationsTouchNothingAndNothingIsLeftBehind) {
     UnevenField field;
-    void (*const spoil[])(OtpCall&) = {
-        [](OtpCall& c) { c.grid_w = 10; }, [](OtpCall& c) { c.grid_h = 0xFFFFFFFF; },
-        [](OtpCall& c) { c.calib[0] = 0x100; }, [](OtpCall& c) { c.calib[1] = 52; },
-        [](OtpCall& c) { c.out[3] = nullptr; }};
-    for (const auto change : spoil) {
-        OtpCall call;
-        change(call);
-        EXPECT_EQ(call.run(field), -1);
-        EXPECT_TRUE(call.is_untouched());
-    }
+    OtpCall bad[5];
+    bad[0].grid_w = 10;
+    bad[1].grid_h = 0xFFFFFFFF;
+    bad[2].calib[0] = 0x100;
+    bad[3].calib[1] = 52;
+    bad[4].out[3] = nullptr;
+    for (OtpCall& call : bad)
+        EXPECT_TRUE(call.run(field) == -1 && call.is_untouched()) << &call - bad;
     OtpCall call;
     EXPECT_EQ(lsc2d_otp_table(field.raw.data(), 120, 104, nullptr, 9, 8, call.calib), -1);
     EXPECT_EQ(lsc2d_otp_table(field.raw.data(), 120, 104, call.out, 9, 8, nullptr), -1);

@@ -38,7 +38,7 @@ TEST(Halvane, BlendsTheMeasuredRatioWithThePercentage) {
     for (const auto& [centre, corner, percent, same_as] : cases) {
         FlatField field(402, 322, 20), other(402, 322, 20);
         for (FlatField* f : {&field, &other})
-            f->paint([&](int x, int y) { return patch_level(x / 2, y / 2, centre, corner); });
+            f->paint([c = centre, k = corner](int x, int y) { return patch_level(x / 2, y / 2, c, k); });
         field.param.shading_percent = percent;
         other.param.shading_percent = same_as;
         field.run(halvane);

@@ -56,15 +56,6 @@ TEST(OrvelOtp, SamplesBelowTheirBlackLevelStayNegativeAndBrightOnesStopAt1023) {
     EXPECT_EQ(field.gain(0, 0, 0), 3072); // 1023 / 341
 }
 
-TEST(OrvelOtp, NodeBeyondTheImageIsMeasuredAtTheLastSample) {
-    FlatField field(40, 40, 8);
-    field.paint([](int x, int y) { return (x >= 38 ? 250 : 500) / (y >= 38 ? 2 : 1); });
-    field.run(orvel);
-    EXPECT_EQ(field.gain(1, 2, 2), 1024);
-    EXPECT_EQ(field.gain(1, 3, 2), 2048);
-    EXPECT_EQ(field.gain(1, 3, 3), 4096);
-}
-
 TEST(OrvelOtp, TypesDifferInNodesGainsAndMessages) {
     const std::string line = "not support isp type!\n";
     const struct {
@@ -108,23 +99,23 @@ TEST(OrvelOtp, TargetIsACapThroughTheGbPeakAndTheShareOfItAtTheCorners) {
 }
 
 TEST(OrvelOtp, RefusesBeforeAnythingIsPrintedOrWritten) {
-    void (*const spoil[])(isp_param_tag&) = {[](isp_param_tag& p) { p.bayer_pattern = 4; },
-                                             [](isp_param_tag& p) { p.grid = 0x300; },
-                                             [](isp_param_tag& p) { p.grid = 33; },
-                                             [](isp_param_tag& p) { p.filter_radius = 24; },
-                                             [](isp_param_tag& p) { p.filter_radius = -1; },
-                                             [](isp_param_tag& p) { p.filter_radius = INT32_MIN; },
-                                             [](isp_param_tag& p) { p.filter_radius = INT32_MAX; },
-                                             [](isp_param_tag& p) { p.lsc_table[2] = nullptr; },
-                                             [](isp_param_tag& p) { p.width = 1; },
-                                             [](isp_param_tag& p) { p.height = 0; }};
     FlatField field(64, 48, 8, 0);
     field.sample(3, 3) = 2000;
-    const isp_param_tag good = field.param;
-    for (const auto change : spoil) {
-        field.param = good;
-        change(field.param);
-        EXPECT_EQ(field.run(orvel, -1), "");
+    isp_param_tag bad[10];
+    std::fill_n(bad, 10, field.param);
+    bad[0].bayer_pattern = 4;
+    bad[1].grid = 0x300;
+    bad[2].grid = 33;
+    bad[3].filter_radius = 24;
+    bad[4].filter_radius = -1;
+    bad[5].filter_radius = INT32_MIN;
+    bad[6].filter_radius = INT32_MAX;
+    bad[7].lsc_table[2] = nullptr;
+    bad[8].width = 1;
+    bad[9].height = 0;
+    for (const isp_param_tag& param : bad) {
+        field.param = param;
+        EXPECT_EQ(field.run(orvel, -1), "") << &param - bad;
     }
     EXPECT_EQ(orvel(nullptr, &field.param), -1);
     EXPECT_EQ(orvel(field.raw.data(), nullptr), -1);
@@ -133,17 +124,14 @@ TEST(OrvelOtp, RefusesBeforeAnythingIsPrintedOrWritten) {
 
 TEST(OrvelOtp, FrameCorrectedWithItsOwnTablesIsFlat) {
     FlatField field(416, 320, 16);
-    field.param.filter_radius = 2;
-    field.paint([](int x, int y) {
-        const double c =
-            std::cos(std::hypot(x / 2 - 104, y / 2 - 80) / 260.0); // a corner keeps 0.59 of the centre
-        return 600.0 * c * c * c * c + 0.5;
+    field.paint([](int x, int y) { // a corner keeps 0.59 of the centre
+        return 600.0 * std::pow(std::cos(std::hypot(x / 2 - 104, y / 2 - 80) / 260.0), 4) + 0.5;
     });
     EXPECT_EQ(field.run(orvel), "");
     ASSERT_EQ(bicubic_lnc_correction_tvessa2(field.raw.data(), field.raw.data(), &field.param), 0);
-    for (int y = 0; y < 320; ++y)
-        for (int x = 0; x < 416; ++x)
-            ASSERT_NEAR(field.sample(x, y), 600, 9) << x << ',' << y;
+    const auto [darkest, brightest] = std::minmax_element(field.raw.begin(), field.raw.end());
+    EXPECT_GE(*darkest, 591);
+    EXPECT_LE(*brightest, 609);
 }
 
 } // namespace
