@@ -1,0 +1,19 @@
+// The samplers as their arithmetic is stated: a full mask, laid tap by tap over a plane. What the fast ones
+// must equal to the bit.
+#pragma once
+
+#include <cstdint>
+
+#include "zerklsc.h"
+
+namespace zerklsc::plain {
+
+// As img_sample_grid() and img_sample(), for filters and positions that those do not refuse; false when the
+// mask cannot be had.
+bool sample_grid(const uint16_t* plane, float* samples, int32_t width, int32_t height, int32_t step_x,
+                 int32_t step_y, int32_t out_w, int32_t out_h, const imfilter_t& filter);
+
+bool sample_points(const uint16_t* plane, pix_point* points, int32_t count, int32_t width, int32_t height,
+                   const imfilter_t& filter);
+
+} // namespace zerklsc::plain

@@ -1,0 +1,89 @@
+// The averaging window: its shape and its sums.
+#include "sampling/window.h"
+
+#include "sampling/boundary.h"
+#include "sampling/mask.h"
+
+namespace zerklsc {
+namespace {
+
+bool is_acceptable(const imfilter_t& filter) {
+    return has_weights(filter) && filter.filter_radius >= 0 && filter.filter_radius <= max_radius
+           && (filter.boundary_mode == ZERKLSC_BOUNDARY_MIRROR
+               || filter.boundary_mode == ZERKLSC_BOUNDARY_CLAMP);
+}
+
+// Finds the reach of every row; returns the number of taps of weight 1. The reach never grows from one row to
+// the next further out.
+int64_t measure_reach(const imfilter_t& filter, int32_t* reach) {
+    const TapWeight weight(filter);
+    int64_t taps = 0;
+    int64_t dx = filter.filter_radius;
+    for (int64_t dy = 0; dy <= filter.filter_radius; ++dy) {
+        while (dx >= 0 && weight.at(dx * dx + dy * dy) == 0)
+            --dx;
+        reach[dy] = static_cast<int32_t>(dx);
+        taps += (2 * dx + 1) * (dx < 0 ? 0 : dy == 0 ? 1 : 2);
+    }
+    return taps;
+}
+
+// Adds the samples of a run of rows by a run of columns.
+void add_runs(const Field& field, const Run& columns, const Run& rows, uint64_t sums[4]) {
+    uint64_t block[4] = {};
+    add_block(field, columns.first, rows.first, columns.count, rows.count, block);
+    const uint64_t weight = static_cast<uint64_t>(columns.weight) * static_cast<uint64_t>(rows.weight);
+    for (int32_t c = 0; c < field.planes(); ++c)
+        sums[c] += block[c] * weight;
+}
+
+// Adds the samples of the rows top .. bottom, all of which reach equally far.
+void add_band(const Field& field, int32_t mode, int64_t top, int64_t bottom, int64_t left, int64_t right,
+              uint64_t sums[4]) {
+    const Runs columns = tap_runs(field.width, left, right, mode);
+    for (const Run& rows : tap_runs(field.height, top, bottom, mode)) {
+        for (const Run& run : columns)
+            add_runs(field, run, rows, sums);
+    }
+}
+
+} // namespace
+
+Window make_window(const imfilter_t& filter) {
+    Window window;
+    if (!is_acceptable(filter))
+        return window;
+    window.radius = filter.filter_radius;
+    window.boundary_mode = filter.boundary_mode;
+    window.box = filter.filter_type == ZERKLSC_FILTER_BOX;
+    window.reach = allocate<int32_t>(static_cast<uint64_t>(filter.filter_radius) + 1);
+    if (window.reach == nullptr)
+        return window;
+    const int64_t taps = measure_reach(filter, window.reach.get());
+    if (taps == 0)
+        window.reach.reset();
+    else
+        window.scale = 1.0f / static_cast<float>(taps);
+    return window;
+}
+
+bool window_fits(const Window& window, int32_t n, int64_t first, int64_t last) {
+    return taps_fit(n, first - window.radius, last + window.radius, window.boundary_mode);
+}
+
+void sum_window(const Field& field, const Window& window, int64_t x, int64_t y, uint64_t sums[4]) {
+    for (int32_t c = 0; c < field.planes(); ++c)
+        sums[c] = 0;
+    const int32_t r = window.radius;
+    if (window.box) {
+        add_band(field, window.boundary_mode, y - r, y + r, x - r, x + r, sums);
+        return;
+    }
+    for (int32_t dy = -r; dy <= r; ++dy) {
+        const int32_t reach = window.reach_of(dy);
+        if (reach >= 0)
+            add_band(field, window.boundary_mode, y + dy, y + dy, x - reach, x + reach, sums);
+    }
+}
+
+} // namespace zerklsc
