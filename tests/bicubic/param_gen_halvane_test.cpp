@@ -38,14 +38,16 @@ TEST(Halvane, BlendsTheMeasuredRatioWithThePercentage) {
     for (const auto& [centre, corner, percent, same_as] : cases) {
         FlatField field(402, 322, 20), other(402, 322, 20);
         for (FlatField* f : {&field, &other})
-            f->paint([c = centre, k = corner](int x, int y) { return patch_level(x / 2, y / 2, c, k); });
+            f->paint([c = centre, k = corner](int x, int y) { // only Gb counts: the others have another ratio
+                return patch_level(x / 2, y / 2, position_of(x, y) == 3 ? c : 333, k);
+            });
         field.param.shading_percent = percent;
         other.param.shading_percent = same_as;
         field.run(halvane);
         other.run(bicubic_lnc_param_gen_orvel_otp);
         for (int i = 0; i < field.grid_w * field.grid_h; ++i)
-            EXPECT_NEAR(field.gain(2, i % field.grid_w, i / field.grid_w),
-                        other.gain(2, i % field.grid_w, i / field.grid_w), 1)
+            EXPECT_NEAR(field.gain(3, i % field.grid_w, i / field.grid_w),
+                        other.gain(3, i % field.grid_w, i / field.grid_w), 1)
                 << percent;
     }
 }

@@ -105,13 +105,14 @@ TEST(OrvelOtp, RefusesBeforeAnythingIsPrintedOrWritten) {
     std::fill_n(bad, 10, field.param);
     bad[0].bayer_pattern = 4;
     bad[1].grid = 0x300;
-    bad[2].grid = 33;
+    bad[2].grid = 30; // 3 x 2 nodes
     bad[3].filter_radius = 24;
     bad[4].filter_radius = -1;
     bad[5].filter_radius = INT32_MIN;
     bad[6].filter_radius = INT32_MAX;
     bad[7].lsc_table[2] = nullptr;
-    bad[8].width = 1;
+    bad[8].width = 40; // with 20: 2 x 3 nodes
+    bad[8].grid = 20;
     bad[9].height = 0;
     for (const isp_param_tag& param : bad) {
         field.param = param;
