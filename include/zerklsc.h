@@ -275,9 +275,43 @@ ZERKLSC_API int32_t lsc2d_calibration_wrapper(const uint16_t* raw, lsc2d_info* i
 ZERKLSC_API int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_t height, uint16_t** tables,
                                             int32_t stride_w, int32_t stride_h, const lsc2d_calib_param* param);
 
+/**
+ * Fits a smooth gain surface to a flat field: measures each plane's gain (the brightest level of its centre cluster
+ * divided by the level there) on a raster of points that is denser along the edges, and finds by linear least squares
+ * the inner nodes whose cubic convolution interpolation (R. Keys, "Cubic convolution interpolation for digital image
+ * processing", IEEE Trans. ASSP 29(6), 1981) reproduces those gains best. The border nodes are tied to the inner ones
+ * by linear extrapolation. Nothing is clamped: gains of 64 and more keep their low 16 bits, and a gain that is not
+ * finite or does not fit 64 bits is stored as 0; lsc2d_table_postproc() is the usual next step.
+ *
+ * Working memory: 16 * m * m + 56 * m bytes and a few bytes for each column and row of the planes, where
+ * m = (nx - 2) * (ny - 2); none of the size of the frame. Time grows with m * m * m.
+ *
+ * @param image   read; raw frame of width x height samples
+ * @param width   frame width in pixels
+ * @param height  frame height in pixels; an odd last column or row is not read
+ * @param tables  written; four gain tables by plane number, each of nx x ny entries, row by row, caller-owned; none may
+ *                overlap another buffer
+ * @param nx, ny  size of the tables, border included, as lsc2d_table_size() computes it for the planes; at least 4. With
+ *                more nodes than the planes need the system is singular.
+ * @param param   read; `grid` is the distance of the nodes, `filter_type` (box), `filter_radius` and `boundary_mode`
+ *                describe the averaging window. `filter_radius` is also where the raster of points starts.
+ * @return 0, or -1 with the tables untouched for a singular system (which prints
+ *         "Warning: singular matrix, no solution was found!" on standard output), for sizes below those named, a
+ *         `grid` below 1 or one whose integer half or eighth is 0 where the raster steps by it (below 8 with a smaller
+ *         radius, 1), planes too small for a centre cluster, a window that img_sample() refuses, and a failed
+ *         allocation
+ */
 ZERKLSC_API int32_t lsc2d_calibration_beta(uint16_t* image, int32_t width, int32_t height, uint16_t** tables,
                                            int32_t nx, int32_t ny, lsc2d_calib_param* param);
 
+/**
+ * Makes a list of the crossings of some columns and rows: point q * nxs + p gets column xs[p] and row ys[q], as signed
+ * 16-bit numbers. The levels of the points are left as they were.
+ *
+ * @param points    written; nxs x nys points, row by row
+ * @param xs, ys    read; nxs columns and nys rows; may overlap each other, not the points
+ * @param nxs, nys  list lengths; nothing is written if either is 0 or below
+ */
 ZERKLSC_API void meshgrid(pix_point* points, uint16_t* xs, uint16_t* ys, int32_t nxs, int32_t nys);
 
 /* ---- Gain tables (src/table) --------------------------------------------------------------------------------- */
@@ -832,6 +866,18 @@ ZERKLSC_API unsigned short cubic_1D(unsigned short p0, unsigned short p1, unsign
                                     unsigned short phase, unsigned short step);
 
 /* src/calibration */
+
+/**
+ * Inverts a matrix in place by Gauss-Jordan elimination with full pivoting, for T float and double. The arithmetic is
+ * complex with an imaginary part that starts at zero, which shows in the signs of zeros and where values overflow.
+ *
+ * Working memory: n * n * sizeof(T) + 8 * n bytes.
+ *
+ * @param a  read and written; n x n elements, row by row
+ * @param n  rows and columns; nothing is done for 0 and below
+ * @return 0, or -1 for a failed allocation, with the matrix untouched, or for a singular matrix (the largest remaining
+ *         square is 0), with no defined content
+ */
 template <class T>
 int matrix_inv(T* a, int n);
 

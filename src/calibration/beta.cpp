@@ -1,0 +1,71 @@
+// lsc2d_calibration_beta
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "calibration/fit_points.h"
+#include "calibration/flat_field.h"
+#include "calibration/least_squares.h"
+#include "calibration/matrix_inv.h"
+#include "calibration/surface.h"
+#include "frame/convert.h"
+#include "frame/scratch.h"
+#include "zerklsc.h"
+
+namespace zerklsc {
+namespace {
+
+// Gains of 64 and more wrap around: the table keeps their low 16 bits.
+void store_table(const NodeGrid& grid, const float* inner, uint16_t* table) {
+    // Every node is a sum over all inner nodes, most of them with the weight 0, which a value that is not
+    // finite turns into not a number.
+    const bool finite =
+        std::all_of(inner, inner + grid.inner_count(), [](float node) { return std::isfinite(node); });
+    for (int32_t j = 0; j < grid.height; ++j) {
+        for (int32_t i = 0; i < grid.width; ++i) {
+            const float gain = finite ? node_value(i, j, grid, inner) : 0.0f;
+            *table++ = floor_low16(static_cast<double>(gain * 1024.0f + 0.5f));
+        }
+    }
+}
+
+bool invert_or_warn(System& system, int32_t unknowns) {
+    const Inversion inversion = invert_matrix(system.normal.get(), unknowns);
+    if (inversion == Inversion::singular)
+        std::puts("Warning: singular matrix, no solution was found!");
+    return inversion == Inversion::done;
+}
+
+bool calibrate(const FlatField& flat, uint16_t** tables, const NodeGrid& grid, int32_t step, int32_t start) {
+    const FitLines columns = fit_lines(flat.field.width, step, start);
+    const FitLines rows = fit_lines(flat.field.height, step, start);
+    if (columns.at == nullptr || rows.at == nullptr || !lines_fit(flat, columns, rows))
+        return false;
+    const Scratch<float> inner =
+        allocate<float>(ZERKLSC_CHANNELS * static_cast<uint64_t>(grid.inner_count()));
+    System system = make_system(grid, step, columns, rows, flat);
+    if (inner == nullptr || system.normal == nullptr
+        || !invert_or_warn(system, static_cast<int32_t>(grid.inner_count())))
+        return false;
+    solve(system, grid, inner.get());
+    for (int k = 0; k < ZERKLSC_CHANNELS; ++k)
+        store_table(grid, inner.get() + k * grid.inner_count(), tables[k]);
+    return true;
+}
+
+} // namespace
+} // namespace zerklsc
+
+int32_t lsc2d_calibration_beta(uint16_t* image, int32_t width, int32_t height, uint16_t** tables, int32_t nx,
+                               int32_t ny, lsc2d_calib_param* param) {
+    using namespace zerklsc;
+    const NodeGrid grid = {nx, ny};
+    if (param->grid <= 0 || nx < 4 || ny < 4 || grid.inner_count() > INT32_MAX)
+        return -1;
+    const FlatField flat = make_flat_field(
+        image, width, height, {param->filter_type, param->filter_radius, param->boundary_mode, nullptr});
+    if (!flat.measurable)
+        return -1;
+    // The radius of the window is, by intent, also where the first line of fit points stands.
+    return calibrate(flat, tables, grid, param->grid, param->filter_radius) ? 0 : -1;
+}

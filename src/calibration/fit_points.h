@@ -1,0 +1,25 @@
+// Where the surface fit measures the planes: a raster of columns and rows that is denser along the edges.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/scratch.h"
+
+namespace zerklsc {
+
+// The columns, or the rows, of the raster.
+struct FitLines {
+    Scratch<int16_t> at; // null where the list was refused or could not be allocated
+    int32_t count;
+
+    const int16_t* begin() const { return at.get(); }
+    const int16_t* end() const { return at.get() + count; }
+};
+
+// The lines of a plane of `extent` samples: every eighth of a step from `start` up to `step`, every half step
+// from there to the centre, the centre, and all but the centre mirrored. Refused where a list would never end
+// because the eighth or the half is 0. Positions have 16 bits; where the step is longer than the plane,
+// mirrored lines may lie before the plane's first sample.
+FitLines fit_lines(int32_t extent, int32_t step, int32_t start);
+
+} // namespace zerklsc

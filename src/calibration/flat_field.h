@@ -1,0 +1,30 @@
+// The gains that the four planes of a flat field need at a position.
+#pragma once
+
+#include <cstdint>
+
+#include "calibration/fit_points.h"
+#include "sampling/field.h"
+#include "sampling/window.h"
+#include "zerklsc.h"
+
+namespace zerklsc {
+
+struct FlatField {
+    Field field;
+    Window window;
+    uint16_t
+        peaks[ZERKLSC_CHANNELS]; // the level that each plane is raised to: the brightest around its centre
+    bool measurable; // false where the sampling refuses, or the planes have no room for a centre cluster
+};
+
+// The frame has width x height samples; it is read by gains_at() too.
+FlatField make_flat_field(const uint16_t* image, int32_t width, int32_t height, const imfilter_t& filter);
+
+// Whether the windows around all crossings of the lines can be read.
+bool lines_fit(const FlatField& flat, const FitLines& columns, const FitLines& rows);
+
+// Peak divided by level, for each plane.
+void gains_at(const FlatField& flat, int32_t x, int32_t y, float gains[ZERKLSC_CHANNELS]);
+
+} // namespace zerklsc

@@ -1,0 +1,143 @@
+#include "zerklsc.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "calibration/plain_fit.h"
+#include "support/allocations.h"
+#include "support/guarded.h"
+#include "support/random.h"
+
+namespace {
+
+using namespace zerklsc::testing;
+
+template <class T>
+class MatrixInv : public ::testing::Test {};
+using Elements = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(MatrixInv, Elements);
+
+// Equal to the bit; what is not a number equals any other such.
+template <class T>
+bool same(T a, T b) {
+    return std::isnan(a) ? std::isnan(b) : a == b && std::signbit(a) == std::signbit(b);
+}
+
+// Which element of the inverse is not that of the plain form; -1 for none, -2 for different statuses.
+template <class T>
+int mismatch(const std::vector<T>& a, int n) {
+    std::vector<T> expected = a;
+    const int status = plain_matrix_inv(expected.data(), n);
+    for (const Against side : {Against::front, Against::back}) {
+        Guarded<T> actual(a, side);
+        if (matrix_inv(actual.data(), n) != status)
+            return -2;
+        const auto found = std::mismatch(actual.begin(), actual.end(), expected.begin(), same<T>);
+        if (status == 0 && found.first != actual.end())
+            return static_cast<int>(found.first - actual.begin());
+    }
+    return -1;
+}
+
+template <class T>
+std::vector<T> random_matrix(Random& random, int n) {
+    std::vector<T> a(static_cast<size_t>(n * n));
+    for (T& v : a)
+        v = static_cast<T>(2.0 * random.unit() - 1.0);
+    return a;
+}
+
+TYPED_TEST(MatrixInv, InvertsByHand) {
+    using T = TypeParam;
+    const struct {
+        int n;
+        std::vector<T> a, inverse;
+    } cases[] = {
+        {1, {4}, {0.25}},
+        {2, {2, 1, 1, 1}, {1, -1, -1, 2}},
+        {2, {0, 1, 4, 0}, {0, 0.25, 1, 0}},
+        {3, {0, 0, 8, 2, 0, 0, 0, 4, 0}, {0, 0.5, 0, 0, 0, 0.25, 0.125, 0, 0}},
+        {3, {2, -1, 0, -1, 2, -1, 0, -1, 2}, {0.75, 0.5, 0.25, 0.5, 1, 0.5, 0.25, 0.5, 0.75}},
+    };
+    for (const auto& c : cases) {
+        std::vector<T> a = c.a;
+        ASSERT_EQ(matrix_inv(a.data(), c.n), 0);
+        for (size_t i = 0; i < a.size(); ++i)
+            EXPECT_NEAR(a[i], c.inverse[i], 4 * std::numeric_limits<T>::epsilon()) << c.n << " " << i;
+    }
+}
+
+TYPED_TEST(MatrixInv, EqualsThePlainFormToTheBit) {
+    Random random(1);
+    for (int n = 1; n < 60; n += 1 + n / 12)
+        EXPECT_EQ(mismatch(random_matrix<TypeParam>(random, n), n), -1) << n;
+    EXPECT_EQ(mismatch(random_matrix<TypeParam>(random, 203), 203), -1);
+}
+
+// Few distinct values make equal candidates for the pivot and exact zeros, whose signs the imaginary part
+// decides.
+TYPED_TEST(MatrixInv, TiesAndZerosComeOutAsInThePlainForm) {
+    Random random(2);
+    for (int run = 0; run < 300; ++run) {
+        const int n = static_cast<int>(random.between(1, 24));
+        std::vector<TypeParam> a(static_cast<size_t>(n * n));
+        for (TypeParam& v : a)
+            v = static_cast<TypeParam>(random.between(-2, 2)) * (run % 2 ? TypeParam{-0.5} : TypeParam{1});
+        EXPECT_EQ(mismatch(a, n), -1) << run;
+    }
+}
+
+// Squares and products that overflow or vanish, and input that is not finite, wherever it stands.
+TYPED_TEST(MatrixInv, ExtremeValuesEndAsInThePlainForm) {
+    using T = TypeParam;
+    using Limits = std::numeric_limits<T>;
+    const T wild[] = {Limits::infinity(), -Limits::infinity(),  Limits::quiet_NaN(),      Limits::max(),
+                      Limits::min(),      Limits::denorm_min(), std::sqrt(Limits::max()), -T{0}};
+    Random random(3);
+    for (int run = 0; run < 400; ++run) {
+        const int n = static_cast<int>(random.between(2, 20));
+        std::vector<T> a = random_matrix<T>(random, n);
+        for (int64_t count = random.between(1, 1 + run % 40); count > 0; --count)
+            a[static_cast<size_t>(random.between(0, n * n - 1))] =
+                wild[random.between(0, std::size(wild) - 1)];
+        EXPECT_EQ(mismatch(a, n), -1) << run;
+    }
+}
+
+TYPED_TEST(MatrixInv, SingularMatricesAreRefused) {
+    using T = TypeParam;
+    std::vector<T> a = {1, 2, 2, 4};
+    EXPECT_EQ(matrix_inv(a.data(), 2), -1);
+    std::vector<T> zeros(100);
+    EXPECT_EQ(matrix_inv(zeros.data(), 10), -1);
+    // The square of its only element vanishes.
+    T tiny = std::numeric_limits<T>::min();
+    EXPECT_EQ(matrix_inv(&tiny, 1), -1);
+}
+
+TYPED_TEST(MatrixInv, NothingIsDoneForNoElements) {
+    EXPECT_EQ(matrix_inv<TypeParam>(nullptr, 0), 0);
+    EXPECT_EQ(matrix_inv<TypeParam>(nullptr, -3), 0);
+}
+
+TYPED_TEST(MatrixInv, FailedAllocationsLeaveTheMatrix) {
+    Random random(4);
+    const std::vector<TypeParam> a = random_matrix<TypeParam>(random, 30);
+    for (size_t n = 0;; ++n) {
+        std::vector<TypeParam> b = a;
+        AllocationScope scope(n);
+        const int status = matrix_inv(b.data(), 30);
+        EXPECT_TRUE(scope.leftovers().empty());
+        if (!scope.failed()) {
+            EXPECT_EQ(status, 0);
+            break;
+        }
+        EXPECT_EQ(status, -1);
+        EXPECT_EQ(b, a);
+    }
+}
+
+} // namespace
