@@ -485,7 +485,8 @@ ZERKLSC_API uint16_t pixel_position_mapping(uint16_t offset, uint16_t position, 
 /**
  * Corrects one plane with a gain table in floating point: every sample is multiplied by the gain that bicubic
  * interpolation (get_cubic_coef()) gives at its place, and rounded. The product keeps its low 16 bits, so a sample
- * times its gain has to stay below 65536.
+ * times its gain has to stay below 65536. Takes 32 bytes per column from the heap while it runs if the plane is wider
+ * than 256; where they cannot be had it runs somewhat slower, with the same result.
  *
  * @param src             width x height samples, row by row
  * @param dst             written; width x height samples, row by row; must not overlap `src`

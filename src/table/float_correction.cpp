@@ -1,26 +1,69 @@
 // lsc2d_bicubic_correction
-#include "frame/convert.h"
+#include "table/float_correction.h"
+
+#include <algorithm>
+
+#include "frame/scratch.h"
 #include "table/lookup.h"
 #include "zerklsc.h"
 
+namespace zerklsc {
 namespace {
 
-// The product keeps its low 16 bits: a bright sample under a high gain wraps.
-uint16_t corrected(uint16_t sample, float gain) {
-    const float product = static_cast<float>(sample) * 0.0009765625f * gain;
-    return zerklsc::floor_low16(static_cast<double>(product + 0.5f));
+// Row sums depend on the column and the table row only, so those of four table rows serve a whole row of
+// cells, and the next row of cells needs one more. A column takes four weights and four row sums.
+constexpr int32_t floats_per_column = 8;
+
+// The widest strip that needs no memory from the heap.
+constexpr int32_t narrow = 256;
+
+ColumnTaps column_taps(const FloatCorrection& job, int32_t first, int32_t count, float* storage) {
+    const ptrdiff_t n = count;
+    float* const taps[4] = {storage, storage + n, storage + 2 * n, storage + 3 * n};
+    for (int32_t i = 0; i < count; ++i) {
+        const Taps at = place(first + i, job.step_x).taps;
+        taps[0][i] = at.c0;
+        taps[1][i] = at.c1;
+        taps[2][i] = at.c2;
+        taps[3][i] = at.c3;
+    }
+    return {count, job.step_x, first % job.step_x, {taps[0], taps[1], taps[2], taps[3]}};
+}
+
+// Corrects `count` columns from column `first` on over the whole height.
+void correct_strip(const FloatCorrection& job, int32_t first, int32_t count, float* storage) {
+    const auto sum_nodes = ZERKLSC_KERNEL(sum_nodes);
+    const auto correct_row = ZERKLSC_KERNEL(correct_row);
+    const ColumnTaps columns = column_taps(job, first, count, storage);
+    // The row sums of table row r stand in place r % 4.
+    const auto sums_of = [&](int64_t r) { return storage + (4 + r % 4) * count; };
+    int64_t next = 0;
+    for (int32_t j = 0; j < job.height; ++j) {
+        const auto [cell, taps] = place(j, job.step_y);
+        for (const int64_t end = int64_t{cell} + 4; next < end; ++next)
+            sum_nodes(columns, job.table + next * job.row_length + first / job.step_x, sums_of(next));
+        const float* const sums[4] = {sums_of(cell), sums_of(int64_t{cell} + 1), sums_of(int64_t{cell} + 2),
+                                      sums_of(int64_t{cell} + 3)};
+        const float weights[4] = {taps.c0, taps.c1, taps.c2, taps.c3};
+        const ptrdiff_t start = ptrdiff_t{j} * job.width + first;
+        correct_row(job.src + start, job.dst + start, count, sums, weights);
+    }
 }
 
 } // namespace
+} // namespace zerklsc
 
 void lsc2d_bicubic_correction(const uint16_t* src, uint16_t* dst, int32_t width, int32_t height,
                               const uint16_t* table, int32_t step_x, int32_t step_y, int32_t row_length) {
     using namespace zerklsc;
-    if (step_x < 1 || step_y < 1 || row_length < 1)
+    if (step_x < 1 || step_y < 1 || row_length < 1 || width < 1 || height < 1)
         return;
-    for (int32_t j = 0; j < height; ++j) {
-        const Place y = place(j, step_y);
-        for (int32_t i = 0; i < width; ++i)
-            *dst++ = corrected(*src++, lookup(table, row_length, place(i, step_x), y));
-    }
+    const FloatCorrection job{src, dst, width, height, table, step_x, step_y, row_length};
+    const Scratch<float> wide = width > narrow ? allocate<float>(width, floats_per_column) : nullptr;
+    if (wide != nullptr)
+        return correct_strip(job, 0, width, wide.get());
+    // A plane too wide for the memory there is goes strip by strip.
+    float storage[floats_per_column * narrow];
+    for (int32_t x = 0; x < width; x += std::min(narrow, width - x))
+        correct_strip(job, x, std::min(narrow, width - x), storage);
 }

@@ -1,22 +1,27 @@
 #include "zerklsc.h"
 
-#include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/allocations.h"
 #include "support/guarded.h"
 #include "support/random.h"
+#include "table/float_correction.h"
 
 namespace {
 
 using zerklsc::testing::Against;
+using zerklsc::testing::AllocationScope;
 using zerklsc::testing::Guarded;
 using zerklsc::testing::Random;
+using zerklsc::testing::random_samples;
+using zerklsc::testing::Spread;
 
 TEST(FloatCorrection, ConstantGainsScaleEverySampleAndWrap) {
     Random random(8);
-    const std::vector<uint16_t> samples = zerklsc::testing::random_samples(random, 37 * 23);
+    const std::vector<uint16_t> samples = random_samples(random, 37 * 23);
     for (const uint16_t gain : std::initializer_list<uint16_t>{1024, 2048, 0}) {
         Guarded<uint16_t> src(samples, Against::back), dst(samples.size());
         Guarded<uint16_t> table(std::vector<uint16_t>(7 * 6, gain), Against::back);
@@ -35,6 +40,47 @@ TEST(FloatCorrection, GainsOnAnInclineAreInterpolatedExactly) {
     lsc2d_bicubic_correction(src.data(), dst.data(), 65, 40, table.data(), 16, 8, 8);
     for (int n = 0; n < 65 * 40; ++n)
         ASSERT_EQ(dst[static_cast<size_t>(n)], 1000 + 32 + 2 * (n % 65) + 8 + n / 65) << n;
+}
+
+// One plane, corrected at every instruction set, with the memory it asks for and without, against the plain
+// form.
+void expect_equal_to_plain(Random& random, int32_t width, int32_t height, int32_t step_x, int32_t step_y,
+                           Spread spread, Against side) {
+    int32_t table_w, table_h;
+    lsc2d_table_size(width, height, step_x, step_y, &table_w, &table_h);
+    const size_t count = static_cast<size_t>(width) * static_cast<size_t>(height);
+    Guarded<uint16_t> src(random_samples(random, count, spread), side);
+    Guarded<uint16_t> table(random_samples(random,
+                                           static_cast<size_t>(table_w) * static_cast<size_t>(table_h),
+                                           spread == Spread::any ? Spread::any : Spread::high),
+                            side);
+    Guarded<uint16_t> plain(count, side), fast(count, side);
+    zerklsc::correct_plainly(
+        {src.data(), plain.data(), width, height, table.data(), step_x, step_y, table_w});
+    for (const char* level : {"base", "neon", "avx2", "avx512"})
+        for (const size_t fail_at : {size_t{0}, AllocationScope::never}) {
+            setenv("ZERKLSC_CPU", level, 1);
+            std::fill(fast.begin(), fast.end(), uint16_t{0xBEEF});
+            AllocationScope heap(fail_at);
+            lsc2d_bicubic_correction(src.data(), fast.data(), width, height, table.data(), step_x, step_y,
+                                     table_w);
+            ASSERT_TRUE(heap.leftovers().empty());
+            ASSERT_EQ(fast.copy(), plain.copy()) << level << ' ' << width << 'x' << height << ' ' << step_x;
+            ASSERT_TRUE(fast.intact());
+        }
+    unsetenv("ZERKLSC_CPU");
+}
+
+TEST(FloatCorrection, FastFormEqualsThePlainOneToTheBit) {
+    Random random(77);
+    for (const Against side : {Against::front, Against::back})
+        for (const Spread spread : {Spread::low, Spread::high, Spread::any}) {
+            for (int32_t width = 1; width <= 67; ++width)
+                expect_equal_to_plain(random, width, 5, width % 13 + 1, 2, spread, side);
+            for (const int32_t step : {1, 2, 3, 7, 8, 16, 31, 64, 127, 255, 1000, INT32_MAX})
+                for (const int32_t width : {255, 257, 519})
+                    expect_equal_to_plain(random, width, 13, step, step % 6 + 1, spread, side);
+        }
 }
 
 TEST(FloatCorrection, ImpossibleGeometryTouchesNothing) {

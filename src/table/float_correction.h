@@ -1,0 +1,43 @@
+// The parts of lsc2d_bicubic_correction().
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/cpu_level.h"
+
+namespace zerklsc {
+
+// A plane, its corrected copy, and the gain table over it; both steps are above 0.
+struct FloatCorrection {
+    const uint16_t* src;
+    uint16_t* dst;
+    int32_t width, height;
+    const uint16_t* table;
+    int32_t step_x, step_y;
+    ptrdiff_t row_length;
+};
+
+// The correction as it is stated, one table lookup per sample: what the fast form is held to.
+void correct_plainly(const FloatCorrection& job);
+
+// The weights of adjoining columns. The first stands `phase` columns behind its node, the nodes are `step`
+// apart.
+struct ColumnTaps {
+    int32_t count, step, phase;
+    const float* taps[4];
+};
+
+// sum_nodes: reduces one table row to a row sum for every column. `nodes` is the first tap of the first
+// column. correct_row: corrects `count` samples of one image row from the row sums of the four table rows
+// around it.
+#define ZERKLSC_DECLARE(level)                                                                               \
+    namespace level {                                                                                        \
+    void sum_nodes(const ColumnTaps& columns, const uint16_t* nodes, float* sums);                           \
+    void correct_row(const uint16_t* src, uint16_t* dst, int32_t count, const float* const sums[4],          \
+                     const float weights[4]);                                                                \
+    }
+ZERKLSC_EACH_LEVEL(ZERKLSC_DECLARE)
+#undef ZERKLSC_DECLARE
+
+} // namespace zerklsc

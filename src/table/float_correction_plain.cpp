@@ -1,0 +1,27 @@
+// lsc2d_bicubic_correction() as it is stated.
+#include "frame/convert.h"
+#include "table/float_correction.h"
+#include "table/lookup.h"
+
+namespace zerklsc {
+namespace {
+
+// The product keeps its low 16 bits: a bright sample under a high gain wraps.
+uint16_t corrected(uint16_t sample, float gain) {
+    const float product = static_cast<float>(sample) * 0.0009765625f * gain;
+    return floor_low16(static_cast<double>(product + 0.5f));
+}
+
+} // namespace
+
+void correct_plainly(const FloatCorrection& job) {
+    const uint16_t* src = job.src;
+    uint16_t* dst = job.dst;
+    for (int32_t j = 0; j < job.height; ++j) {
+        const Place y = place(j, job.step_y);
+        for (int32_t i = 0; i < job.width; ++i)
+            *dst++ = corrected(*src++, lookup(job.table, job.row_length, place(i, job.step_x), y));
+    }
+}
+
+} // namespace zerklsc
