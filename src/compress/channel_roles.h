@@ -8,6 +8,17 @@ namespace zerklsc {
 // The four numbers of a node. A is the gain of Gb, the base; B, C and D are the base less B, R and Gr.
 enum Role { role_a, role_b, role_c, role_d, role_count };
 
+// One of something for each role.
+template <class T>
+struct ByRole {
+    T values[role_count];
+
+    T& operator[](int role) { return values[role]; }
+    const T& operator[](int role) const { return values[role]; }
+    T* begin() { return values; }
+    T* end() { return values + role_count; }
+};
+
 inline constexpr uint8_t highest_bayer_pattern = 3;
 
 // The table behind each role, by Bayer pattern. Base and D are the two greens of the cell, whose gains hardly
@@ -28,7 +39,7 @@ constexpr int dropped_bits(uint8_t mode) {
 
 // Unity gain as the base plane's anchors hold it. A mode that does not exist has that of mode 0, although it
 // drops no bits.
-constexpr int unity_offset(uint8_t mode) {
+constexpr uint16_t unity_offset(uint8_t mode) {
     return mode == mode_14_bit ? 16 : 64;
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "compress/channel_roles.h"
+#include "compress/rows.h"
 #include "frame/convert.h"
 #include "frame/scratch.h"
 #include "zerklsc.h"
@@ -28,15 +29,10 @@ void quantise_row(const lsc_otp_info& info, int32_t j, int16_t* const planes[rol
     }
 }
 
-} // namespace
-} // namespace zerklsc
-
-int32_t lsc_compress(lsc_otp_info* info) {
-    using namespace zerklsc;
-    if (info->grid_width < 3 || info->grid_height < 3)
-        return 0;
-    const int32_t width = info->grid_width - 2;
-    const int32_t height = info->grid_height - 2;
+// Plane by plane, with the passes that are exported.
+int32_t compress_planes(const lsc_otp_info& info) {
+    const int32_t width = info.grid_width - 2;
+    const int32_t height = info.grid_height - 2;
     const int64_t count = int64_t{width} * height;
     const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * role_count);
     if (!memory)
@@ -46,13 +42,23 @@ int32_t lsc_compress(lsc_otp_info* info) {
         planes[k] = memory.get() + k * count;
 
     // A pattern that does not exist has no channels: its stream is that of four planes of zeros.
-    if (info->bayer_pattern > highest_bayer_pattern)
+    if (info.bayer_pattern > highest_bayer_pattern)
         std::fill_n(memory.get(), count * role_count, int16_t{0});
     else
         for (int32_t j = 0; j < height; ++j)
-            quantise_row(*info, j, planes, width);
+            quantise_row(info, j, planes, width);
     for (int k = 0; k < role_count; ++k)
-        intra_cnl_diff(planes[k], width, height, k == role_a ? 1 : 0, info->precision_mode);
-    return store_data(info->stream, planes[role_a], planes[role_b], planes[role_c], planes[role_d], width,
-                      height, info->precision_mode);
+        intra_cnl_diff(planes[k], width, height, k == role_a ? 1 : 0, info.precision_mode);
+    return store_data(info.stream, planes[role_a], planes[role_b], planes[role_c], planes[role_d], width,
+                      height, info.precision_mode);
+}
+
+} // namespace
+} // namespace zerklsc
+
+int32_t lsc_compress(lsc_otp_info* info) {
+    using namespace zerklsc;
+    if (info->grid_width < 3 || info->grid_height < 3)
+        return 0;
+    return has_fast_form(*info) ? compress_rows(*info) : compress_planes(*info);
 }

@@ -3,6 +3,7 @@
 
 #include "compress/border.h"
 #include "compress/channel_roles.h"
+#include "compress/rows.h"
 #include "frame/convert.h"
 #include "frame/scratch.h"
 #include "zerklsc.h"
@@ -31,15 +32,10 @@ void restore_row(const lsc_otp_info& info, int32_t j, const int16_t* const plane
     }
 }
 
-} // namespace
-} // namespace zerklsc
-
-int32_t lsc_decompress(lsc_otp_info* info) {
-    using namespace zerklsc;
-    if (info->grid_width < 3 || info->grid_height < 3)
-        return 0;
-    const int32_t width = info->grid_width - 2;
-    const int32_t height = info->grid_height - 2;
+// Plane by plane, with the passes that are exported. Leaves the borders as they are.
+int32_t decompress_planes(const lsc_otp_info& info) {
+    const int32_t width = info.grid_width - 2;
+    const int32_t height = info.grid_height - 2;
     const int64_t count = int64_t{width} * height;
     const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * role_count);
     if (!memory)
@@ -50,14 +46,27 @@ int32_t lsc_decompress(lsc_otp_info* info) {
     for (int k = 0; k < role_count; ++k)
         planes[k] = memory.get() + k * count;
 
-    load_data(info->stream, planes[role_a], planes[role_b], planes[role_c], planes[role_d], width, height,
-              info->precision_mode);
+    load_data(info.stream, planes[role_a], planes[role_b], planes[role_c], planes[role_d], width, height,
+              info.precision_mode);
     for (int k = 0; k < role_count; ++k)
-        deintra_cnl_diff(planes[k], width, height, k == role_a ? 1 : 0, info->precision_mode);
-    if (info->bayer_pattern <= highest_bayer_pattern)
+        deintra_cnl_diff(planes[k], width, height, k == role_a ? 1 : 0, info.precision_mode);
+    if (info.bayer_pattern <= highest_bayer_pattern)
         for (int32_t j = 0; j < height; ++j)
-            restore_row(*info, j, planes, width);
-    for (uint16_t* table : info->lsc_table)
-        expand_border(table, width, height);
+            restore_row(info, j, planes, width);
+    return 0;
+}
+
+} // namespace
+} // namespace zerklsc
+
+int32_t lsc_decompress(lsc_otp_info* info) {
+    using namespace zerklsc;
+    if (info->grid_width < 3 || info->grid_height < 3)
+        return 0;
+    const int32_t status = has_fast_form(*info) ? decompress_rows(*info) : decompress_planes(*info);
+    if (status != 0)
+        return status;
+    for (uint16_t* const table : info->lsc_table)
+        expand_border(table, info->grid_width - 2, info->grid_height - 2);
     return 0;
 }

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "compress/channel_roles.h"
+
 namespace zerklsc {
 
 // A two's complement field of a node word.
@@ -21,6 +23,11 @@ inline constexpr NodeLayout layout_24_bit = {{0, 6}, {6, 5}, {11, 7}, {18, 5}};
 
 // Mode 1: bits 0-7 are the node's byte in the stream, bits 8-13 the six that share bytes with other nodes.
 inline constexpr NodeLayout layout_14_bit = {{0, 4}, {8, 3}, {4, 4}, {11, 3}};
+
+// Of a mode that exists.
+constexpr NodeLayout layout_of(uint8_t mode) {
+    return mode == mode_14_bit ? layout_14_bit : layout_24_bit;
+}
 
 constexpr uint32_t to_field(int value, Field field) {
     const int limit = 1 << (field.bits - 1);

@@ -87,7 +87,8 @@ TEST(Compress, UnknownPatternStoresZeroPlanesAndUnknownModeNothing) {
 }
 
 TEST(Compress, RefusalsWriteNothing) {
-    expect_refusals_write_nothing(lsc_compress);
+    for (const int width : {3, 20}) // the plain and the fast form
+        expect_refusals_write_nothing(lsc_compress, width);
 }
 
 } // namespace

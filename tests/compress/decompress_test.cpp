@@ -89,7 +89,8 @@ TEST(Decompress, UnknownPatternOnlyExtrapolatesTheBorder) {
 }
 
 TEST(Decompress, RefusalsWriteNothing) {
-    expect_refusals_write_nothing(lsc_decompress);
+    for (const int width : {3, 20}) // the plain and the fast form
+        expect_refusals_write_nothing(lsc_decompress, width);
 }
 
 } // namespace

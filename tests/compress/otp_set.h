@@ -52,9 +52,9 @@ struct OtpSet {
 };
 
 // What holds for both directions: no node, no memory or no known mode means that no output changes.
-inline void expect_refusals_write_nothing(int32_t (*function)(lsc_otp_info*)) {
+inline void expect_refusals_write_nothing(int32_t (*function)(lsc_otp_info*), int width) {
     const int sizes[][2] = {{2, 15}, {19, 2}, {0, 0}, {-5, 9}, {INT32_MIN, INT32_MIN}};
-    OtpSet set(3, 3, 0, 0);
+    OtpSet set(width, 3, 0, 0);
     const std::vector<uint16_t> gains = set.gains();
     const std::vector<uint8_t> stream = set.stream.copy();
     const auto untouched = [&] { return set.gains() == gains && set.stream.copy() == stream; };
@@ -64,7 +64,8 @@ inline void expect_refusals_write_nothing(int32_t (*function)(lsc_otp_info*)) {
         EXPECT_EQ(function(&set.info), 0);
         EXPECT_TRUE(untouched()) << s[0] << " x " << s[1];
     }
-    set.info.grid_width = set.info.grid_height = 5;
+    set.info.grid_width = width + 2;
+    set.info.grid_height = 5;
     bool failed = true;
     for (size_t n = 0; failed; ++n) {
         const AllocationScope scope(n);
