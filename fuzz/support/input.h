@@ -1,0 +1,66 @@
+// Reads records and buffers out of the bytes of one fuzzing input.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace zerklsc::fuzz {
+
+// More elements than this are not tried: an input describes its buffers, it does not hold them whole.
+constexpr int64_t most_elements = 1 << 16;
+
+class Input {
+  public:
+    Input(const uint8_t* data, size_t size) : data_(data), left_(size) {}
+
+    // Zeros follow the last byte.
+    template <class T>
+    T take() {
+        T value{};
+        const size_t bytes = std::min(left_, sizeof(T));
+        if (bytes != 0)
+            std::memcpy(&value, data_, bytes);
+        skip(bytes);
+        return value;
+    }
+
+    // Mostly small, as sizes are; one byte, or five for any number.
+    int32_t number() {
+        const uint8_t tag = take<uint8_t>();
+        return tag < 248 ? tag : take<int32_t>();
+    }
+
+    // Exactly `count` elements on the heap, so that the first access beyond them is found. The bytes that are
+    // left are used over and over.
+    template <class T>
+    std::vector<T> buffer(int64_t count) const {
+        std::vector<T> elements(static_cast<size_t>(std::max<int64_t>(count, 0)));
+        uint8_t* const bytes = reinterpret_cast<uint8_t*>(elements.data());
+        for (size_t i = 0; left_ != 0 && i < elements.size() * sizeof(T); ++i)
+            bytes[i] = data_[i % left_];
+        return elements;
+    }
+
+    std::vector<uint8_t> rest() const { return std::vector<uint8_t>(data_, data_ + left_); }
+
+  private:
+    void skip(size_t bytes) {
+        data_ += bytes;
+        left_ -= bytes;
+    }
+
+    const uint8_t* data_;
+    size_t left_;
+};
+
+// How many elements a table of these sizes has; -1 when that is more than is tried.
+inline int64_t elements_of(int64_t width, int64_t height) {
+    if (width <= 0 || height <= 0)
+        return 0;
+    return width <= most_elements && height <= most_elements / width ? width * height : -1;
+}
+
+} // namespace zerklsc::fuzz
