@@ -236,42 +236,205 @@ ZERKLSC_API void lsc2d_table_size(int32_t width, int32_t height, int32_t step_x,
 
 /* ---- Bayer mosaic and black level (src/bayer) ---------------------------------------------------------------- */
 
+/**
+ * Splits a raw frame into its four planes. An odd last column or row is not read.
+ *
+ * @param raw            width x height samples, row by row
+ * @param planes         four buffers by plane number, each written with (width / 2) x (height / 2) samples, row by row;
+ *                       they overlap neither `raw` nor each other
+ * @param width, height  frame size in pixels; below 2 there is nothing to split
+ */
 ZERKLSC_API void bayer_split_channel(const uint16_t* raw, uint16_t** planes, int32_t width, int32_t height);
 
+/**
+ * Puts four planes back into a raw frame: the inverse of bayer_split_channel(). Samples of an odd last column or row
+ * are left as they were.
+ *
+ * @param raw            written; width x height samples, row by row
+ * @param planes         four buffers by plane number, each of (width / 2) x (height / 2) samples, row by row; they do
+ *                       not overlap `raw`
+ * @param width, height  frame size in pixels; below 2 there is nothing to merge
+ * @return               height / 2, or width / 2 for a height below 2
+ */
 ZERKLSC_API int32_t bayer_merge_channel(uint16_t* raw, uint16_t** planes, int32_t width, int32_t height);
 
+/**
+ * Takes the black level of its plane off every sample of a raw frame; a sample at or below its level becomes 0.
+ *
+ * @param raw    param->width x param->height samples, row by row, changed in place
+ * @param param  frame size and black levels
+ */
 ZERKLSC_API void isp_blc_process(uint16_t* raw, const isp_blc_param* param);
 
 /* ---- Sampling and measurement of flat-field planes (src/sampling) -------------------------------------------- */
 
+/**
+ * Writes the weights of an averaging window. A box weighs every tap 1. The Gaussian, exp(-(dx^2 + dy^2) / (2 pi
+ * sigma^2)), is rounded to whole weights, which makes it a disc of ones of radius sigma * sqrt(2 pi ln 2) = 2.087
+ * sigma; a sigma of 0 has no ones.
+ *
+ * @param mask_centre  the centre of (2r + 1) x (2r + 1) weights: tap (dx, dy) is mask_centre[dy * (2r + 1) + dx] for dx
+ *                     and dy in -r .. r, r = filter->filter_radius; written
+ * @param sum          written; the sum of all weights (its low 32 bits)
+ * @param filter       type, radius and, for a Gaussian, sigma; a radius below 0 has no weights and the sum 0
+ * @return             0; -1 with nothing written for an unknown type or a Gaussian without a sigma
+ */
 ZERKLSC_API int32_t get_filter_mask(int32_t* mask_centre, int32_t* sum, const imfilter_t* filter);
 
+/**
+ * Averages a plane around every node of a grid. Nodes beyond the last sample are measured at the last sample; taps
+ * beyond an edge are mirrored about the edge sample (once, without repeating it) or read at the edge sample.
+ *
+ * The level is (float)sum * (1.0f / (float)weights): on a constant plane that is the constant, or its neighbour where
+ * the reciprocal is not exact.
+ *
+ * @param plane           width x height samples, row by row
+ * @param samples         written; out_w x out_h levels, row by row
+ * @param width, height   plane size in samples
+ * @param step_x, step_y  node spacing in samples; a node before the first sample is measured at the first
+ * @param out_w, out_h    nodes per row and rows of nodes (lsc2d_grid_samples()); below 1 nothing is sampled
+ * @param filter          the window; its radius is 0 .. 11584 (a mask of just under 2 GiB), when mirrored below the
+ *                        width and the height
+ * @return                0; -1 with nothing written for an unknown type or boundary mode, a radius outside its range, a
+ *                        Gaussian without a sigma or without a tap, an empty plane, or no memory
+ */
 ZERKLSC_API int32_t img_sample_grid(const uint16_t* plane, float* samples, int32_t width, int32_t height,
                                     int32_t step_x, int32_t step_y, int32_t out_w, int32_t out_h,
                                     const imfilter_t* filter);
 
+/**
+ * Averages a plane around listed points. The level is rounded half up: floor((float)sum * (1.0f / (float)weights) +
+ * 0.5). A point may lie outside the plane as long as its taps are mirrored into it, or with ZERKLSC_BOUNDARY_CLAMP
+ * anywhere.
+ *
+ * @param plane          width x height samples, row by row
+ * @param points         count points; `value` is written
+ * @param count          number of points; below 1 nothing is sampled
+ * @param width, height  plane size in samples
+ * @param filter         the window, as for img_sample_grid()
+ * @return               0; -1 with no value written as for img_sample_grid(), and when a mirrored tap of any point
+ *                       falls outside the plane
+ */
 ZERKLSC_API int32_t img_sample(const uint16_t* plane, pix_point* points, int32_t count, int32_t width, int32_t height,
                                const imfilter_t* filter);
 
+/**
+ * Makes the cluster of points around the optical centre in which the reference level is searched: a raster over a tenth
+ * of the plane to each side, one point every 1/128 of the shorter side, with a gap of two samples across the centre.
+ * Positions are kept in 16 bits; a plane with fewer than 10 samples in either direction has no points.
+ *
+ * @param width, height  plane size in samples
+ * @param points         written; a list from the heap for the caller to give to release_center_points(), row by row
+ *                       from the top left; `value` is not set
+ * @param count          written; number of points
+ * @return               0; -1 with nothing written when the list cannot be had or its length does not fit 32 bits
+ */
 ZERKLSC_API int32_t init_center_points(int32_t width, int32_t height, pix_point** points, int32_t* count);
 
+/**
+ * Frees what init_center_points() made.
+ *
+ * @param points  the list; null is ignored
+ */
 ZERKLSC_API void release_center_points(pix_point* points);
 
+/**
+ * Finds the brightest point, the first of equals.
+ *
+ * @param points  count points
+ * @param count   number of points
+ * @return        the index of the point with the largest `value`; 0 for a count of 1 or less
+ */
 ZERKLSC_API int32_t get_pixel_maximum(const pix_point* points, int32_t count);
 
+/**
+ * Smooths a region of a plane. `s1` is both the row stride of the two planes and the number of rows, `s2` the number of
+ * columns: (width, height) covers a square plane, and width rows of height columns of any other.
+ *
+ * Taps are read at their plain positions, whatever the boundary mode: the caller provides a margin of at least the
+ * radius around the region. The level is rounded as by img_sample().
+ *
+ * @param src     first sample of the region in a plane of row stride s1
+ * @param dst     written; row stride s1, only the first s2 samples of each of the s1 rows; must not overlap `src`
+ * @param s1, s2  rows (and row stride) and columns; below 1 nothing is done
+ * @param filter  the window; a radius of 0 .. 11584
+ * @return        0; -1 with nothing written for an unknown type, a radius outside its range, a Gaussian without a sigma
+ *                or without a tap, or no memory
+ */
 ZERKLSC_API int32_t img_filter(const uint16_t* src, uint16_t* dst, int32_t s1, int32_t s2, const imfilter_t* filter);
 
+/**
+ * Measures the gains that flatten a plane: the level of the brightest point of the centre cluster
+ * (init_center_points()) over the level of each node (img_sample_grid(), a mirrored box). A level below 1 counts as 1.
+ * There is no upper limit, no border and no fixed point; a plane too small for a cluster has the reference level 0.
+ *
+ * Each successful call leaves out_w * out_h * 4 bytes of heap allocated.
+ *
+ * @param plane           width x height samples, row by row
+ * @param gains           written; out_w x out_h gains, row by row, 1.0 = no correction
+ * @param width, height   plane size in samples
+ * @param step_x, step_y  node spacing in samples
+ * @param out_w, out_h    nodes per row and rows of nodes (lsc2d_grid_samples()); 0 measures and leaves nothing
+ * @param radius          of the box, 0 .. 11584, below the width and the height
+ * @return                0; -1 with nothing written or left when img_sample_grid() or img_sample() refuses, for a size
+ *                        below 0, or without memory
+ */
 ZERKLSC_API int32_t calc_otp_table(const uint16_t* plane, float* gains, int32_t width, int32_t height, int32_t step_x,
                                    int32_t step_y, int32_t out_w, int32_t out_h, int32_t radius);
 
+/**
+ * As calc_otp_table(), with a window of the caller's choice.
+ *
+ * @param filter  the window, as for img_sample_grid()
+ */
 ZERKLSC_API int32_t calc_correction_table(const uint16_t* plane, float* gains, int32_t width, int32_t height,
                                           int32_t step_x, int32_t step_y, int32_t out_w, int32_t out_h,
                                           const imfilter_t* filter);
 
 /* ---- Calibration (src/calibration) --------------------------------------------------------------------------- */
 
+/**
+ * Calibrates: makes the four gain tables of a flat-field frame by the method of info->algorithm
+ * (ZERKLSC_ALGORITHM_...), applies the shading model of info->shading_percent and limits the gains to
+ * ZERKLSC_HIGHEST_GAIN. The halvane method (0) applies no model of its own beyond the percentage that its target keeps.
+ * Black levels are taken as 0 and the Bayer pattern as 0.
+ *
+ * Methods 0, 1 and 4 take a step of at most 255. Methods 2, 3 and 4 need planes of at least 10 x 10 samples, method 0
+ * of at least 50 x 50. The step must be below both sides of the plane (three nodes in either direction), for method 3
+ * it need not. The radius must be 0 or above and, except for method 3, below both sides of the plane.
+ *
+ * Memory: methods 2 and 4 take no copy of the frame, only 20 bytes per node, 4 per table entry and a few hundred more;
+ * 16 bytes per node stay allocated as for lsc2d_calibration_orvel(). Method 1 takes 24 bytes per table entry beside
+ * what its generator takes.
+ *
+ * @param raw   info->width x info->height samples, row by row; only read
+ * @param info  the request; its four tables are written, each of lsc2d_table_size() entries for (info->width / 2) x
+ *              (info->height / 2) samples, both steps info->grid. `weight` is written by method 4 on success. The
+ *              tables must not overlap each other or `raw`.
+ * @return      0; -1 with tables and weights untouched for a null argument or table, an unknown algorithm, a frame,
+ *              step or radius that the method cannot take, a singular system (method 3), or a failed allocation;
+ *              otherwise what the parameter generator of methods 0 and 1 returns
+ */
 ZERKLSC_API int32_t lsc2d_calibration_wrapper(const uint16_t* raw, lsc2d_info* info);
 
+/**
+ * Calibrates by sampling: the gain of a node is the level of the brightest point of the centre cluster
+ * (init_center_points()) over the level of the node (img_sample_grid()), for each plane by itself. A level below 1
+ * counts as 1; a node brighter than the centre gets a gain below 1. The border is built by update_table_border() with
+ * param->border_mode and param->border_aux, and is 0 for an unknown fill mode. No shading model is applied.
+ *
+ * The planes are sampled where they lie in the frame. Each successful call leaves its four sample buffers, gw * gh
+ * floats each for gw = stride_w - 2 and gh = stride_h - 2, allocated.
+ *
+ * @param raw                 width x height samples, row by row; only read
+ * @param width, height       frame size in pixels
+ * @param tables              four tables by plane number, each written with stride_w x stride_h gains, row by row
+ * @param stride_w, stride_h  table size (lsc2d_table_size() of the plane size and param->grid)
+ * @param param               step, window and border modes; a Gaussian window is refused, as it would have no sigma;
+ *                            the shading fields are not read
+ * @return                    0; -1 with nothing written or left when the sampling refuses the window or the plane, when
+ *                            update_table_border() refuses the step or the grid, or without memory
+ */
 ZERKLSC_API int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_t height, uint16_t** tables,
                                             int32_t stride_w, int32_t stride_h, const lsc2d_calib_param* param);
 
@@ -802,11 +965,39 @@ ZERKLSC_API int32_t load_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* 
 /* ---- C++ only: symbols with their argument types in the name -------------------------------------------------- */
 
 /* src/bayer */
+/**
+ * Turns a raw frame by 180 degrees, for sensors that are mounted upside down.
+ *
+ * Each call leaves a copy of the frame, width * height * 2 bytes, allocated.
+ *
+ * @param raw            width x height samples, row by row, changed in place
+ * @param width, height  frame size in pixels; below 1 there is nothing to turn and nothing is left
+ * @return               height; -1 with the frame untouched when the copy cannot be had
+ */
 ZERKLSC_API int bayer_rotation(unsigned short* raw, int width, int height);
 
 /* src/sampling */
+/**
+ * Where a window reads a position beyond the edges of a plane.
+ *
+ * @param n     number of positions, 0 .. n - 1
+ * @param p     the position
+ * @param mode  ZERKLSC_BOUNDARY_MIRROR: about the edge sample, once, so that the result may still lie outside;
+ *              ZERKLSC_BOUNDARY_CLAMP: the edge sample
+ * @return      the position to read (its low 32 bits); -1 for any other mode
+ */
 ZERKLSC_API int get_boundary_pos(int n, int p, int mode);
 
+/**
+ * Samples a plane at the given points with img_sample() and returns the level of the brightest.
+ *
+ * @param plane          width x height samples, row by row
+ * @param points         count points; `value` is written, unless img_sample() refuses
+ * @param count          number of points
+ * @param width, height  plane size in samples
+ * @param filter         the window
+ * @return               the largest `value`, also if img_sample() refused; 0 without points
+ */
 ZERKLSC_API unsigned short find_peak_intensity(unsigned short* plane, pix_point* points, int count, int width,
                                                int height, imfilter_t* filter);
 

@@ -1,0 +1,88 @@
+// lsc2d_calibration_orvel
+#include <algorithm>
+
+#include "frame/scratch.h"
+#include "sampling/center_points.h"
+#include "sampling/grid_sampling.h"
+#include "sampling/measurement.h"
+#include "table/border.h"
+#include "zerklsc.h"
+
+namespace {
+
+using namespace zerklsc;
+
+constexpr int32_t border = 2 * ZERKLSC_BORDER;
+
+struct Buffers {
+    Scratch<float> samples[ZERKLSC_CHANNELS]; // one level per node
+    Scratch<float> gains;                     // one gain per node
+    Scratch<float> bordered;                  // the gains of one channel with their border
+
+    explicit Buffers(const NodeGrid& grid)
+        : gains(allocate<float>(grid.columns, grid.rows)),
+          bordered(allocate<float>(grid.columns + border, grid.rows + border)) {
+        for (Scratch<float>& channel : samples)
+            channel = allocate<float>(grid.columns, grid.rows);
+    }
+
+    explicit operator bool() const {
+        return gains != nullptr && bordered != nullptr
+               && std::all_of(std::begin(samples), std::end(samples),
+                              [](const Scratch<float>& channel) { return channel != nullptr; });
+    }
+};
+
+bool border_can_be_built(const Field& field, const NodeGrid& grid, const lsc2d_calib_param& param) {
+    return border_possible({field.width, field.height, grid.step_x, grid.step_y}, grid.columns, grid.rows,
+                           param.border_mode, param.border_aux);
+}
+
+// Samples every channel, turns the levels into gains and the gains into tables.
+void calibrate(const Field& field, const Window& window, const NodeGrid& grid, const CentreCluster& cluster,
+               const lsc2d_calib_param& param, const Buffers& buffers, uint16_t** tables) {
+    float* const samples[] = {buffers.samples[0].get(), buffers.samples[1].get(), buffers.samples[2].get(),
+                              buffers.samples[3].get()};
+    sample_grid(field, window, grid, samples);
+    uint16_t references[ZERKLSC_CHANNELS];
+    brightest_levels(field, window, cluster, references);
+
+    const int32_t table_w = grid.columns + border;
+    const int32_t table_h = grid.rows + border;
+    float* const gains = buffers.gains.get();
+    float* const bordered = buffers.bordered.get();
+    // An unknown fill mode leaves the border as it is here.
+    std::fill_n(bordered, int64_t{table_w} * table_h, 0.0f);
+    for (int32_t c = 0; c < ZERKLSC_CHANNELS; ++c) {
+        gains_from_samples(samples[c], gains, int64_t{grid.columns} * grid.rows, references[c]);
+        update_table_border(gains, bordered, field.width, field.height, grid.step_x, grid.step_y,
+                            grid.columns, grid.rows, param.border_mode, param.border_aux);
+        lsc_table_ftoi(bordered, tables[c], table_w, table_h);
+    }
+}
+
+} // namespace
+
+int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_t height, uint16_t** tables,
+                                int32_t stride_w, int32_t stride_h, const lsc2d_calib_param* param) {
+    if (stride_w <= border || stride_h <= border)
+        return -1;
+    const Window window = make_window({.filter_type = param->filter_type,
+                                       .filter_radius = param->filter_radius,
+                                       .boundary_mode = param->boundary_mode,
+                                       .sigma = nullptr});
+    const Field field = mosaic_field(raw, width, height);
+    const NodeGrid grid = {param->grid, param->grid, stride_w - border, stride_h - border};
+    const CentreCluster cluster = centre_cluster(field.width, field.height);
+    if (!window || !grid_fits(field, window, grid) || !cluster_fits(field, window, cluster)
+        || !border_can_be_built(field, grid, *param))
+        return -1;
+    Buffers buffers(grid);
+    if (!buffers)
+        return -1;
+    calibrate(field, window, grid, cluster, *param, buffers, tables);
+    // The samples stay allocated: callers budget their memory for what each calibration leaves behind.
+    for (Scratch<float>& channel : buffers.samples)
+        static_cast<void>(channel.release());
+    return 0;
+}
