@@ -15,11 +15,11 @@ struct FreeScratch {
 template <class T>
 using Scratch = std::unique_ptr<T[], FreeScratch>;
 
-// `count` elements, uninitialised; null when they cannot be had or their size does not fit size_t. Zero
-// elements are one element, so that null always means failure.
+// `count` elements, uninitialised; null when they cannot be had or are more bytes than pointers can be apart.
+// Zero elements are one element, so that null always means failure.
 template <class T>
 Scratch<T> allocate(uint64_t count) {
-    if (count > SIZE_MAX / sizeof(T))
+    if (count > PTRDIFF_MAX / sizeof(T))
         return nullptr;
     const size_t bytes = static_cast<size_t>(count) * sizeof(T);
     return Scratch<T>(static_cast<T*>(std::malloc(bytes != 0 ? bytes : sizeof(T))));
