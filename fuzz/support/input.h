@@ -10,7 +10,7 @@
 namespace zerklsc::fuzz {
 
 // More elements than this are not tried: an input describes its buffers, it does not hold them whole.
-constexpr int64_t most_elements = 1 << 16;
+constexpr int64_t most_elements = 1 << 14;
 
 class Input {
   public:
@@ -39,8 +39,9 @@ class Input {
     std::vector<T> buffer(int64_t count) const {
         std::vector<T> elements(static_cast<size_t>(std::max<int64_t>(count, 0)));
         uint8_t* const bytes = reinterpret_cast<uint8_t*>(elements.data());
-        for (size_t i = 0; left_ != 0 && i < elements.size() * sizeof(T); ++i)
-            bytes[i] = data_[i % left_];
+        const size_t size = elements.size() * sizeof(T);
+        for (size_t done = 0; left_ != 0 && done < size; done += left_)
+            std::memcpy(bytes + done, data_, std::min(left_, size - done));
         return elements;
     }
 
