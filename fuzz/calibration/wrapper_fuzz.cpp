@@ -1,0 +1,28 @@
+// lsc2d_calibration_wrapper with any record on any small frame.
+#include "support/input.h"
+#include "zerklsc.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace zerklsc::fuzz;
+    Input input(data, size);
+    lsc2d_info info{};
+    info.algorithm = input.number();
+    info.grid = static_cast<uint16_t>(input.number());
+    info.width = static_cast<uint16_t>(input.number());
+    info.height = static_cast<uint16_t>(input.number());
+    info.filter_radius = input.number();
+    info.shading_percent = input.number();
+    int32_t table_w, table_h;
+    lsc2d_table_size(info.width / 2, info.height / 2, info.grid, info.grid, &table_w, &table_h);
+    const int64_t samples = elements_of(info.width, info.height), entries = elements_of(table_w, table_h);
+    if (samples < 0 || entries < 0)
+        return 0;
+    const std::vector<uint16_t> raw = input.buffer<uint16_t>(samples);
+    std::vector<uint16_t> tables[4];
+    for (int k = 0; k < 4; ++k) {
+        tables[k].resize(static_cast<size_t>(entries));
+        info.lsc_table[k] = tables[k].data();
+    }
+    lsc2d_calibration_wrapper(raw.data(), &info);
+    return 0;
+}
