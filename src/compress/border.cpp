@@ -14,6 +14,7 @@ uint16_t extrapolate_wrapping(int nearest, int second, int third) {
     return low16(3 * (nearest - second) + third);
 }
 
+// The border nodes left and right of the inner nodes of a row, which start at row[1].
 void expand_row(uint16_t* row, ptrdiff_t width) {
     row[0] = extrapolate_wrapping(row[1], row[2], row[3]);
     row[width + 1] = extrapolate_wrapping(row[width], row[width - 1], row[width - 2]);
@@ -31,6 +32,7 @@ void expand_border(uint16_t* table, ptrdiff_t width, ptrdiff_t height) {
     if (width < 3 || height < 3)
         return;
     const ptrdiff_t stride = width + 2;
+    // Rows first: the corners continue the border columns.
     for (ptrdiff_t r = 1; r <= height; ++r)
         expand_row(table + r * stride, width);
     extrapolate_row(table, stride, stride);

@@ -17,6 +17,7 @@ constexpr Centre centre_of(int32_t size) {
     return {(size - 1) / 2, size / 2};
 }
 
+// Whether the decoder returns the lower half of the rows too low.
 constexpr bool has_lowered_half(int32_t width, int32_t height) {
     return width % 2 == 1 && height % 2 == 0;
 }

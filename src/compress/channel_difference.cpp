@@ -8,7 +8,12 @@
 namespace zerklsc {
 namespace {
 
-constexpr int32_t base_plane = 1; // the type of the plane whose anchors hold gains
+// The type of the plane whose anchors hold gains. Any other type is a plane of differences between channels,
+// whose anchors are small numbers already.
+constexpr int32_t base_plane = 1;
+
+// The passes along columns take whole rows, since every node of a row has its neighbour in the same other
+// row.
 
 void subtract_row(const View<int16_t>& plane, int32_t row, int32_t other) {
     int16_t* const x = plane.row(row);
@@ -33,6 +38,7 @@ void difference_row(int16_t* x, int32_t width) {
         x[c] = wrap16(x[c] - x[c - 1]);
 }
 
+// Rows from the top and bottom edges inwards, for the same reason.
 void difference_columns(const View<int16_t>& plane) {
     const Centre centre = centre_of(plane.height);
     for (int32_t r = 0; r < centre.first; ++r)
@@ -41,6 +47,7 @@ void difference_columns(const View<int16_t>& plane) {
         subtract_row(plane, r, r - 1);
 }
 
+// The inverse runs from the centre outwards, so that a neighbour has its value before it is added.
 void sum_row(int16_t* x, int32_t width) {
     const Centre centre = centre_of(width);
     for (int32_t c = centre.first - 1; c >= 0; --c)
@@ -75,6 +82,8 @@ int32_t intra_cnl_diff(int16_t* plane, int32_t width, int32_t height, int32_t ty
     for (int32_t r = 0; r < height; ++r)
         difference_row(view.row(r), width);
     difference_columns(view);
+    // Neither pass has changed the anchors: they still hold gains, which are near unity at the optical
+    // centre.
     const Centre rows = centre_of(height);
     if (type == base_plane)
         for (int32_t r = rows.first; r <= rows.last; ++r)

@@ -10,7 +10,7 @@
 namespace zerklsc {
 namespace {
 
-// Rounds half up to the unit that the mode keeps.
+// Rounds half up to the unit that the mode keeps; a mode that does not exist keeps every bit.
 int quantise(int gain, int dropped) {
     return (gain + ((1 << dropped) >> 1)) >> dropped;
 }
@@ -37,6 +37,7 @@ int32_t compress_planes(const lsc_otp_info& info) {
     const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * role_count);
     if (!memory)
         return -1;
+    // One plane behind the other, each dense, as the passes take them.
     int16_t* planes[role_count];
     for (int k = 0; k < role_count; ++k)
         planes[k] = memory.get() + k * count;

@@ -14,14 +14,16 @@
 namespace zerklsc {
 namespace {
 
-// One row of each channel, in the order of the roles.
+// One row of each channel, in the order of the roles: of gains, and of differences along the row.
 using GainRows = ByRole<const uint16_t*>;
 using DifferenceRows = ByRole<uint16_t*>;
 
+// The words of all nodes, because a group of mode 1 may span two rows, and a few rows of everything else.
 struct Workspace {
     Scratch<uint32_t> words;
     Scratch<uint16_t> rows;
-    DifferenceRows previous, current;
+    DifferenceRows previous; // of the row before, one step nearer the centre
+    DifferenceRows current;
     uint16_t* from_right; // all ones where the inward neighbour is the right one
     uint16_t* from_left;  // all ones where it is the left one
 };
@@ -33,6 +35,7 @@ Lanes quantise(Lanes gain) {
     return (gain >> dropped) + (gain >> (dropped - 1) & 1);
 }
 
+// Saturates signed values to what a field can hold.
 template <Field field>
 Lanes limit(Lanes lanes) {
     constexpr int16_t highest = (1 << (field.bits - 1)) - 1;
@@ -43,7 +46,7 @@ Lanes limit(Lanes lanes) {
     return reinterpret_cast<Lanes>(x < low ? low : x);
 }
 
-// Adds a field to the lower and upper halves of node words.
+// Adds a field to the lower and upper 16 bits of node words. A field may lie across both.
 template <Field field>
 void put_field(Lanes value, Lanes& lower, Lanes& upper) {
     const Lanes bits = limit<field>(value) & static_cast<uint16_t>((1 << field.bits) - 1);
@@ -55,6 +58,7 @@ void put_field(Lanes value, Lanes& lower, Lanes& upper) {
         upper |= bits >> (16 - field.shift);
 }
 
+// From the finished differences of eight nodes to their words.
 template <uint8_t mode>
 void pack(const ByRole<Lanes>& x, uint32_t* words) {
     constexpr NodeLayout layout = layout_of(mode);
@@ -68,6 +72,8 @@ void pack(const ByRole<Lanes>& x, uint32_t* words) {
     store(words + lane_count / 2, __builtin_shufflevector(lower, upper, 4, 12, 5, 13, 6, 14, 7, 15));
 }
 
+// The inward neighbour is chosen by masks before it is quantised: the centre columns have none, and 0 is
+// quantised to 0. The masks are 0 where the neighbour would be a border node.
 template <uint8_t mode>
 void compress_row(const GainRows& gains, const Workspace& work, uint32_t* words, int32_t width) {
     for_each_block(width, [&](ptrdiff_t c) {
@@ -84,6 +90,7 @@ void compress_row(const GainRows& gains, const Workspace& work, uint32_t* words,
     });
 }
 
+// Rows `row` (a centre row), row + step, ... before `end`.
 template <uint8_t mode>
 void compress_half(const lsc_otp_info& info, Workspace& work, int32_t row, int32_t end, int32_t step) {
     const int32_t width = info.grid_width - 2;
@@ -133,6 +140,7 @@ int32_t compress_rows(const lsc_otp_info& info) {
     const Centre centre = centre_of(height);
     const bool wide = info.precision_mode == mode_24_bit;
     const auto compress_half_of = wide ? compress_half<mode_24_bit> : compress_half<mode_14_bit>;
+    // An odd height has one centre row, which either half starts with and gets the same words for.
     compress_half_of(info, work, centre.first, -1, -1);
     compress_half_of(info, work, centre.last, height, 1);
     write_words(info.stream, work.words.get(), int64_t{width} * height, info.precision_mode);

@@ -17,7 +17,8 @@ uint16_t restore_gain(int quantised, int dropped) {
     return low16(int64_t{quantised} * (1 << dropped));
 }
 
-// Fills inner row j of the tables from the planes.
+// Fills inner row j of the tables from the planes: the base, and for the other channels the base less their
+// difference from it.
 void restore_row(const lsc_otp_info& info, int32_t j, const int16_t* const planes[role_count],
                  int32_t width) {
     const uint8_t* const roles = channel_roles[info.bayer_pattern];

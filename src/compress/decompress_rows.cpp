@@ -15,10 +15,12 @@
 namespace zerklsc {
 namespace {
 
+// One row of each channel, in the order of the roles, with room for a block beyond either end.
 using SumRows = ByRole<uint16_t*>;
 using ChannelLanes = ByRole<Lanes>;
 
-// A field from the lower and upper halves of node words.
+// A field from the lower and upper 16 bits of node words: shifted to the top of the lane, then back with its
+// sign.
 template <Field field>
 Lanes get_field(Lanes lower, Lanes upper) {
     Lanes bits;
@@ -32,6 +34,7 @@ Lanes get_field(Lanes lower, Lanes upper) {
     return reinterpret_cast<Lanes>(reinterpret_cast<SignedLanes>(bits << above) >> above);
 }
 
+// From the words of eight nodes to what they add to each channel.
 template <uint8_t mode>
 ChannelLanes unpack(const uint32_t* words) {
     constexpr NodeLayout layout = layout_of(mode);
@@ -79,11 +82,13 @@ void add_left_part(const uint32_t* words, const SumRows& sums, int32_t end, bool
     }
 }
 
+// The tables have no room beyond a row: its end belongs to the border and to rows that are finished.
 template <uint8_t mode>
 void restore_row(uint16_t* gains, const uint16_t* sums, int32_t width) {
     for_each_block(width, [=](ptrdiff_t c) { store(gains + c, load(sums + c) << dropped_bits(mode)); });
 }
 
+// Rows `row` (a centre row), row + step, ... before `end`.
 template <uint8_t mode>
 void decompress_half(const lsc_otp_info& info, const uint32_t* words, const SumRows& sums, int32_t row,
                      int32_t end, int32_t step) {
@@ -109,6 +114,7 @@ int32_t decompress_rows(const lsc_otp_info& info) {
     const int32_t height = info.grid_height - 2;
     const int64_t count = int64_t{width} * height;
     const int64_t room = int64_t{width} + 2 * lane_count;
+    // Blocks are read and summed up to a block beyond either end of what they belong to.
     const Scratch<uint32_t> padded_words = allocate<uint32_t>(static_cast<uint64_t>(count + 2 * lane_count));
     const Scratch<uint16_t> padded_sums = allocate<uint16_t>(static_cast<uint64_t>(role_count * room));
     if (!padded_words || !padded_sums)
@@ -125,6 +131,7 @@ int32_t decompress_rows(const lsc_otp_info& info) {
     const Centre centre = centre_of(height);
     const bool wide = info.precision_mode == mode_24_bit;
     const auto decompress_half_of = wide ? decompress_half<mode_24_bit> : decompress_half<mode_14_bit>;
+    // An odd height has one centre row, which either half starts with and decodes alike.
     decompress_half_of(info, words, sums, centre.first, -1, -1);
     decompress_half_of(info, words, sums, centre.last, height, 1);
     return 0;

@@ -34,6 +34,7 @@ void for_each_block(ptrdiff_t width, Block block) {
     block(last);
 }
 
+// The first lane in every lane.
 inline Lanes first_lane(Lanes x) {
     return __builtin_shufflevector(x, x, 0, 0, 0, 0, 0, 0, 0, 0);
 }

@@ -29,12 +29,15 @@ constexpr NodeLayout layout_of(uint8_t mode) {
     return mode == mode_14_bit ? layout_14_bit : layout_24_bit;
 }
 
+// Saturates: a value beyond the field is stored as the field's end, and what it loses is missing in every
+// node further out, since the decoder sums differences outwards.
 constexpr uint32_t to_field(int value, Field field) {
     const int limit = 1 << (field.bits - 1);
     const uint32_t mask = (1u << field.bits) - 1;
     return (static_cast<uint32_t>(std::clamp(value, -limit, limit - 1)) & mask) << field.shift;
 }
 
+// Sign-extends.
 constexpr int16_t from_field(uint32_t word, Field field) {
     const int sign = 1 << (field.bits - 1);
     const uint32_t mask = (1u << field.bits) - 1;

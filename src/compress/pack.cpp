@@ -8,7 +8,7 @@ namespace {
 
 constexpr int64_t node_bytes = 3;  // mode 0, of one node
 constexpr int64_t group_bytes = 7; // mode 1, of a group
-constexpr int64_t group_nodes = 4;
+constexpr int64_t group_nodes = 4; // may span the end of a row
 
 // The planes of a stream; T is const for packing.
 template <class T>
@@ -16,10 +16,12 @@ struct Planes {
     T *a, *b, *c, *d;
 };
 
+// The node word of node i of the planes.
 uint32_t pack(const NodeLayout& layout, const Planes<const int16_t>& planes, int64_t i) {
     return pack_node(layout, planes.a[i], planes.b[i], planes.c[i], planes.d[i]);
 }
 
+// Node i of the planes from a node word.
 void unpack(const NodeLayout& layout, uint32_t word, const Planes<int16_t>& planes, int64_t i) {
     planes.a[i] = from_field(word, layout.a);
     planes.b[i] = from_field(word, layout.b);

@@ -1,4 +1,4 @@
-// Node words to and from the bytes of a stream, four bytes at a time.
+// Node words to and from the bytes of a stream, four bytes at a time. pack.cpp does the same byte by byte.
 #include "compress/words.h"
 
 #include <cstring>

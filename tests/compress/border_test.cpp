@@ -11,28 +11,27 @@ using namespace zerklsc::testing;
 // The surface is quadratic in either direction, so that its own continuation modulo 65536 is the border.
 TEST(Border, ContinuesAQuadraticSurfaceAndWrapsBeyondTheRange) {
     Random random(1);
-    for (uint32_t w = 1; w < 12; ++w)
-        for (uint32_t h = 1; h < 12; ++h) {
-            const uint64_t p[6] = {random.next(), random.next(), random.next(),
-                                   random.next(), random.next(), random.next()};
-            Guarded<uint16_t> table((w + 2) * (h + 2), h % 2 ? Against::front : Against::back);
-            std::vector<uint16_t> expected(table.size());
-            for (uint32_t i = 0; i < table.size(); ++i) {
-                const uint32_t r = i / (w + 2), c = i % (w + 2);
-                const bool border = r == 0 || r == h + 1 || c == 0 || c == w + 1;
-                expected[i] =
-                    static_cast<uint16_t>((p[0] + r * (p[1] + r * p[2])) * (p[3] + c * (p[4] + c * p[5])));
-                table[i] = border ? uint16_t{7} : expected[i];
-                if (border && (w < 3 || h < 3))
-                    expected[i] = 7; // there are no three nodes to continue
+    for (int i = 0; i < 144; ++i) {
+        const int w = i % 12, h = i / 12;
+        const bool enough = w > 2 && h > 2; // nodes to continue
+        uint64_t p[6];
+        for (uint64_t& coefficient : p)
+            coefficient = random.next();
+        std::vector<uint16_t> inner, expected;
+        for (uint64_t y = 0; y < static_cast<uint64_t>(h) + 2; ++y)
+            for (uint64_t x = 0; x < static_cast<uint64_t>(w) + 2; ++x) {
+                const uint64_t value = (p[0] + x * (p[1] + x * p[2])) * (p[3] + y * (p[4] + y * p[5]));
+                const bool border =
+                    x % static_cast<uint64_t>(w + 1) == 0 || y % static_cast<uint64_t>(h + 1) == 0;
+                inner.push_back(border ? uint16_t{7} : static_cast<uint16_t>(value));
+                expected.push_back(enough ? static_cast<uint16_t>(value) : inner.back());
             }
-            expand_lsc_table_c2(table.data(), static_cast<int>(w), static_cast<int>(h));
-            ASSERT_EQ(table.copy(), expected) << w << " x " << h;
-            ASSERT_TRUE(table.intact());
-        }
-    Guarded<uint16_t> empty(0);
-    for (const int size : {0, -1, INT32_MIN})
-        expand_lsc_table_c2(empty.data(), size, size);
+        Guarded<uint16_t> table(inner, i % 2 ? Against::front : Against::back);
+        expand_lsc_table_c2(table.data(), w, h);
+        ASSERT_EQ(table.copy(), expected) << w << " x " << h;
+        expand_lsc_table_c2(table.data(), -w, INT32_MIN);
+        ASSERT_TRUE(table.intact());
+    }
 }
 
 } // namespace
