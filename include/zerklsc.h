@@ -700,8 +700,8 @@ ZERKLSC_API void align_table_cubic_c2(float* table, int32_t grid_w, int32_t grid
  * for the fraction i / step of a cell, 1024 = 1.0, rounded half up. Everything else in the block becomes 0; so does all
  * of it for a step of 0 or above 255, which a block cannot hold.
  *
- * The kernel is that of R. Keys, "Cubic convolution interpolation for digital image processing", IEEE Trans. ASSP 29(6),
- * 1981, with a = -0.5.
+ * The kernel is that of R. Keys, "Cubic convolution interpolation for digital image processing", IEEE Trans. ASSP
+ * 29(6), 1981, with a = -0.5.
  *
  * @param weights  written; every byte of the block; not null
  * @param step     phases of a cell, 1 .. 255
@@ -738,11 +738,11 @@ ZERKLSC_API int32_t bicubic_lnc_correction_vessaL2(uint16_t* in, uint16_t* out, 
 ZERKLSC_API int32_t bicubic_lnc_correction_vessaL2_core(uint16_t* in, uint16_t* out, isp_param_tag* param);
 
 /**
- * Corrects a raw frame as the tvessa2 ISP does. As bicubic_lnc_correction_vessaL2(), with these differences. Weights are
- * those of step 64, and the phase is scaled by the integer 64 / step: a step that does not divide 64 does not reach the
- * end of its cells, one above 64 takes the node before the sample. Only the low 8 bits of `grid` count. The grid is
+ * Corrects a raw frame as the tvessa2 ISP does: as bicubic_lnc_correction_vessaL2(), with these differences. Weights
+ * are those of step 64, and the phase is scaled by the integer 64 / step: a step that does not divide 64 does not reach
+ * the end of its cells, one above 64 takes the node before the sample. Only the low 8 bits of `grid` count. The grid is
  * counted from the last sample: where half the width (height) is one more than a whole number of cells, tables are one
- * column (row) narrower than lsc2d_table_size() makes them. The record is not written.
+ * column (row) smaller than lsc2d_table_size() makes them. The record is not written.
  *
  * A frame narrower than 128 pixels prints a warning on standard output and is corrected.
  *

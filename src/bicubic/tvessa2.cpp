@@ -1,7 +1,7 @@
 // bicubic_lnc_correction_tvessa2
 #include <cstdio>
 
-#include "bicubic/correction_plain.h"
+#include "bicubic/correct.h"
 
 namespace {
 
@@ -33,6 +33,6 @@ int32_t bicubic_lnc_correction_tvessa2(uint16_t* in, uint16_t* out, isp_param_ta
     correction.table_h = table_extent(param->height / 2, step);
     for (int32_t phase = 0; phase < step; ++phase)
         correction.phases[phase] = fixed_phase(phase, step);
-    correct_plain(correction);
+    correct(correction);
     return 0;
 }

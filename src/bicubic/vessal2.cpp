@@ -1,5 +1,5 @@
 // bicubic_lnc_correction_vessaL2, bicubic_lnc_correction_vessaL2_core
-#include "bicubic/correction_plain.h"
+#include "bicubic/correct.h"
 
 namespace {
 
@@ -30,6 +30,6 @@ int32_t bicubic_lnc_correction_vessaL2_core(uint16_t* in, uint16_t* out, isp_par
     correction.table_h = table_extent(param->height / 2, step);
     for (int32_t phase = 0; phase < step; ++phase)
         correction.phases[phase] = programmed_phase(param->weight, phase, step);
-    correct_plain(correction);
+    correct(correction);
     return 0;
 }

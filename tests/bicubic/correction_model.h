@@ -11,19 +11,19 @@ namespace zerklsc::testing {
 
 // A frame of one of the two ISPs with its tables in the order of the record's pointers.
 struct CorrectionModel {
-    CorrectionModel(int isp_, size_t width_, size_t height_, size_t step_, Random& random, Spread spread)
-        : isp(isp_), width(width_), height(height_), step(step_), table_w(extent(width / 2)),
-          in(random_samples(random, width * height, spread)) {
+    CorrectionModel(bool vessal2_, size_t width_, size_t height_, size_t step_, Random& random)
+        : vessal2(vessal2_), width(width_), height(height_), step(step_), table_w(extent(width / 2)) {
+        const Spread spread = Spread(random.between(0, 2));
+        in = random_samples(random, width * height, spread);
         for (auto& table : tables) {
             table = random_samples(random, table_w * extent(height / 2), spread);
             if (random.between(0, 1) == 0)
                 for (uint16_t& gain : table)
-                    gain = static_cast<uint16_t>(900 + gain % 16500);
+                    gain = usual_gain(gain);
         }
         const auto s = static_cast<int64_t>(step);
         for (int64_t phase = 0; phase < s; ++phase)
-            taps.push_back(isp == ZERKLSC_ISP_VESSAL2 ? reference_taps(s, phase)
-                                                      : reference_taps(64, 64 / s * phase));
+            taps.push_back(vessal2 ? reference_taps(s, phase) : reference_taps(64, 64 / s * phase));
     }
 
     std::vector<uint16_t> corrected() const {
@@ -35,13 +35,13 @@ struct CorrectionModel {
         return out;
     }
 
-    int isp;
+    bool vessal2;
     size_t width, height, step, table_w;
     std::vector<uint16_t> in, tables[4];
 
   private:
     size_t extent(size_t half) const {
-        if (isp == ZERKLSC_ISP_VESSAL2)
+        if (vessal2)
             return (half + step - 1) / step + 3;
         return half == 0 ? (step == 1 ? 2 : 4) : (half - 1 + step - 1) / step + 3;
     }

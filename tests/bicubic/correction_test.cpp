@@ -1,78 +1,110 @@
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "bicubic/correct.h"
 #include "bicubic/correction_model.h"
+#include "bicubic/correction_plain.h"
 #include "support/allocations.h"
 #include "support/guarded.h"
+
+// The vectors of the widest level, built for the base instruction set.
+namespace zerklsc::wide {
+void correct_cells(const Correction& correction);
+}
 
 namespace {
 
 using namespace zerklsc::testing;
 
-constexpr int isps[2] = {ZERKLSC_ISP_TVESSA2, ZERKLSC_ISP_VESSAL2};
+// A model's frame between guard pages.
+struct GuardedFrame {
+    GuardedFrame(const CorrectionModel& model, Against side)
+        : in(model.in, side), out(model.in.size(), side), tables{{model.tables[0], side},
+                                                                 {model.tables[1], side},
+                                                                 {model.tables[2], side},
+                                                                 {model.tables[3], side}},
+          param(1, side) {
+        param[0] = {};
+        for (size_t t = 0; t < 4; ++t)
+            param[0].lsc_table[t] = tables[t].data();
+        // The tvessa2 ISP reads the low byte of the step.
+        param[0].grid = static_cast<uint16_t>(model.step + (model.vessal2 ? 0 : 512));
+        param[0].width = static_cast<uint16_t>(model.width);
+        param[0].height = static_cast<uint16_t>(model.height);
+    }
+
+    Guarded<uint16_t> in, out, tables[4];
+    Guarded<isp_param_tag> param;
+};
 
 class Correction : public ::testing::Test {
   protected:
     Correction() { ::testing::internal::CaptureStdout(); }
     // Drops the warnings about narrow slices; failures are printed to the same place.
     ~Correction() override {
+        unsetenv("ZERKLSC_CPU");
         const std::string printed = ::testing::internal::GetCapturedStdout();
         if (HasFailure())
             std::puts(printed.c_str());
     }
 
-    // The library's result between guard pages.
-    std::vector<uint16_t> run(const CorrectionModel& model, bool in_place = false) {
-        const Against side = ++runs % 2 == 0 ? Against::front : Against::back;
-        Guarded<uint16_t> in(model.in, side), out(in_place ? 0 : model.in.size(), side);
-        std::unique_ptr<Guarded<uint16_t>> tables[4];
-        Guarded<isp_param_tag> param(1, side);
-        param[0] = {};
-        for (size_t t = 0; t < 4; ++t) {
-            tables[t] = std::make_unique<Guarded<uint16_t>>(model.tables[t], side);
-            param[0].lsc_table[t] = tables[t]->data();
+    static void correct(const CorrectionModel& model, const std::string& form, uint16_t* out,
+                        GuardedFrame& frame) {
+        zerklsc::Correction c = zerklsc::frame_correction(frame.in.data(), out, frame.param[0]);
+        c.step = static_cast<int32_t>(model.step);
+        c.table_w = static_cast<int32_t>(model.table_w);
+        c.table_h = static_cast<int32_t>(model.tables[0].size() / model.table_w);
+        lnc_bicubic_weight_t_64_tag weights;
+        generate_bicubic_weight_table(&weights, static_cast<uint16_t>(model.step));
+        for (int32_t i = 0; i < c.step; ++i)
+            c.phases[i] = model.vessal2 ? zerklsc::programmed_phase(weights, i, c.step)
+                                        : zerklsc::fixed_phase(i, c.step);
+        (form == "plain" ? zerklsc::correct_plain : zerklsc::wide::correct_cells)(c);
+    }
+
+    // Every form of the correction: the library's function at each level, the plain one, the widest vectors.
+    void compare(const CorrectionModel& model) {
+        const auto expected = model.corrected();
+        GuardedFrame frame(model, random.between(0, 1) == 0 ? Against::front : Against::back);
+        for (const std::string form : {"base", "avx2", "avx512", "plain", "wide"}) {
+            Guarded<uint16_t>& result = random.between(0, 1) == 0 ? frame.in : frame.out;
+            std::copy(model.in.begin(), model.in.end(), frame.in.data());
+            setenv("ZERKLSC_CPU", form.c_str(), 1);
+            if (form == "plain" || form == "wide")
+                correct(model, form, result.data(), frame);
+            else
+                EXPECT_EQ((model.vessal2 ? bicubic_lnc_correction_vessaL2 : bicubic_lnc_correction_tvessa2)(
+                              frame.in.data(), result.data(), frame.param.data()),
+                          0);
+            ASSERT_EQ(result.copy(), expected)
+                << form << (model.vessal2 ? " vessaL2 " : " tvessa2 ") << model.width << " x " << model.height
+                << ", step " << model.step;
         }
-        const bool vessal2 = model.isp == ZERKLSC_ISP_VESSAL2;
-        param[0].grid = static_cast<uint16_t>(model.step + (vessal2 ? 0 : 256 * (runs % 3)));
-        param[0].width = static_cast<uint16_t>(model.width);
-        param[0].height = static_cast<uint16_t>(model.height);
-        const isp_param_tag before = param[0];
-        Guarded<uint16_t>& result = in_place ? in : out;
-        EXPECT_EQ((vessal2 ? bicubic_lnc_correction_vessaL2
-                           : bicubic_lnc_correction_tvessa2)(in.data(), result.data(), param.data()),
-                  0);
-        EXPECT_EQ(std::memcmp(param.data(), &before, sizeof before) != 0, vessal2);
-        EXPECT_TRUE(in.intact() && out.intact() && param.intact());
-        return result.copy();
+        ASSERT_TRUE(frame.in.intact() && frame.out.intact() && frame.param.intact());
+        ASSERT_EQ(frame.param[0].weight.weights[0][1], model.vessal2 ? 1024 : 0);
     }
 
     void compare(size_t width, size_t height, size_t step) {
-        for (int isp : isps) {
-            const CorrectionModel model(isp, width, height, step, random, Spread(random.between(0, 2)));
-            const bool in_place = runs % 3 == 0;
-            ASSERT_EQ(run(model, in_place), model.corrected())
-                << isp << ": " << width << " x " << height << ", step " << step
-                << (in_place ? ", in place" : "");
-        }
+        for (bool vessal2 : {false, true})
+            ASSERT_NO_FATAL_FAILURE(compare(CorrectionModel(vessal2, width, height, step, random)));
     }
 
-    // Samples of 100 under tables whose node i holds the gain gain(i).
+    // Samples of 100 under tables whose node i holds the gain gain(i); the model is checked with it.
     template <class Gain>
-    std::vector<uint16_t> run_flat(int isp, size_t width, size_t height, const Gain& gain) {
-        CorrectionModel model(isp, width, height, 16, random, Spread::any);
+    std::vector<uint16_t> flat(bool vessal2, size_t width, size_t height, const Gain& gain) {
+        CorrectionModel model(vessal2, width, height, 16, random);
         std::fill(model.in.begin(), model.in.end(), uint16_t{100});
         for (auto& table : model.tables)
             for (size_t i = 0; i < table.size(); ++i)
                 table[i] = static_cast<uint16_t>(1024 * gain(i, model.table_w));
-        return run(model);
+        compare(model);
+        return model.corrected();
     }
 
     Random random{20};
-    size_t runs = 0;
 };
 
 TEST_F(Correction, EverySmallGeometryIsTheModel) {
@@ -91,47 +123,84 @@ TEST_F(Correction, EveryStepIsTheModel) {
             }
 }
 
+TEST_F(Correction, LongRowsAreTheModel) {
+    for (size_t width : {257u, 1030u, 2051u})
+        for (size_t step : {1u, 2u, 3u, 4u, 7u, 8u, 16u})
+            ASSERT_NO_FATAL_FAILURE(compare(width, 4 * step + 2, step));
+}
+
 TEST_F(Correction, LastHalfColumnTakesPhaseOneOfItsCell) {
-    for (int isp : isps) {
+    for (bool vessal2 : {false, true}) {
         const auto out =
-            run_flat(isp, 2 * 65, 4, [](size_t i, size_t row_length) { return 1 + i % row_length; });
+            flat(vessal2, 2 * 65, 4, [](size_t i, size_t row_length) { return 1 + i % row_length; });
         // The ramp is 6.0 at the node and 1/16 more at phase 1. The tvessa2 ISP has no column 7: it reads 1.0
         // from the next row, so that the gain is 5 * -28 + 6 * 1014 + 7 * 40 + 1 * -2 = 6222.
-        EXPECT_EQ(out[126], 594) << isp;
-        EXPECT_EQ(out[128], isp == ZERKLSC_ISP_VESSAL2 ? 606 : 608) << isp;
-        EXPECT_EQ(out[129], out[128]) << isp;
+        EXPECT_EQ(out[126], 594);
+        EXPECT_EQ(out[128], vessal2 ? 606 : 608);
+        EXPECT_EQ(out[129], out[128]);
     }
 }
 
 TEST_F(Correction, LastHalfRowTakesItOnlyInRefilledColumns) {
-    for (int isp : isps) {
+    for (bool vessal2 : {false, true}) {
         const auto out =
-            run_flat(isp, 160, 2 * 17, [](size_t i, size_t row_length) { return 1 + i / row_length; });
-        EXPECT_EQ(out[33 * 160], 300) << isp;       // phase 0 of the cell below node row 2
-        EXPECT_EQ(out[33 * 160 + 159], 206) << isp; // phase 1 of the cell below node row 1
+            flat(vessal2, 160, 2 * 17, [](size_t i, size_t row_length) { return 1 + i / row_length; });
+        EXPECT_EQ(out[33 * 160], 300);       // phase 0 of the cell below node row 2
+        EXPECT_EQ(out[33 * 160 + 159], 206); // phase 1 of the cell below node row 1
     }
 }
 
-TEST_F(Correction, GainsBelowUnityAreUnityAndSamplesAreLimited) {
-    for (int isp : isps)
-        for (size_t gain : {0u, 500u, 1024u}) {
-            CorrectionModel model(isp, 1024, 64, 32, random, Spread::any);
-            for (size_t i = 0; i < model.in.size(); ++i)
-                model.in[i] = static_cast<uint16_t>(i);
-            for (auto& table : model.tables)
-                std::fill(table.begin(), table.end(), static_cast<uint16_t>(gain));
-            const auto out = run(model, true);
-            for (size_t i = 0; i < out.size(); ++i)
-                ASSERT_EQ(out[i], std::min<size_t>(i, 1023)) << isp;
+TEST_F(Correction, EverySampleIsCopiedAndLimitedAtOrBelowUnity) {
+    for (size_t gain : {0u, 500u, 1024u}) {
+        CorrectionModel model(true, 1024, 64, 32, random);
+        std::vector<uint16_t> expected(model.in.size());
+        for (size_t i = 0; i < expected.size(); ++i) {
+            model.in[i] = static_cast<uint16_t>(i);
+            expected[i] = static_cast<uint16_t>(std::min<size_t>(i, 1023));
         }
+        for (auto& table : model.tables)
+            std::fill(table.begin(), table.end(), static_cast<uint16_t>(gain));
+        ASSERT_EQ(model.corrected(), expected);
+        compare(model);
+    }
 }
 
 TEST_F(Correction, ProductsAreComparedIn16Bits) {
-    for (int isp : isps) {
-        CorrectionModel model(isp, 4, 2, 8, random, Spread::high);
+    for (bool vessal2 : {false, true}) {
+        CorrectionModel model(vessal2, 4, 2, 8, random);
         model.in = {1023, 4096, 4097, 4098, 64, 65, 0, 1};
+        for (auto& table : model.tables)
+            std::fill(table.begin(), table.end(), uint16_t{65535});
         // 4097 * 16383 + 512 is 65548 * 1024 and a rest, of which 16 bits keep 12.
-        EXPECT_EQ(run(model), (std::vector<uint16_t>{1023, 1023, 12, 28, 1023, 1023, 0, 16})) << isp;
+        EXPECT_EQ(model.corrected(), (std::vector<uint16_t>{1023, 1023, 12, 28, 1023, 1023, 0, 16}));
+        compare(model);
+    }
+}
+
+// What a record's own weights make of a sum may overflow where those of the generator cannot.
+TEST_F(Correction, CoreTakesForeignWeightsAsTheyAre) {
+    const CorrectionModel model(true, 60, 9, 5, random);
+    for (int bits = 8; bits <= 16; ++bits) {
+        GuardedFrame frame(model, Against::back);
+        lnc_bicubic_weight_t_64_tag& weights = frame.param[0].weight;
+        for (auto& row : weights.weights)
+            for (int16_t& w : row)
+                w = static_cast<int16_t>(random.between(-1 << (bits - 1), (1 << (bits - 1)) - 1));
+        const lnc_bicubic_weight_t_64_tag before = weights;
+        EXPECT_EQ(bicubic_lnc_correction_vessaL2_core(frame.in.data(), frame.out.data(), frame.param.data()),
+                  0);
+        EXPECT_EQ(std::memcmp(&weights, &before, sizeof before), 0);
+        for (size_t x = 0; x < 10; ++x) {
+            uint16_t strip[4], nodes[4];
+            for (size_t j = 0; j < 4; ++j) {
+                for (size_t k = 0; k < 4; ++k)
+                    nodes[k] = model.tables[2 * (x % 2)][k * model.table_w + j];
+                strip[j] = cubic_1D(nodes[0], nodes[1], nodes[2], nodes[3], 0, 5, &weights);
+            }
+            const auto phase = static_cast<uint16_t>(x / 2);
+            const unsigned gain = cubic_1D(strip[0], strip[1], strip[2], strip[3], phase, 5, &weights);
+            ASSERT_EQ(frame.out[x], std::min((model.in[x] * gain + 512) / 1024 % 65536, 1023u)) << bits;
+        }
     }
 }
 
@@ -182,8 +251,7 @@ TEST(CorrectionArguments, NarrowSliceIsAWarning) {
                  {128, 2, ""}};
     for (const auto& c : cases) {
         isp_param_tag param{};
-        for (uint16_t*& t : param.lsc_table)
-            t = table;
+        std::fill(param.lsc_table, param.lsc_table + 4, &table[0]);
         param.grid = 32;
         param.width = c.width;
         param.height = c.height;
@@ -196,25 +264,6 @@ TEST(CorrectionArguments, NarrowSliceIsAWarning) {
         EXPECT_EQ(::testing::internal::GetCapturedStdout(), c.message);
         EXPECT_EQ(std::count(frame, frame + 256, 1023), c.width * c.height);
     }
-}
-
-TEST(CorrectionArguments, Vessal2RewritesTheWeightBlockThatItsCoreReads) {
-    uint16_t table[16], frame[4] = {100, 100, 100, 100};
-    for (int i = 0; i < 16; ++i)
-        table[i] = static_cast<uint16_t>(1000 + 64 * i);
-    isp_param_tag param{};
-    for (uint16_t*& t : param.lsc_table)
-        t = table;
-    param.width = param.height = param.grid = 2;
-    // Weights of 0 leave everything to the last node, whose gain is 1960.
-    EXPECT_EQ(bicubic_lnc_correction_vessaL2_core(frame, frame, &param), 0);
-    EXPECT_EQ(std::count(frame, frame + 4, 191), 4);
-    EXPECT_EQ(param.weight.weights[0][1], 0);
-    param.weight.weights[127][2] = param.weight.weights[1][0] = 5;
-    lnc_bicubic_weight_t_64_tag expected;
-    generate_bicubic_weight_table(&expected, 2);
-    EXPECT_EQ(bicubic_lnc_correction_vessaL2(frame, frame, &param), 0);
-    EXPECT_EQ(std::memcmp(&param.weight, &expected, sizeof expected), 0);
 }
 
 } // namespace

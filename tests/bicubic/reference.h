@@ -31,6 +31,11 @@ inline ReferenceTaps reference_taps(int64_t step, int64_t phase) {
     return {reference_row(step, mirrored ? step - phase : phase), mirrored};
 }
 
+// A gain as tables hold them, and a little beyond.
+inline uint16_t usual_gain(uint16_t any) {
+    return static_cast<uint16_t>(900 + any % 16500);
+}
+
 inline uint16_t reference_cubic(std::array<int64_t, 4> p, const ReferenceTaps& taps) {
     if (taps.mirrored)
         std::reverse(p.begin(), p.end());
