@@ -45,4 +45,8 @@ bool has_pointers(const uint16_t* in, const uint16_t* out, const isp_param_tag* 
 // set.
 Correction frame_correction(const uint16_t* in, uint16_t* out, const isp_param_tag& param);
 
+// The whole correction of either ISP, for records whose step it takes.
+Correction tvessa2_correction(const uint16_t* in, uint16_t* out, const isp_param_tag& param);
+Correction vessal2_correction(const uint16_t* in, uint16_t* out, const isp_param_tag& param);
+
 } // namespace zerklsc

@@ -29,7 +29,8 @@ void quantise_row(const lsc_otp_info& info, int32_t j, int16_t* const planes[rol
     }
 }
 
-// Plane by plane, with the passes that are exported.
+} // namespace
+
 int32_t compress_planes(const lsc_otp_info& info) {
     const int32_t width = info.grid_width - 2;
     const int32_t height = info.grid_height - 2;
@@ -54,7 +55,6 @@ int32_t compress_planes(const lsc_otp_info& info) {
                       height, info.precision_mode);
 }
 
-} // namespace
 } // namespace zerklsc
 
 int32_t lsc_compress(lsc_otp_info* info) {

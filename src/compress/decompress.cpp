@@ -33,7 +33,8 @@ void restore_row(const lsc_otp_info& info, int32_t j, const int16_t* const plane
     }
 }
 
-// Plane by plane, with the passes that are exported. Leaves the borders as they are.
+} // namespace
+
 int32_t decompress_planes(const lsc_otp_info& info) {
     const int32_t width = info.grid_width - 2;
     const int32_t height = info.grid_height - 2;
@@ -57,7 +58,6 @@ int32_t decompress_planes(const lsc_otp_info& info) {
     return 0;
 }
 
-} // namespace
 } // namespace zerklsc
 
 int32_t lsc_decompress(lsc_otp_info* info) {

@@ -1,4 +1,4 @@
-// The fast forms of lsc_compress and lsc_decompress, row by row from the centre outwards.
+// The two forms of lsc_compress and lsc_decompress. The fast ones go row by row from the centre outwards.
 #pragma once
 
 #include <bit>
@@ -31,6 +31,10 @@ inline bool has_fast_form(const lsc_otp_info& info) {
 // Both need an inner node and has_fast_form(), and return -1 for a failed allocation, 0 otherwise.
 int32_t compress_rows(const lsc_otp_info& info);
 int32_t decompress_rows(const lsc_otp_info& info); // leaves the borders as they are
+
+// The plain forms, plane by plane with the passes that are exported, for all that has an inner node.
+int32_t compress_planes(const lsc_otp_info& info);
+int32_t decompress_planes(const lsc_otp_info& info); // leaves the borders as they are
 
 // Row r of the inner nodes of the table behind a role.
 inline uint16_t* inner_row(const lsc_otp_info& info, int role, int32_t r) {
