@@ -23,6 +23,6 @@ test: release
 
 bench: packages
 	@cmake/install-packages.sh bench
-	@cmake --preset release -DZERKLSC_BENCH=ON > /dev/null
+	@cmake --preset release > /dev/null
 	@cmake --build --preset release
 	@build/release/bench/zerklsc_bench --bench

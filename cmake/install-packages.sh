@@ -10,7 +10,7 @@ packages_of() {
     build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev libgtest-dev ;;
     ci) echo clang libclang-rt-14-dev abigail-tools googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu ;;
-    bench) echo libopencv-dev liblensfun-dev libeigen3-dev ;;
+    bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev ;;
     *) echo "install-packages.sh: unknown step '$1' (build, ci or bench)" >&2 && exit 2 ;;
     esac
 }

@@ -1,0 +1,12 @@
+// The mosaic operations one pixel after the other, in the words of the manual; compiled without vectors.
+#pragma once
+
+#include "zerklsc.h"
+
+namespace zerklsc::bench {
+
+void plain_split(const uint16_t* raw, uint16_t* const* planes, int32_t width, int32_t height);
+void plain_merge(uint16_t* raw, const uint16_t* const* planes, int32_t width, int32_t height);
+void plain_black_level(uint16_t* raw, const isp_blc_param& param);
+
+} // namespace zerklsc::bench
