@@ -446,16 +446,15 @@ ZERKLSC_API int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_
  * by linear extrapolation. Nothing is clamped: gains of 64 and more keep their low 16 bits, and a gain that is not
  * finite or does not fit 64 bits is stored as 0; lsc2d_table_postproc() is the usual next step.
  *
- * Working memory: 16 * m * m + 56 * m bytes and a few bytes for each column and row of the planes, where
- * m = (nx - 2) * (ny - 2); none of the size of the frame. Time grows with m * m * m.
+ * Working memory, with m = (nx - 2) * (ny - 2): 8 * m * m + 48 * m bytes, what matrix_inv() takes for m rows of
+ * double, and 2 bytes for each column and row of the raster; nothing of the size of the frame. Time grows with m * m * m.
  *
  * @param image   read; raw frame of width x height samples
  * @param width   frame width in pixels
  * @param height  frame height in pixels; an odd last column or row is not read
  * @param tables  written; four gain tables by plane number, each of nx x ny entries, row by row, caller-owned; none may
  *                overlap another buffer
- * @param nx, ny  size of the tables, border included, as lsc2d_table_size() computes it for the planes; at least 4. With
- *                more nodes than the planes need the system is singular.
+ * @param nx, ny  size of the tables, border included, as lsc2d_table_size() computes it for the planes; at least 4
  * @param param   read; `grid` is the distance of the nodes, `filter_type` (box), `filter_radius` and `boundary_mode`
  *                describe the averaging window. `filter_radius` is also where the raster of points starts.
  * @return 0, or -1 with the tables untouched for a singular system (which prints
@@ -1063,7 +1062,8 @@ ZERKLSC_API unsigned short cubic_1D(unsigned short p0, unsigned short p1, unsign
  * Inverts a matrix in place by Gauss-Jordan elimination with full pivoting, for T float and double. The arithmetic is
  * complex with an imaginary part that starts at zero, which shows in the signs of zeros and where values overflow.
  *
- * Working memory: n * n * sizeof(T) + 8 * n bytes.
+ * Working memory: at most (1.005 * r * c + 32 * (r + c)) * sizeof(T) + 16 * n + 64 bytes, r and c being n rounded up to
+ * multiples of 8 and 32.
  *
  * @param a  read and written; n x n elements, row by row
  * @param n  rows and columns; nothing is done for 0 and below

@@ -1,7 +1,7 @@
 // The matrix inversion in the form that defines it: Gauss-Jordan elimination with full pivoting, carried out
 // in complex arithmetic whose imaginary part starts at zero.
 //
-// It is seldom run. For most matrices real arithmetic gives the same bits (real_inversion.h); this form
+// It is seldom run. For most matrices real arithmetic gives the same bits (elimination.h); this form
 // decides the others, where the sign of a zero or a value that is not finite comes out of the complex
 // products.
 #pragma once
