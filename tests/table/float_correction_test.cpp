@@ -12,34 +12,19 @@
 
 namespace {
 
-using zerklsc::testing::Against;
-using zerklsc::testing::AllocationScope;
-using zerklsc::testing::Guarded;
-using zerklsc::testing::Random;
-using zerklsc::testing::random_samples;
-using zerklsc::testing::Spread;
+using namespace zerklsc::testing;
 
-TEST(FloatCorrection, ConstantGainsScaleEverySampleAndWrap) {
-    Random random(8);
-    const std::vector<uint16_t> samples = random_samples(random, 37 * 23);
-    for (const uint16_t gain : std::initializer_list<uint16_t>{1024, 2048, 0}) {
-        Guarded<uint16_t> src(samples, Against::back), dst(samples.size());
-        Guarded<uint16_t> table(std::vector<uint16_t>(7 * 6, gain), Against::back);
-        lsc2d_bicubic_correction(src.data(), dst.data(), 37, 23, table.data(), 10, 8, 7);
-        for (size_t n = 0; n < samples.size(); ++n)
-            ASSERT_EQ(dst[n], static_cast<uint16_t>(samples[n] * gain / 1024));
-    }
-}
-
-TEST(FloatCorrection, GainsOnAnInclineAreInterpolatedExactly) {
-    // Unity is 1024 samples of 1.0, so a plane of 1024 shows the gains; all values are exact in single
-    // precision.
-    Guarded<uint16_t> src(std::vector<uint16_t>(65 * 40, 1024), Against::back), dst(65 * 40), table(8 * 9);
+TEST(FloatCorrection, GainsOnAnInclineAreInterpolatedExactlyAndBrightSamplesWrap) {
+    Guarded<uint16_t> dst(65 * 40), table(8 * 9);
     for (int n = 0; n < 72; ++n)
-        table[static_cast<size_t>(n)] = static_cast<uint16_t>(1000 + 32 * (n % 8) + 8 * (n / 8));
-    lsc2d_bicubic_correction(src.data(), dst.data(), 65, 40, table.data(), 16, 8, 8);
-    for (int n = 0; n < 65 * 40; ++n)
-        ASSERT_EQ(dst[static_cast<size_t>(n)], 1000 + 32 + 2 * (n % 65) + 8 + n / 65) << n;
+        table.data()[n] = static_cast<uint16_t>(1000 + 32 * (n % 8) + 8 * (n / 8));
+    // Gains below 2048 and these samples keep all values exact in single precision.
+    for (const int sample : {1024, 40960}) {
+        const std::vector<uint16_t> src(65 * 40, static_cast<uint16_t>(sample));
+        lsc2d_bicubic_correction(src.data(), dst.data(), 65, 40, table.data(), 16, 8, 8);
+        for (int n = 0; n < 65 * 40; ++n)
+            ASSERT_EQ(dst.data()[n], sample / 1024 * (1040 + 2 * (n % 65) + n / 65) % 65536) << n;
+    }
 }
 
 // One plane, corrected at every instruction set, with the memory it asks for and without, against the plain
@@ -75,11 +60,12 @@ TEST(FloatCorrection, FastFormEqualsThePlainOneToTheBit) {
     Random random(77);
     for (const Against side : {Against::front, Against::back})
         for (const Spread spread : {Spread::low, Spread::high, Spread::any}) {
-            for (int32_t width = 1; width <= 67; ++width)
+            for (int32_t width = 1; width <= 67 && !HasFatalFailure(); ++width)
                 expect_equal_to_plain(random, width, 5, width % 13 + 1, 2, spread, side);
             for (const int32_t step : {1, 2, 3, 7, 8, 16, 31, 64, 127, 255, 1000, INT32_MAX})
                 for (const int32_t width : {255, 257, 519})
-                    expect_equal_to_plain(random, width, 13, step, step % 6 + 1, spread, side);
+                    if (!HasFatalFailure())
+                        expect_equal_to_plain(random, width, 13, step, step % 6 + 1, spread, side);
         }
 }
 
