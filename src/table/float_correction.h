@@ -28,8 +28,8 @@ struct ColumnTaps {
     const float* taps[4];
 };
 
-// sum_nodes: reduces one table row to a row sum for every column. `nodes` is the first tap of the first
-// column. correct_row: corrects `count` samples of one image row from the row sums of the four table rows
+// sum_nodes() reduces one table row to a row sum for every column; `nodes` is the first tap of the first
+// column. correct_row() corrects `count` samples of one image row from the row sums of the four table rows
 // around it.
 #define ZERKLSC_DECLARE(level)                                                                               \
     namespace level {                                                                                        \

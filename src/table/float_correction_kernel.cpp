@@ -24,22 +24,19 @@ inline float corrected(uint16_t sample, float gain) {
 
 // Truncation in place of floor, which is the same where no gain is negative. Says whether that was so.
 bool correct_truncating(const uint16_t* __restrict src, uint16_t* __restrict dst, int32_t count,
-                        const Blend& blend) {
-    const Blend b = blend;
+                        Blend blend) {
     int32_t signs = 0;
     for (int32_t x = 0; x < count; ++x) {
-        const float gain = b.gain(x);
+        const float gain = blend.gain(x);
         signs |= __builtin_bit_cast(int32_t, gain);
         dst[x] = static_cast<uint16_t>(static_cast<int32_t>(corrected(src[x], gain)));
     }
     return signs >= 0;
 }
 
-void correct_flooring(const uint16_t* __restrict src, uint16_t* __restrict dst, int32_t count,
-                      const Blend& blend) {
-    const Blend b = blend;
+void correct_flooring(const uint16_t* __restrict src, uint16_t* __restrict dst, int32_t count, Blend blend) {
     for (int32_t x = 0; x < count; ++x) {
-        const float value = corrected(src[x], b.gain(x));
+        const float value = corrected(src[x], blend.gain(x));
         const int32_t truncated = static_cast<int32_t>(value);
         dst[x] = static_cast<uint16_t>(truncated - (static_cast<float>(truncated) > value));
     }
