@@ -9,9 +9,8 @@ namespace zerklsc {
 FlatField make_flat_field(const uint16_t* image, int32_t width, int32_t height, const imfilter_t& filter) {
     FlatField flat = {mosaic_field(image, width, height), make_window(filter), {}, false};
     const CentreCluster cluster = centre_cluster(width / 2, height / 2);
-    flat.measurable = flat.window && cluster.points() > 0 && cluster_fits(flat.field, flat.window, cluster);
-    if (flat.measurable)
-        brightest_levels(flat.field, flat.window, cluster, flat.peaks);
+    flat.measurable = flat.window && cluster.points() > 0 && cluster_fits(flat.field, flat.window, cluster)
+                      && brightest_levels(flat.field, flat.window, cluster, flat.peaks);
     return flat;
 }
 

@@ -15,7 +15,8 @@ struct FlatField {
     Window window;
     uint16_t
         peaks[ZERKLSC_CHANNELS]; // the level that each plane is raised to: the brightest around its centre
-    bool measurable; // false where the sampling refuses, or the planes have no room for a centre cluster
+    bool measurable; // false where the sampling refuses, the planes have no room for a centre cluster, or
+                     // there is no memory
 };
 
 // The frame has width x height samples; it is read by gains_at() too.

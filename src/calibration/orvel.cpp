@@ -38,14 +38,16 @@ bool border_can_be_built(const Field& field, const NodeGrid& grid, const lsc2d_c
                            param.border_mode, param.border_aux);
 }
 
-// Samples every channel, turns the levels into gains and the gains into tables.
-void calibrate(const Field& field, const Window& window, const NodeGrid& grid, const CentreCluster& cluster,
+// Samples every channel, turns the levels into gains and the gains into tables. False when there is no
+// memory, with no table written.
+bool calibrate(const Field& field, const Window& window, const NodeGrid& grid, const CentreCluster& cluster,
                const lsc2d_calib_param& param, const Buffers& buffers, uint16_t** tables) {
     float* const samples[] = {buffers.samples[0].get(), buffers.samples[1].get(), buffers.samples[2].get(),
                               buffers.samples[3].get()};
     sample_grid(field, window, grid, samples);
     uint16_t references[ZERKLSC_CHANNELS];
-    brightest_levels(field, window, cluster, references);
+    if (!brightest_levels(field, window, cluster, references))
+        return false;
 
     const int32_t table_w = grid.columns + border;
     const int32_t table_h = grid.rows + border;
@@ -59,6 +61,7 @@ void calibrate(const Field& field, const Window& window, const NodeGrid& grid, c
                             grid.columns, grid.rows, param.border_mode, param.border_aux);
         lsc_table_ftoi(bordered, tables[c], table_w, table_h);
     }
+    return true;
 }
 
 } // namespace
@@ -78,9 +81,8 @@ int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_t height, ui
         || !border_can_be_built(field, grid, *param))
         return -1;
     Buffers buffers(grid);
-    if (!buffers)
+    if (!buffers || !calibrate(field, window, grid, cluster, *param, buffers, tables))
         return -1;
-    calibrate(field, window, grid, cluster, *param, buffers, tables);
     // The samples stay allocated: callers budget their memory for what each calibration leaves behind.
     for (Scratch<float>& channel : buffers.samples)
         static_cast<void>(channel.release());

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "sampling/center_points.h"
+#include "sampling/cluster_sums.h"
 
 namespace zerklsc {
 
@@ -19,10 +20,11 @@ bool cluster_fits(const Field& field, const Window& window, const CentreCluster&
     return true;
 }
 
-// The level rises with the sum, so that the largest sum stands for the brightest point.
-void brightest_levels(const Field& field, const Window& window, const CentreCluster& cluster,
-                      uint16_t levels[4]) {
-    uint64_t most[4] = {};
+namespace {
+
+// Window by window, wherever the windows lie.
+void raise_to_points(const Field& field, const Window& window, const CentreCluster& cluster,
+                     uint64_t most[4]) {
     for (int32_t j = 0; j < 2 * cluster.rows; ++j) {
         for (int32_t i = 0; i < 2 * cluster.columns; ++i) {
             uint64_t sums[4];
@@ -31,8 +33,21 @@ void brightest_levels(const Field& field, const Window& window, const CentreClus
                 most[c] = std::max(most[c], sums[c]);
         }
     }
+}
+
+} // namespace
+
+// The level rises with the sum, so that the largest sum stands for the brightest point.
+bool brightest_levels(const Field& field, const Window& window, const CentreCluster& cluster,
+                      uint16_t levels[4]) {
+    uint64_t most[4] = {};
+    if (!columns_should_be_shared(field, window, cluster))
+        raise_to_points(field, window, cluster, most);
+    else if (!raise_to_cluster(field, window, cluster, most))
+        return false;
     for (int32_t c = 0; c < field.planes(); ++c)
         levels[c] = rounded_level(most[c], window);
+    return true;
 }
 
 } // namespace zerklsc

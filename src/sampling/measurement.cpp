@@ -26,7 +26,8 @@ int32_t measure_gains(const Field& field, const NodeGrid& grid, const imfilter_t
     float* const planes[] = {samples.get()};
     sample_grid(field, window, grid, planes);
     uint16_t reference[4];
-    brightest_levels(field, window, cluster, reference);
+    if (!brightest_levels(field, window, cluster, reference))
+        return -1;
     gains_from_samples(samples.get(), gains, int64_t{grid.columns} * grid.rows, reference[0]);
     // The samples stay allocated: callers budget their memory for what each call leaves behind.
     static_cast<void>(samples.release());

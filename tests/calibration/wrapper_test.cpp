@@ -129,6 +129,7 @@ TEST(Wrapper, FlatFrameNeedsNoCorrection) {
         const AllocationScope scope;
         ASSERT_EQ(lsc2d_calibration_wrapper(raw.data(), &call.info), 0);
         EXPECT_TRUE(call.tables.all(1024, 1024)) << "radius " << radius;
+        EXPECT_LT(scope.peak_bytes(), 64u * 1024) << "a copy of the frame, or its planes";
     }
 }
 

@@ -42,10 +42,11 @@ TEST(BrightestLevel, EqualsThePlainFormForMosaicAndPlane) {
                 const zerklsc::Window window = zerklsc::make_window(filter);
                 const zerklsc::CentreCluster cluster = zerklsc::centre_cluster(w, h);
                 uint16_t levels[4], level[4];
-                zerklsc::brightest_levels(zerklsc::mosaic_field(raw.data(), width, height), window, cluster,
-                                          levels);
+                ASSERT_TRUE(zerklsc::brightest_levels(zerklsc::mosaic_field(raw.data(), width, height),
+                                                      window, cluster, levels));
                 for (int c = 0; c < 4; ++c) {
-                    zerklsc::brightest_levels(zerklsc::plane_field(planes[c], w, h), window, cluster, level);
+                    ASSERT_TRUE(zerklsc::brightest_levels(zerklsc::plane_field(planes[c], w, h), window,
+                                                          cluster, level));
                     const uint16_t expected = plain_brightest(planes[c], w, h, filter);
                     ASSERT_EQ(levels[c], expected)
                         << width << 'x' << height << " radius " << r << " plane " << c;
@@ -54,6 +55,19 @@ TEST(BrightestLevel, EqualsThePlainFormForMosaicAndPlane) {
                 }
             }
         }
+    }
+}
+
+// Full-scale samples around the largest radius whose sums fit 32 bits.
+TEST(BrightestLevel, FullScaleStaysFullScale) {
+    const std::vector<uint16_t> raw(720 * 720, uint16_t{65535});
+    const zerklsc::CentreCluster cluster = zerklsc::centre_cluster(360, 360);
+    for (const int32_t r : {90, 126, 127, 128}) {
+        uint16_t levels[4] = {};
+        ASSERT_TRUE(zerklsc::brightest_levels(zerklsc::mosaic_field(raw.data(), 720, 720),
+                                              zerklsc::make_window(box(r)), cluster, levels));
+        for (const uint16_t level : levels)
+            EXPECT_EQ(level, 65535) << r;
     }
 }
 

@@ -1,0 +1,24 @@
+// Sums of the rows of a window, column by column, compiled for each instruction set.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/cpu_level.h"
+
+namespace zerklsc {
+
+// sums[i] += entering[i] for i in 0 .. count - 1.
+using AddRow = void(uint32_t* sums, const uint16_t* entering, int32_t count);
+
+// sums[i] += entering[i] - leaving[i], for a leaving row that the sums hold.
+using ExchangeRow = void(uint32_t* sums, const uint16_t* entering, const uint16_t* leaving, int32_t count);
+
+#define ZERKLSC_DECLARE(level)                                                                               \
+    namespace level {                                                                                        \
+    AddRow add_row;                                                                                          \
+    ExchangeRow exchange_row;                                                                                \
+    }
+ZERKLSC_EACH_LEVEL(ZERKLSC_DECLARE)
+#undef ZERKLSC_DECLARE
+
+} // namespace zerklsc
