@@ -396,16 +396,18 @@ ZERKLSC_API int32_t calc_correction_table(const uint16_t* plane, float* gains, i
 /**
  * Calibrates: makes the four gain tables of a flat-field frame by the method of info->algorithm
  * (ZERKLSC_ALGORITHM_...), applies the shading model of info->shading_percent and limits the gains to
- * ZERKLSC_HIGHEST_GAIN. The halvane method (0) applies no model of its own beyond the percentage that its target keeps.
- * Black levels are taken as 0 and the Bayer pattern as 0.
+ * ZERKLSC_HIGHEST_GAIN. Method 0 leaves the tables as its generator made them, whose target keeps that percentage
+ * already. Methods 0 and 1 take black levels of 0 and Bayer pattern 0.
  *
  * Methods 0, 1 and 4 take a step of at most 255. Methods 2, 3 and 4 need planes of at least 10 x 10 samples, method 0
- * of at least 50 x 50. The step must be below both sides of the plane (three nodes in either direction), for method 3
- * it need not. The radius must be 0 or above and, except for method 3, below both sides of the plane.
+ * of at least 50 x 50. The radius must be 0 or above. Except for method 3, which has limits of its own
+ * (lsc2d_calibration_beta()), step and radius must be below both sides of the plane: three nodes in either direction,
+ * and no tap mirrored out of it.
  *
- * Memory: methods 2 and 4 take no copy of the frame, only 20 bytes per node, 4 per table entry and a few hundred more;
- * 16 bytes per node stay allocated as for lsc2d_calibration_orvel(). Method 1 takes 24 bytes per table entry beside
- * what its generator takes.
+ * Memory: methods 2 and 4 take no copy of the frame and no planes, only 20 bytes per node, 4 per table entry, 4 per
+ * unit of radius and up to 16 per column of the centre cluster and the windows around it: 20 to 30 KB for 4000 x 3000
+ * pixels at a step of 64. Of these, 16 bytes per node stay allocated as for lsc2d_calibration_orvel(). Method 1 takes
+ * 24 bytes per table entry beside what its generator takes.
  *
  * @param raw   info->width x info->height samples, row by row; only read
  * @param info  the request; its four tables are written, each of lsc2d_table_size() entries for (info->width / 2) x
