@@ -25,6 +25,10 @@ Position last_sample_position(int32_t i, int32_t extent, int32_t step) {
     return at;
 }
 
+Row row_position(const Correction& c, int32_t y) {
+    return {y & 1, plain_position(y / 2, c.step), last_sample_position(y / 2, c.height / 2, c.step)};
+}
+
 uint16_t node(const Correction& correction, int32_t slot, int32_t column, int32_t row) {
     const int64_t index = int64_t{row} * correction.table_w + column;
     const int64_t last = int64_t{correction.table_w} * correction.table_h - 1;

@@ -7,6 +7,8 @@
 
 namespace zerklsc {
 
+constexpr uint16_t highest_sample = 1023;
+
 // A slot is a position in the 2 x 2 Bayer cell, 2 * (y & 1) + (x & 1) for pixel (x, y).
 struct Correction {
     const uint16_t* in;
@@ -33,6 +35,16 @@ Position plain_position(int32_t i, int32_t step);
 // The same, with a quirk of the hardware: where the extent is one more than a whole number of cells, the last
 // row or column counts as phase 1 of the cell before it instead of phase 0 of its own.
 Position last_sample_position(int32_t i, int32_t extent, int32_t step);
+
+// Where image row y stands between the grid rows.
+struct Row {
+    int32_t parity;
+    Position first;  // for the first four grid columns
+    Position refill; // for those that enter the strip later
+};
+
+// The quirk of the last row reaches the refills only: the hardware fills the first strip without it.
+Row row_position(const Correction& correction, int32_t y);
 
 // The gain of `slot` at a node. Some geometries name nodes that the table does not have: the index just goes
 // on into the next row, and stays at the first and the last node of the table.

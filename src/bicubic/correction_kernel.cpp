@@ -22,8 +22,6 @@ namespace {
 constexpr int32_t most_cells = 128;
 constexpr int32_t block_columns = most_cells + 3 + lanes;
 
-constexpr int32_t highest_sample = 1023;
-
 int32_t smaller_of(int32_t a, int32_t b) {
     return a < b ? a : b;
 }
@@ -90,8 +88,8 @@ void find_nodes(const Correction& c, int32_t slot, int32_t column, int32_t row, 
     }
 }
 
-// Gains of neighbouring grid columns on one image row, as 2 * gain + 1: the halves that all weights together
-// make of it round the sum of the horizontal pass.
+// Gains of neighbouring grid columns on one image row, as 2 * gain + 1. Taps sum to 1024, so that the 1 puts
+// half a unit on the sum of the horizontal pass: it is rounded without an addition.
 using Strip = uint16_t[block_columns];
 
 Words limited_gains(Sums low, Sums high) {
@@ -128,13 +126,6 @@ void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, 
     }
 }
 
-// Where an image row stands between the grid rows.
-struct Row {
-    int32_t parity;
-    Position first;  // for the first four grid columns
-    Position refill; // for all others
-};
-
 // Fills the strips of both pixels of a Bayer pair with `count` grid columns.
 void fill_strips(const Correction& c, const Row& row, int32_t column, int32_t count, Strip strips[2]) {
     for (int32_t side = 0; side < 2; ++side) {
@@ -161,7 +152,7 @@ Words corrected(Words samples, Words gains) {
     const Words low = samples * gains;
     const Words high = multiply_high(samples, gains);
     const Words product = (high << 6) + (((low >> 9) + 1) >> 1);
-    return product - saturating_subtract(product, Words{} + uint16_t{highest_sample});
+    return product - saturating_subtract(product, Words{} + highest_sample);
 }
 
 // Corrects `count` pixels, less than a vector. A whole one is written where the row has the room: beyond the
@@ -221,11 +212,8 @@ void correct_cells(const Correction& c) {
     lay_out_taps(c, taps);
     const uint16_t* in = c.in;
     uint16_t* out = c.out;
-    for (int32_t y = 0; y < c.height; ++y, in += c.width, out += c.width) {
-        const Row row{y & 1, plain_position(y / 2, c.step),
-                      last_sample_position(y / 2, c.height / 2, c.step)};
-        correct_row(c, taps, row, in, out);
-    }
+    for (int32_t y = 0; y < c.height; ++y, in += c.width, out += c.width)
+        correct_row(c, taps, row_position(c, y), in, out);
 }
 
 #endif

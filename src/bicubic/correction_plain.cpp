@@ -7,18 +7,9 @@
 namespace zerklsc {
 namespace {
 
-constexpr uint16_t highest_sample = 1023;
-
 // Gains of the four grid columns around a cell on one image row, for the slots of its even and odd pixels.
 struct Strip {
     uint16_t gain[2][4];
-};
-
-// Where a row stands between the grid rows.
-struct Row {
-    int32_t parity;
-    Position first;  // for the first four grid columns
-    Position refill; // for those that enter the strip later
 };
 
 uint16_t column_gain(const Correction& c, int32_t slot, int32_t column, Position at) {
@@ -67,12 +58,8 @@ void correct_row(const Correction& c, const Row& row, const uint16_t* in, uint16
 void correct_plain(const Correction& c) {
     const uint16_t* in = c.in;
     uint16_t* out = c.out;
-    for (int32_t y = 0; y < c.height; ++y, in += c.width, out += c.width) {
-        // The quirk of the last row reaches the refills only; the hardware fills the first strip without it.
-        const Row row{y & 1, plain_position(y / 2, c.step),
-                      last_sample_position(y / 2, c.height / 2, c.step)};
-        correct_row(c, row, in, out);
-    }
+    for (int32_t y = 0; y < c.height; ++y, in += c.width, out += c.width)
+        correct_row(c, row_position(c, y), in, out);
 }
 
 } // namespace zerklsc

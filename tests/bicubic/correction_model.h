@@ -14,16 +14,11 @@ struct CorrectionModel {
     CorrectionModel(bool vessal2_, size_t width_, size_t height_, size_t step_, Random& random)
         : vessal2(vessal2_), width(width_), height(height_), step(step_), table_w(extent(width / 2)) {
         const Spread spread = Spread(random.between(0, 2));
+        const auto shift = random.between(0, 2);
         in = random_samples(random, width * height, spread);
-        for (auto& table : tables) {
-            table = random_samples(random, table_w * extent(height / 2), spread);
-            if (random.between(0, 1) == 0)
-                for (uint16_t& gain : table)
-                    gain = usual_gain(gain);
-        }
-        const auto s = static_cast<int64_t>(step);
-        for (int64_t phase = 0; phase < s; ++phase)
-            taps.push_back(vessal2 ? reference_taps(s, phase) : reference_taps(64, 64 / s * phase));
+        for (auto& table : tables)
+            for (uint16_t gain : random_samples(random, table_w * extent(height / 2), spread))
+                table.push_back(static_cast<uint16_t>(gain >> shift));
     }
 
     std::vector<uint16_t> corrected() const {
@@ -51,7 +46,7 @@ struct CorrectionModel {
         std::array<int64_t, 4> across;
         for (size_t k = 0; k < 4; ++k)
             across[k] = column(x / 2 / step + k, x % 2, y);
-        return reference_cubic(across, taps[last ? 1 : x / 2 % step]);
+        return interpolated(across, last ? 1 : x / 2 % step);
     }
 
     // The vertical pass. Only columns that enter the strip by a refill see the quirk of the last row.
@@ -63,10 +58,14 @@ struct CorrectionModel {
             const size_t row = y / 2 / step + k, index = row * table_w + i;
             down[k] = table[last && index < table_w ? 0 : std::min(index - last * table_w, table.size() - 1)];
         }
-        return reference_cubic(down, taps[last ? 1 : y / 2 % step]);
+        return interpolated(down, last ? 1 : y / 2 % step);
     }
 
-    std::vector<ReferenceTaps> taps;
+    uint16_t interpolated(const std::array<int64_t, 4>& p, size_t phase) const {
+        const size_t cell = vessal2 ? step : 64;
+        return reference_cubic(p, static_cast<int64_t>(cell),
+                               static_cast<int64_t>(phase * (vessal2 ? 1 : 64 / step)));
+    }
 };
 
 } // namespace zerklsc::testing

@@ -20,29 +20,15 @@ inline std::array<int64_t, 3> reference_row(int64_t step, int64_t i) {
     return row;
 }
 
-// The row of a phase, read backwards from the other end above the middle of the cell.
-struct ReferenceTaps {
-    std::array<int64_t, 3> row;
-    bool mirrored;
-};
-
-inline ReferenceTaps reference_taps(int64_t step, int64_t phase) {
-    const bool mirrored = 2 * phase > step;
-    return {reference_row(step, mirrored ? step - phase : phase), mirrored};
-}
-
-// A gain as tables hold them, and a little beyond.
-inline uint16_t usual_gain(uint16_t any) {
-    return static_cast<uint16_t>(900 + any % 16500);
-}
-
-inline uint16_t reference_cubic(std::array<int64_t, 4> p, const ReferenceTaps& taps) {
-    if (taps.mirrored)
-        std::reverse(p.begin(), p.end());
+// A phase above the middle of the cell is the mirror image of one below.
+inline uint16_t reference_cubic(const std::array<int64_t, 4>& p, int64_t step, int64_t phase) {
+    if (2 * phase > step)
+        return reference_cubic({p[3], p[2], p[1], p[0]}, step, step - phase);
+    const auto row = reference_row(step, phase);
     int64_t sum = 512 + 1024 * p[3];
     // A difference counts as the nearest value to zero with the same 16 low bits.
     for (size_t k = 0; k < 3; ++k)
-        sum += ((p[k] - p[3] + 3 * 32768) % 65536 - 32768) * taps.row[k];
+        sum += ((p[k] - p[3] + 3 * 32768) % 65536 - 32768) * row[k];
     return static_cast<uint16_t>(std::clamp<int64_t>(sum, 1024 * 1024, 16383 * 1024) / 1024);
 }
 
