@@ -1,0 +1,166 @@
+// zerklsc calibrate: gain tables from a flat field
+#include <fmt/format.h>
+
+#include "commands.h"
+#include "commands/raw_options.h"
+#include "commands/report.h"
+#include "imaging/calibration.h"
+#include "imaging/exposure.h"
+#include "imaging/levels.h"
+#include "io/output_set.h"
+#include "io/table_json.h"
+#include "io/table_text.h"
+#include "terminal.h"
+#include "zerklsc.h"
+
+namespace zerklsc::tool {
+namespace {
+
+struct Options {
+    RawOptions raw;
+    CalibrationSettings settings;
+    std::string algorithm = "orvel";
+    double clip_limit = 0.1;
+    std::string output, text;
+    bool json = false;
+};
+
+struct Channel {
+    Colour colour;
+    PlaneLevels levels; // before correction
+    double largest_gain;
+};
+
+using Channels = std::vector<Channel>;
+
+BlackLevel black_or_warning(const RawFrame& frame) {
+    if (!frame.black)
+        warn(fmt::format("{}: the black level is not known: 0 is taken (--black-level says another)", frame.name));
+    return black_level_of(frame, {});
+}
+
+Channels measure(const RawFrame& light, const GainTables& tables) {
+    Channels channels;
+    const int blocks = std::min(usual_blocks, std::min(light.width, light.height) / 2);
+    for (const Colour colour : all_colours) {
+        const int plane = plane_of_colour(tables.pattern, colour);
+        channels.push_back({colour, measure_plane(light, plane, blocks), tables.largest_gain(plane)});
+    }
+    return channels;
+}
+
+void warn_about_gains(const std::string& name, const GainTables& tables) {
+    // Noise alone takes a node at the brightest place one percent below unity.
+    constexpr int clearly_below_unity = ZERKLSC_UNITY_GAIN * 98 / 100;
+    int below = 0, capped = 0;
+    for (const auto& gains : tables.gains)
+        for (int j = 1; j + 1 < tables.table_height; ++j)
+            for (int i = 1; i + 1 < tables.table_width; ++i) {
+                const int gain = gains[static_cast<size_t>(j * tables.table_width + i)];
+                below += gain < clearly_below_unity ? 1 : 0;
+                capped += gain >= ZERKLSC_HIGHEST_GAIN ? 1 : 0;
+            }
+    if (below > 0)
+        warn(fmt::format("{}: {} nodes have gains below 1.0, which both ISPs raise to 1.0: the frame is brighter away "
+                         "from its centre",
+                         name, below));
+    if (capped > 0)
+        warn(fmt::format("{}: {} nodes need the highest gain of 16.0 or more: raise the exposure", name, capped));
+}
+
+void print_text(const RawFrame& frame, const GainTables& tables, const Channels& channels) {
+    fmt::print("{}algorithm {} ({}), step {}, radius {}, shading {} %, tables of {} x {}\n",
+               describe(frame, tables.pattern, tables.black), tables.algorithm, algorithm_name(tables.algorithm),
+               tables.step, tables.filter_radius, tables.shading_percent, tables.table_width, tables.table_height);
+    std::vector<std::vector<std::string>> rows{{"channel", "centre", "corner/centre", "largest gain"}};
+    for (const auto& [colour, levels, gain] : channels)
+        rows.push_back({name_of(colour), fmt::format("{:.1f}", levels.centre()), percent(levels.corner_to_centre()),
+                        fmt::format("{:.3f}", gain)});
+    fmt::print("{}", text_table(rows));
+}
+
+void print_json(const RawFrame& frame, const GainTables& tables, const Channels& channels) {
+    nlohmann::ordered_json report{{"frame", frame.name},
+                                  {"size", {frame.width, frame.height}},
+                                  {"bayer_pattern", name_of(tables.pattern)},
+                                  {"bit_depth", tables.bits},
+                                  {"black_level", tables.black},
+                                  {"algorithm", tables.algorithm},
+                                  {"step", tables.step},
+                                  {"filter_radius", tables.filter_radius},
+                                  {"shading_percent", tables.shading_percent},
+                                  {"table_size", {tables.table_width, tables.table_height}},
+                                  {"channels", nlohmann::ordered_json::array()}};
+    for (const auto& [colour, levels, gain] : channels)
+        report["channels"].push_back({{"colour", name_of(colour)},
+                                      {"centre", rounded(levels.centre())},
+                                      {"corner_to_centre", rounded(levels.corner_to_centre())},
+                                      {"largest_gain", rounded(gain)}});
+    fmt::print("{}\n", report.dump(2));
+}
+
+void write_tables(const Options& options, const GainTables& tables) {
+    OutputSet outputs;
+    outputs.add(options.output, encode_table_json(tables));
+    if (!options.text.empty())
+        outputs.add(options.text, encode_table_text(tables));
+    outputs.commit();
+}
+
+void run(const Options& options) {
+    CalibrationSettings settings = options.settings;
+    settings.algorithm = algorithm_from(options.algorithm);
+    const RawFrame frame = read_raw(options.raw);
+    const BayerPattern pattern = pattern_or_warning(frame);
+    const BlackLevel black = black_or_warning(frame);
+    check_exposure(frame, pattern, black, options.clip_limit);
+    RawFrame light = frame;
+    subtract_black(light, black);
+
+    const GainTables tables = [&] {
+        const Progress progress("calibrating " + frame.name);
+        return calibrate(light, pattern, black, settings);
+    }();
+    warn_about_gains(frame.name, tables);
+    write_tables(options, tables);
+    const Channels channels = measure(light, tables);
+    if (options.json)
+        print_json(frame, tables, channels);
+    else
+        print_text(frame, tables, channels);
+}
+
+} // namespace
+
+void add_calibrate(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    CalibrationSettings& s = options->settings;
+    CLI::App* command = app.add_subcommand("calibrate", "Make gain tables from a flat-field capture");
+    add_raw_options(*command, options->raw, "flat");
+    command->add_option("-o,--output", options->output, "table file to write (JSON)")->required();
+    command->add_option("--text", options->text, "also write the four tables as plain text, in plane order");
+    command->add_option("--algorithm", options->algorithm,
+                        "0 halvane, 1 orvel-otp, 2 orvel, 3 beta, 4 orvel-weights, by number or name")
+        ->capture_default_str();
+    command->add_option("--step", s.step, "node spacing in plane samples (half the pixels of the frame)")
+        ->check(CLI::Range(smallest_step, largest_step))
+        ->capture_default_str();
+    command->add_option("--radius", s.radius, "radius of the averaging window in plane samples")
+        ->check(CLI::Range(0, 90))
+        ->capture_default_str();
+    command->add_option("--shading", s.shading_percent, "correction kept at the corners, percent; 100 corrects fully")
+        ->check(CLI::Range(1, 100))
+        ->capture_default_str();
+    command->add_option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
+        ->check(CLI::Range(0.0, 100.0))
+        ->capture_default_str();
+    command->add_flag("--json", options->json, "print JSON");
+    command->footer("Algorithms 0 to 3 are for the tvessa2 ISP, 4 for vessal2. Algorithms 0 and 1 take 10-bit samples:\n"
+                    "they see deeper captures scaled to 10 bits.\n\n"
+                    "Example:\n"
+                    "  zerklsc simulate -o flat.pgm\n"
+                    "  zerklsc calibrate flat.pgm -o tables.json --text tables.txt");
+    command->callback([options] { run(*options); });
+}
+
+} // namespace zerklsc::tool

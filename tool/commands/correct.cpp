@@ -1,0 +1,86 @@
+// zerklsc correct: a frame as the ISP would deliver it
+#include <fmt/format.h>
+
+#include "commands.h"
+#include "commands/raw_options.h"
+#include "failure.h"
+#include "imaging/correction.h"
+#include "io/output_set.h"
+#include "io/table_json.h"
+#include "terminal.h"
+
+namespace zerklsc::tool {
+namespace {
+
+constexpr int isp_bits = 10;
+
+struct Options {
+    RawOptions raw;
+    std::string tables, output, isp;
+    bool restore_black = false;
+    bool scale = false;
+};
+
+// The tables' black level at the depth of the frame.
+BlackLevel black_level_at(const GainTables& tables, int bits) {
+    BlackLevel black = tables.black;
+    for (int& level : black)
+        level = bits >= tables.bits ? level << (bits - tables.bits) : level >> (tables.bits - bits);
+    return black;
+}
+
+// A frame that the ISP can take.
+void bring_to_10_bits(RawFrame& frame, bool scale) {
+    if (frame.bits > isp_bits && !scale)
+        data_failure("{}: has {}-bit samples, and the ISP corrects 10-bit samples: pass --scale to correct them scaled "
+                     "to 10 bits",
+                     frame.name, frame.bits);
+    scale_to_10_bits(frame);
+}
+
+void run(const Options& options) {
+    const GainTables tables = read_table_json(options.tables);
+    const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
+    RawFrame frame = read_raw(options.raw);
+    frame.black = black_level_of(frame, black_level_at(tables, frame.bits));
+    bring_to_10_bits(frame, options.scale);
+    if (!frame.pattern)
+        frame.pattern = tables.pattern;
+    if (frame.pattern != tables.pattern)
+        data_failure("{}: is for the Bayer pattern {}, but {} is {}: take the tables of this module and orientation",
+                     options.tables, name_of(tables.pattern), frame.name, name_of(*frame.pattern));
+    const BlackLevel black = *frame.black;
+    {
+        const Progress progress("correcting " + frame.name);
+        subtract_black(frame, black);
+        correct(frame, tables, options.tables, isp);
+        if (options.restore_black)
+            add_black(frame, black);
+        write_file(options.output, encode_raw_frame(options.output, frame, frame.name));
+    }
+    fmt::print("{}: corrected for {}, black level {} taken off{}\n", options.output, name_of(isp), text_of(black),
+               options.restore_black ? " and put back" : "");
+}
+
+} // namespace
+
+void add_correct(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("correct", "Correct a frame with gain tables exactly as the ISP does");
+    add_raw_options(*command, options->raw, "raw");
+    command->add_option("--tables", options->tables, "table file of zerklsc calibrate")->required();
+    command->add_option("-o,--output", options->output, "frame to write, in the form of the input or by its extension")
+        ->required();
+    command->add_option("--isp", options->isp, "tvessa2 or vessal2 (default: the one that the tables were made for)");
+    command->add_flag("--restore-black", options->restore_black, "put the black level back after the correction");
+    command->add_flag("--scale", options->scale, "scale samples deeper than 10 bits to 10 bits");
+    command->footer("The result has 10-bit samples, as the ISP's. A black level that neither --black-level nor the frame\n"
+                    "names is that of the tables.\n\n"
+                    "Example:\n"
+                    "  zerklsc simulate -o flat.pgm\n"
+                    "  zerklsc calibrate flat.pgm -o tables.json\n"
+                    "  zerklsc correct flat.pgm --tables tables.json --restore-black -o corrected.pgm");
+    command->callback([options] { run(*options); });
+}
+
+} // namespace zerklsc::tool

@@ -1,0 +1,98 @@
+// zerklsc measure: how flat a frame is
+#include <fmt/format.h>
+
+#include "commands.h"
+#include "commands/raw_options.h"
+#include "commands/report.h"
+#include "failure.h"
+#include "imaging/levels.h"
+
+namespace zerklsc::tool {
+namespace {
+
+struct Options {
+    RawOptions raw;
+    int blocks = usual_blocks;
+    double limit = 0; // percent; 0: none
+    bool json = false;
+};
+
+struct Channel {
+    Colour colour;
+    PlaneLevels levels;
+};
+
+using Channels = std::vector<Channel>;
+
+void print_text(const Channels& channels, int blocks) {
+    std::vector<std::vector<std::string>> rows{{"channel", "mean", "centre", "corner/centre", "flatness"}};
+    for (const auto& [colour, levels] : channels)
+        rows.push_back({name_of(colour), fmt::format("{:.2f}", levels.mean), fmt::format("{:.2f}", levels.centre()),
+                        percent(levels.corner_to_centre()), percent(levels.flatness())});
+    fmt::print("{}flatness: largest deviation of a block from the channel's mean, {} x {} blocks\n", text_table(rows),
+               blocks, blocks);
+}
+
+void print_json(const RawFrame& frame, const BlackLevel& black, const Channels& channels, int blocks) {
+    nlohmann::ordered_json report{{"frame", frame.name},
+                                  {"size", {frame.width, frame.height}},
+                                  {"black_level", black},
+                                  {"blocks", blocks},
+                                  {"channels", nlohmann::ordered_json::array()}};
+    for (const auto& [colour, levels] : channels)
+        report["channels"].push_back({{"colour", name_of(colour)},
+                                      {"mean", rounded(levels.mean)},
+                                      {"centre", rounded(levels.centre())},
+                                      {"corner_to_centre", rounded(levels.corner_to_centre())},
+                                      {"flatness", rounded(levels.flatness())}});
+    fmt::print("{}\n", report.dump(2));
+}
+
+void check_limit(const RawFrame& frame, const Channels& channels, double limit) {
+    for (const auto& [colour, levels] : channels)
+        if (100 * levels.flatness() > limit)
+            data_failure("{}: {} deviates by {} from flat (limit {} %)", frame.name, name_of(colour),
+                         percent(levels.flatness()), limit);
+}
+
+void run(const Options& options) {
+    RawFrame frame = read_raw(options.raw);
+    if (std::min(frame.width, frame.height) / 2 < options.blocks)
+        data_failure("{}: planes of {} x {} samples cannot be divided into {} x {} blocks: give a smaller --blocks",
+                     frame.name, frame.width / 2, frame.height / 2, options.blocks, options.blocks);
+    const BayerPattern pattern = pattern_or_warning(frame);
+    const BlackLevel black = black_level_of(frame, {});
+    subtract_black(frame, black);
+    Channels channels;
+    for (const Colour colour : all_colours)
+        channels.push_back({colour, measure_plane(frame, plane_of_colour(pattern, colour), options.blocks)});
+    if (options.json) {
+        print_json(frame, black, channels, options.blocks);
+    } else {
+        fmt::print("{}", describe(frame, pattern, black));
+        print_text(channels, options.blocks);
+    }
+    if (options.limit > 0)
+        check_limit(frame, channels, options.limit);
+}
+
+} // namespace
+
+void add_measure(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("measure", "Measure corner-to-centre ratio and flatness of a frame");
+    add_raw_options(*command, options->raw, "frame");
+    command->add_option("--blocks", options->blocks, "blocks in each direction")
+        ->check(CLI::Range(3, 1001))
+        ->capture_default_str();
+    command->add_option("--limit", options->limit, "exit with 1 when a channel is less flat than this, percent")
+        ->check(CLI::Range(0.0, 100.0));
+    command->add_flag("--json", options->json, "print JSON");
+    command->footer("corner/centre: mean of the four corner blocks over the centre block, black level taken off.\n\n"
+                    "Example:\n"
+                    "  zerklsc simulate -o flat.pgm\n"
+                    "  zerklsc measure flat.pgm --json");
+    command->callback([options] { run(*options); });
+}
+
+} // namespace zerklsc::tool

@@ -1,0 +1,48 @@
+// pattern_or_warning, describe, text_table, percent, rounded
+#include "commands/report.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <fmt/format.h>
+
+#include "terminal.h"
+
+namespace zerklsc::tool {
+
+BayerPattern pattern_or_warning(const RawFrame& frame) {
+    if (frame.pattern)
+        return *frame.pattern;
+    warn(fmt::format("{}: the Bayer pattern is not known: RGGB is taken (--pattern says another)", frame.name));
+    return BayerPattern::rggb;
+}
+
+std::string describe(const RawFrame& frame, BayerPattern pattern, const BlackLevel& black) {
+    return fmt::format("{}: {} x {}, {}, {} bits, black level {}\n", frame.name, frame.width, frame.height,
+                       name_of(pattern), frame.bits, text_of(black));
+}
+
+std::string text_table(const std::vector<std::vector<std::string>>& rows) {
+    std::vector<size_t> widths(rows.front().size());
+    for (const auto& row : rows)
+        for (size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size());
+    std::string text;
+    for (const auto& row : rows) {
+        text += fmt::format("{:<{}}", row[0], widths[0]);
+        for (size_t i = 1; i < row.size(); ++i)
+            text += fmt::format("  {:>{}}", row[i], widths[i]);
+        text += '\n';
+    }
+    return text;
+}
+
+std::string percent(double fraction) {
+    return fmt::format("{:.2f} %", 100 * fraction);
+}
+
+double rounded(double value) {
+    return std::round(value * 1e4) / 1e4;
+}
+
+} // namespace zerklsc::tool

@@ -1,0 +1,20 @@
+// Gain tables from a flat field.
+#pragma once
+
+#include "imaging/gain_tables.h"
+
+namespace zerklsc::tool {
+
+struct CalibrationSettings {
+    int algorithm = 2; // ZERKLSC_ALGORITHM_ORVEL
+    int step = 64;
+    int radius = 8;
+    int shading_percent = 100;
+};
+
+// Runs the algorithm on a frame whose black level `black` has been taken off. Algorithms 0 and 1 take 10-bit samples:
+// they see a deeper frame scaled to 10 bits. Throws a data failure when the frame and the settings do not go together.
+GainTables calibrate(const RawFrame& flat, BayerPattern pattern, const BlackLevel& black,
+                     const CalibrationSettings& settings);
+
+} // namespace zerklsc::tool

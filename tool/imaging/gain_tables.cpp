@@ -1,0 +1,48 @@
+// GainTables, algorithm_name, algorithm_from
+#include "imaging/gain_tables.h"
+
+#include <algorithm>
+
+#include "failure.h"
+#include "zerklsc.h"
+
+namespace zerklsc::tool {
+namespace {
+
+// By number: ZERKLSC_ALGORITHM_HALVANE and the following.
+constexpr std::array<const char*, 5> names{"halvane", "orvel-otp", "orvel", "beta", "orvel-weights"};
+
+} // namespace
+
+void GainTables::resize() {
+    lsc2d_table_size(plane_width(), plane_height(), step, step, &table_width, &table_height);
+    for (auto& table : gains)
+        table.assign(table_size(), 0);
+}
+
+std::array<uint16_t*, 4> GainTables::pointers() {
+    return {gains[0].data(), gains[1].data(), gains[2].data(), gains[3].data()};
+}
+
+double GainTables::largest_gain(int plane) const {
+    int largest = 0;
+    for (int j = 1; j + 1 < table_height; ++j)
+        for (int i = 1; i + 1 < table_width; ++i)
+            largest = std::max(largest, int{gains[static_cast<size_t>(plane)][static_cast<size_t>(j * table_width + i)]});
+    return largest / double{ZERKLSC_UNITY_GAIN};
+}
+
+const char* algorithm_name(int algorithm) {
+    return names[static_cast<size_t>(algorithm)];
+}
+
+int algorithm_from(const std::string& text) {
+    for (size_t i = 0; i < names.size(); ++i)
+        if (text == names[i] || text == std::to_string(i))
+            return static_cast<int>(i);
+    usage_failure("--algorithm: {} is not known: expected 0 or halvane, 1 or orvel-otp, 2 or orvel, 3 or beta, 4 or "
+                  "orvel-weights",
+                  text);
+}
+
+} // namespace zerklsc::tool

@@ -1,0 +1,187 @@
+// encode_table_json, read_table_json
+#include "io/table_json.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <nlohmann/json.hpp>
+
+#include "failure.h"
+#include "io/input_file.h"
+
+namespace zerklsc::tool {
+namespace {
+
+using nlohmann::json;
+
+constexpr const char* format_name = "zerklsc-tables";
+constexpr int format_version = 1;
+
+// One grid row a line, so that people can read the tables and compare two files.
+std::string encode_table(const GainTables& tables, int plane) {
+    std::string rows;
+    const auto& gains = tables.gains[static_cast<size_t>(plane)];
+    for (int j = 0; j < tables.table_height; ++j) {
+        const auto row = gains.begin() + j * tables.table_width;
+        rows += fmt::format("{}        [{}]", j == 0 ? "" : ",\n", fmt::join(row, row + tables.table_width, ", "));
+    }
+    return fmt::format("    {{\n      \"plane\": {},\n      \"colour\": \"{}\",\n      \"gains\": [\n{}\n      ]\n    }}",
+                       plane, name_of(colour_of_plane(tables.pattern, plane)), rows);
+}
+
+// Looks fields up in one file, and names the file and the field when they are not as they must be.
+class Reader {
+  public:
+    Reader(const std::string& path, const json& object) : path_(path), object_(object) {}
+
+    const json& field(const char* name) const {
+        if (!object_.is_object() || !object_.contains(name))
+            data_failure("{}: has no \"{}\": expected a table file as zerklsc calibrate writes it", path_, name);
+        return object_[name];
+    }
+
+    int integer(const char* name, int lowest, int highest) const {
+        return integer_of(field(name), name, lowest, highest);
+    }
+
+    std::string text(const char* name) const {
+        if (!field(name).is_string())
+            data_failure("{}: \"{}\" is not a text", path_, name);
+        return field(name).get<std::string>();
+    }
+
+    template <size_t N>
+    std::array<int, N> integers(const char* name, int lowest, int highest) const {
+        const json& list = field(name);
+        if (!list.is_array() || list.size() != N)
+            data_failure("{}: \"{}\" is not a list of {} numbers", path_, name, N);
+        std::array<int, N> values{};
+        for (size_t i = 0; i < N; ++i)
+            values[i] = integer_of(list[i], name, lowest, highest);
+        return values;
+    }
+
+    int integer_of(const json& value, const char* name, int lowest, int highest) const {
+        const bool integer = value.is_number_integer();
+        const int64_t number = integer ? value.get<int64_t>() : 0;
+        if (!integer || number < lowest || number > highest)
+            data_failure("{}: \"{}\" holds {}, which is not a whole number from {} to {}", path_, name, value.dump(),
+                         lowest, highest);
+        return static_cast<int>(number);
+    }
+
+    const std::string& path() const { return path_; }
+
+  private:
+    const std::string& path_;
+    const json& object_;
+};
+
+json parse(const std::string& path) {
+    const std::string bytes = read_file(path);
+    json object = json::parse(bytes, nullptr, false);
+    if (object.is_discarded())
+        data_failure("{}: is not valid JSON: expected a table file as zerklsc calibrate writes it", path);
+    return object;
+}
+
+void check_version(const Reader& reader) {
+    if (reader.text("format") != format_name)
+        data_failure("{}: is of format \"{}\", not \"{}\"", reader.path(), reader.text("format"), format_name);
+    const int version = reader.integer("version", 1, std::numeric_limits<int>::max());
+    if (version != format_version)
+        data_failure("{}: is a table file of version {}, and this tool reads version {}: use the tool that wrote it",
+                     reader.path(), version, format_version);
+}
+
+GainTables read_header(const Reader& reader) {
+    GainTables tables;
+    const auto raw_size = reader.integers<2>("raw_size", 2, 65534);
+    tables.raw_width = raw_size[0];
+    tables.raw_height = raw_size[1];
+    tables.step = reader.integer("step", smallest_step, largest_step);
+    tables.algorithm = reader.integer("algorithm", 0, 4);
+    tables.filter_radius = reader.integer("filter_radius", 0, 65535);
+    tables.shading_percent = reader.integer("shading_percent", 0, 65535);
+    const auto pattern = bayer_pattern_from(reader.text("bayer_pattern"));
+    if (!pattern)
+        data_failure("{}: \"bayer_pattern\" holds \"{}\", which is not RGGB, GRBG, GBRG or BGGR", reader.path(),
+                     reader.text("bayer_pattern"));
+    tables.pattern = *pattern;
+    tables.black = reader.integers<4>("black_level", 0, 65535);
+    tables.bits = reader.integer("bit_depth", 9, 16);
+    tables.resize();
+    const auto size = reader.integers<2>("table_size", 1, std::numeric_limits<int>::max());
+    if (size[0] != tables.table_width || size[1] != tables.table_height)
+        data_failure("{}: tables of {} x {} do not go with frames of {} x {} and step {}, which need {} x {}",
+                     reader.path(), size[0], size[1], tables.raw_width, tables.raw_height, tables.step,
+                     tables.table_width, tables.table_height);
+    return tables;
+}
+
+void read_gains(const std::string& path, const json& rows, GainTables& tables, size_t plane) {
+    const Reader reader(path, rows);
+    const auto width = static_cast<size_t>(tables.table_width);
+    const auto height = static_cast<size_t>(tables.table_height);
+    if (!rows.is_array() || rows.size() != height)
+        data_failure("{}: the gains of plane {} are not {} rows", path, plane, height);
+    for (size_t j = 0; j < height; ++j) {
+        if (!rows[j].is_array() || rows[j].size() != width)
+            data_failure("{}: row {} of plane {} does not hold {} gains", path, j, plane, width);
+        for (size_t i = 0; i < width; ++i)
+            tables.gains[plane][j * width + i] =
+                static_cast<uint16_t>(reader.integer_of(rows[j][i], "gains", 0, 65535));
+    }
+}
+
+} // namespace
+
+std::string encode_table_json(const GainTables& tables) {
+    std::string planes;
+    for (int plane = 0; plane < 4; ++plane)
+        planes += (plane == 0 ? "" : ",\n") + encode_table(tables, plane);
+    return fmt::format(R"({{
+  "format": "{}",
+  "version": {},
+  "raw_size": [{}, {}],
+  "plane_size": [{}, {}],
+  "step": {},
+  "table_size": [{}, {}],
+  "algorithm": {},
+  "algorithm_name": "{}",
+  "filter_radius": {},
+  "shading_percent": {},
+  "bayer_pattern": "{}",
+  "black_level": [{}],
+  "bit_depth": {},
+  "tables": [
+{}
+  ]
+}}
+)",
+                       format_name, format_version, tables.raw_width, tables.raw_height, tables.plane_width(),
+                       tables.plane_height(), tables.step, tables.table_width, tables.table_height, tables.algorithm,
+                       algorithm_name(tables.algorithm), tables.filter_radius, tables.shading_percent,
+                       name_of(tables.pattern), fmt::join(tables.black, ", "), tables.bits, planes);
+}
+
+GainTables read_table_json(const std::string& path) {
+    const json object = parse(path);
+    const Reader reader(path, object);
+    check_version(reader);
+    GainTables tables = read_header(reader);
+    const json& planes = reader.field("tables");
+    if (!planes.is_array() || planes.size() != tables.gains.size())
+        data_failure("{}: does not hold four tables", path);
+    for (size_t i = 0; i < planes.size(); ++i) {
+        const Reader entry(path, planes[i]);
+        // The planes stand in order, so that a file with two tables exchanged does not pass unnoticed.
+        entry.integer("plane", static_cast<int>(i), static_cast<int>(i));
+        read_gains(path, entry.field("gains"), tables, i);
+    }
+    return tables;
+}
+
+} // namespace zerklsc::tool
