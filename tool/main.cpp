@@ -39,7 +39,10 @@ int run(CLI::App& app, int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0)
             return app.exit(error);
-        fmt::print(stderr, "{}: {} (see {} --help)\n", command_of(app), first_line(error.what()), command_of(app));
+        // Of a word that is no command, CLI11 only says that a command is missing.
+        const bool unknown = argc > 1 && argv[1][0] != '-' && app.get_subcommands().empty();
+        const std::string what = unknown ? fmt::format("{} is not a command", argv[1]) : first_line(error.what());
+        fmt::print(stderr, "{}: {} (see {} --help)\n", command_of(app), what, command_of(app));
         return exit_usage;
     }
     return exit_success;

@@ -1,5 +1,196 @@
-// zerklsc preview: a picture of what the lens does to a frame, and of what is left after correction
+// zerklsc preview: a picture of what the lens does to a frame, and of what a correction leaves
+#include <cmath>
+
+#include <fmt/format.h>
+
 #include "commands.h"
+#include "commands/raw_options.h"
+#include "commands/report.h"
+#include "failure.h"
+#include "imaging/correction.h"
+#include "imaging/levels.h"
+#include "io/output_set.h"
+#include "io/table_json.h"
+#include "preview/png.h"
+#include "preview/sheet.h"
+#include "terminal.h"
+
 namespace zerklsc::tool {
-void add_preview(CLI::App&) {}
+namespace {
+
+struct Options {
+    RawOptions raw;
+    std::string tables, corrected, corrected_black, isp, output;
+};
+
+// One frame of the sheet, black level taken off.
+struct Shown {
+    RawFrame frame;
+    BayerPattern pattern;
+    std::array<Field, 4> fields; // brightness by colour
+};
+
+Shown show(RawFrame frame, BayerPattern pattern, PanelSize size) {
+    Shown shown{std::move(frame), pattern, {}};
+    for (size_t i = 0; i < all_colours.size(); ++i)
+        shown.fields[i] =
+            brightness_field(shown.frame, plane_of_colour(pattern, all_colours[i]), size.width, size.height);
+    return shown;
 }
+
+std::vector<std::string> labels_between(double low, double high, int count, const char* format) {
+    std::vector<std::string> labels;
+    for (int i = 0; i < count; ++i)
+        labels.push_back(fmt::format(fmt::runtime(format), low + (high - low) * i / (count - 1)));
+    return labels;
+}
+
+PlaneLevels levels_of(const Shown& shown, size_t colour) {
+    const int blocks = std::min(usual_blocks, std::min(shown.frame.width, shown.frame.height) / 2);
+    return measure_plane(shown.frame, plane_of_colour(shown.pattern, all_colours[colour]), blocks);
+}
+
+// Each channel in percent of its brightest place. `low` is the lower end of the scale.
+PanelRow illumination_row(const std::string& title, const Shown& shown, double low) {
+    PanelRow row;
+    row.title = title;
+    row.low = low;
+    row.high = 100;
+    row.contour = 10;
+    row.labels = labels_between(low, 100, static_cast<int>((100 - low) / 10) + 1, "{:.0f} %");
+    for (size_t i = 0; i < all_colours.size(); ++i) {
+        const double top = shown.fields[i].largest();
+        const PlaneLevels levels = levels_of(shown, i);
+        row.panels[i] = {shown.fields[i].scaled(top > 0 ? 100 / top : 0),
+                         fmt::format("{}  corner/centre {:.1f} %", name_of(all_colours[i]),
+                                     100 * levels.corner_to_centre())};
+    }
+    return row;
+}
+
+// The scale that shows the darkest corner and ends at a round number.
+double lowest_percent(const Shown& shown) {
+    double low = 1;
+    for (const Field& field : shown.fields)
+        low = std::min(low, field.largest() > 0 ? field.smallest() / field.largest() : 0);
+    return std::min(std::floor(low * 10) * 10, 90.0);
+}
+
+PanelRow gain_row(const GainTables& tables, PanelSize size) {
+    PanelRow row;
+    row.title = fmt::format("gain of the tables ({}, step {})", algorithm_name(tables.algorithm), tables.step);
+    double highest = 1;
+    for (size_t i = 0; i < all_colours.size(); ++i) {
+        const int plane = plane_of_colour(tables.pattern, all_colours[i]);
+        row.panels[i] = {gain_field(tables, plane, size.width, size.height),
+                         fmt::format("{}  largest gain {:.2f}", name_of(all_colours[i]), tables.largest_gain(plane))};
+        highest = std::max(highest, tables.largest_gain(plane));
+    }
+    row.low = 1;
+    row.high = 1 + std::max(std::ceil((highest - 1) * 2), 1.0) / 2;
+    row.contour = (row.high - row.low) / 8;
+    row.labels = labels_between(row.low, row.high, 5, "{:.2f}");
+    return row;
+}
+
+// The deviation of each channel from its mean, on the narrowest usual scale that holds it.
+PanelRow residual_row(const std::string& title, const Shown& shown) {
+    PanelRow row;
+    std::array<Field, 4> deviations;
+    double largest = 0;
+    for (size_t i = 0; i < all_colours.size(); ++i) {
+        Field& field = deviations[i] = shown.fields[i];
+        const double mean = field.mean();
+        for (double& v : field.values) {
+            v = mean > 0 ? 100 * (v / mean - 1) : 0;
+            largest = std::max(largest, std::abs(v));
+        }
+    }
+    double reach = 100;
+    for (const double narrower : {50.0, 20.0, 10.0, 5.0, 2.0, 1.0})
+        reach = largest <= narrower ? narrower : reach;
+    row.title = fmt::format("{}: deviation from the channel's mean, {} % either way", title, reach);
+    row.low = -reach;
+    row.high = reach;
+    row.deviation = true;
+    row.labels = labels_between(-reach, reach, 5, "{:+.1f} %");
+    for (size_t i = 0; i < all_colours.size(); ++i)
+        row.panels[i] = {std::move(deviations[i]), fmt::format("{}  flat to {:.2f} %", name_of(all_colours[i]),
+                                                               100 * levels_of(shown, i).flatness())};
+    return row;
+}
+
+// The frame that was corrected elsewhere, in the same geometry.
+RawFrame read_corrected(const Options& options, const RawFrame& before) {
+    RawOptions raw = options.raw;
+    raw.path = options.corrected;
+    raw.black = options.corrected_black;
+    RawFrame frame = read_raw(raw);
+    if (frame.width != before.width || frame.height != before.height)
+        data_failure("{}: is {} x {}, but {} is {} x {}: give the corrected form of the same frame", frame.name,
+                     frame.width, frame.height, before.name, before.width, before.height);
+    subtract_black(frame, black_level_of(frame, {}));
+    return frame;
+}
+
+Canvas draw(const Options& options) {
+    RawFrame frame = read_raw(options.raw);
+    const BayerPattern pattern = pattern_or_warning(frame);
+    const BlackLevel black = black_level_of(frame, {});
+    std::vector<std::string> heading{describe(frame, pattern, black)};
+    heading[0].pop_back();
+    subtract_black(frame, black);
+    const PanelSize size = panel_size(frame.width, frame.height);
+    const Shown before = show(frame, pattern, size);
+    const double low = lowest_percent(before);
+    std::vector<PanelRow> rows{illumination_row("before: relative illumination", before, low)};
+    std::string how = "after";
+    if (!options.tables.empty()) {
+        const GainTables tables = read_table_json(options.tables);
+        const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
+        scale_to_10_bits(frame);
+        correct(frame, tables, options.tables, isp);
+        rows.push_back(gain_row(tables, size));
+        how = fmt::format("after {}", name_of(isp));
+        heading.push_back(fmt::format("corrected with {} as the {} ISP does", options.tables, name_of(isp)));
+    } else if (!options.corrected.empty()) {
+        frame = read_corrected(options, frame);
+        heading.push_back(fmt::format("corrected: {}", options.corrected));
+    } else {
+        return draw_sheet(heading, rows);
+    }
+    const Shown after = show(std::move(frame), pattern, size);
+    rows.push_back(illumination_row(how + ": relative illumination", after, low));
+    rows.push_back(residual_row(how, after));
+    return draw_sheet(heading, rows);
+}
+
+void run(const Options& options) {
+    const Progress progress("drawing " + options.output);
+    write_file(options.output, encode_png(draw(options)));
+}
+
+} // namespace
+
+void add_preview(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("preview", "Draw the shading of a frame, before and after correction");
+    add_raw_options(*command, options->raw, "raw");
+    command->add_option("-o,--output", options->output, "picture to write (PNG)")->required();
+    CLI::Option* tables = command->add_option("--tables", options->tables, "correct the frame with this table file");
+    command->add_option("--isp", options->isp, "tvessa2 or vessal2 (default: the one that the tables were made for)")
+        ->needs(tables);
+    CLI::Option* corrected =
+        command->add_option("--corrected", options->corrected, "compare with this corrected frame")->excludes(tables);
+    command->add_option("--corrected-black-level", options->corrected_black,
+                        "its black level (from the PGM comment, else 0)")
+        ->needs(corrected);
+    command->footer("Each channel is drawn relative to its own brightest place, smoothed.\n\n"
+                    "Example:\n"
+                    "  zerklsc simulate -o flat.pgm\n"
+                    "  zerklsc calibrate flat.pgm -o tables.json\n"
+                    "  zerklsc preview flat.pgm --tables tables.json -o preview.png");
+    command->callback([options] { run(*options); });
+}
+
+} // namespace zerklsc::tool

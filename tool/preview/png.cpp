@@ -1,0 +1,29 @@
+// encode_png
+#include "preview/png.h"
+
+#include <png.h>
+
+#include "failure.h"
+
+namespace zerklsc::tool {
+
+std::string encode_png(const Canvas& canvas) {
+    static_assert(sizeof(Rgb) == 3);
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(canvas.width());
+    image.height = static_cast<png_uint_32>(canvas.height());
+    image.format = PNG_FORMAT_RGB;
+    // The first call only asks for the size.
+    png_alloc_size_t size = 0;
+    std::string bytes;
+    if (png_image_write_to_memory(&image, nullptr, &size, 0, canvas.pixels().data(), 0, nullptr) == 0)
+        data_failure("the picture cannot be encoded: {}", image.message);
+    bytes.resize(size);
+    if (png_image_write_to_memory(&image, bytes.data(), &size, 0, canvas.pixels().data(), 0, nullptr) == 0)
+        data_failure("the picture cannot be encoded: {}", image.message);
+    bytes.resize(size);
+    return bytes;
+}
+
+} // namespace zerklsc::tool

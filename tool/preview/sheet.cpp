@@ -1,0 +1,103 @@
+// draw_sheet, panel_size
+#include "preview/sheet.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "preview/colour_map.h"
+
+namespace zerklsc::tool {
+namespace {
+
+constexpr Rgb paper{250, 250, 248};
+constexpr Rgb ink{38, 40, 46};
+constexpr Rgb faint_ink{120, 124, 132};
+
+constexpr int margin = 28;
+constexpr int gap = 18;
+constexpr int line_height = text_height + 10;
+constexpr int scale_width = 18;
+constexpr int scale_label_width = 84;
+constexpr int widest_panel = 316;
+constexpr int tallest_panel = 316;
+
+Rgb colour_of(const PanelRow& row, double value) {
+    const double t = (value - row.low) / (row.high - row.low);
+    return row.deviation ? diverging_colour(t) : sequential_colour(t);
+}
+
+// A contour shows as the map's own colour, darker.
+Rgb darker(Rgb c) {
+    const auto dim = [](uint8_t v) { return static_cast<uint8_t>(v * 6 / 10); };
+    return {dim(c.r), dim(c.g), dim(c.b)};
+}
+
+bool crosses_contour(const PanelRow& row, const Field& field, int x, int y) {
+    if (row.contour <= 0)
+        return false;
+    const auto band = [&](int i, int j) {
+        return std::floor(field.at(std::min(i, field.width - 1), std::min(j, field.height - 1)) / row.contour);
+    };
+    return band(x, y) != band(x + 1, y) || band(x, y) != band(x, y + 1);
+}
+
+void draw_panel(Canvas& canvas, int left, int top, const PanelRow& row, const Panel& panel) {
+    const Field& field = panel.field;
+    for (int y = 0; y < field.height; ++y)
+        for (int x = 0; x < field.width; ++x) {
+            const Rgb colour = colour_of(row, field.at(x, y));
+            canvas.set(left + x, top + y, crosses_contour(row, field, x, y) ? darker(colour) : colour);
+        }
+    canvas.frame({left, top, field.width, field.height}, faint_ink);
+    canvas.text(left, top + field.height + 8, panel.caption, ink);
+}
+
+void draw_scale(Canvas& canvas, int left, int top, int height, const PanelRow& row) {
+    for (int y = 0; y < height; ++y) {
+        const double t = 1 - (y + 0.5) / height;
+        canvas.fill({left, top + y, scale_width, 1}, colour_of(row, row.low + t * (row.high - row.low)));
+    }
+    canvas.frame({left, top, scale_width, height}, faint_ink);
+    const int last = static_cast<int>(row.labels.size()) - 1;
+    for (int i = 0; i <= last; ++i) {
+        const int y = top + (height - 1) * (last - i) / std::max(last, 1);
+        canvas.fill({left + scale_width + 1, y, 5, 1}, faint_ink);
+        // The labels at the ends stay beside the scale.
+        const int text_top = std::clamp(y - text_height / 2, top, top + height - text_height);
+        canvas.text(left + scale_width + 11, text_top, row.labels[static_cast<size_t>(i)], ink);
+    }
+}
+
+} // namespace
+
+PanelSize panel_size(int frame_width, int frame_height) {
+    const double shrink = std::min(double{widest_panel} / frame_width, double{tallest_panel} / frame_height);
+    return {std::max(static_cast<int>(frame_width * shrink), 16), std::max(static_cast<int>(frame_height * shrink), 16)};
+}
+
+Canvas draw_sheet(const std::vector<std::string>& heading, const std::vector<PanelRow>& rows) {
+    const Field& first = rows.front().panels[0].field;
+    const int column = first.width + gap;
+    const int row_height = line_height + first.height + line_height + gap;
+    const int width = 2 * margin + 4 * column + scale_width + 11 + scale_label_width;
+    const int height = 2 * margin + static_cast<int>(heading.size()) * line_height + gap
+                       + static_cast<int>(rows.size()) * row_height - gap;
+    Canvas canvas(width, height, paper);
+    int y = margin;
+    for (const std::string& line : heading) {
+        canvas.text(margin, y, line, &line == heading.data() ? ink : faint_ink);
+        y += line_height;
+    }
+    y += gap;
+    for (const PanelRow& row : rows) {
+        canvas.text(margin, y, row.title, ink);
+        const int top = y + line_height;
+        for (int i = 0; i < 4; ++i)
+            draw_panel(canvas, margin + i * column, top, row, row.panels[static_cast<size_t>(i)]);
+        draw_scale(canvas, margin + 4 * column, top, first.height, row);
+        y += row_height;
+    }
+    return canvas;
+}
+
+} // namespace zerklsc::tool
