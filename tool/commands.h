@@ -1,4 +1,5 @@
-// The subcommands of the tool. Each has a file of its own in commands/, and is one line here and one in main.cpp.
+// The subcommands of the tool. Each has a file of its own in commands/, and is one line here and one in
+// main.cpp.
 #pragma once
 
 #include <CLI/CLI.hpp>

@@ -1,4 +1,5 @@
-// The zerklsc program: finds the subcommand, runs it, and turns what went wrong into one line and an exit code.
+// The zerklsc program: finds the subcommand, runs it, and turns what went wrong into one line and an exit
+// code.
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -13,13 +14,14 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr const char* exit_codes = "Exit codes: 0 success, 1 a file or its data cannot be used, 2 wrong usage.\n"
-                                   "Every command has its own help: zerklsc calibrate --help\n\n"
-                                   "Example:\n"
-                                   "  zerklsc simulate -o flat.pgm\n"
-                                   "  zerklsc calibrate flat.pgm -o tables.json\n"
-                                   "  zerklsc correct flat.pgm --tables tables.json -o corrected.pgm\n"
-                                   "  zerklsc measure corrected.pgm";
+constexpr const char* exit_codes =
+    "Exit codes: 0 success, 1 a file or its data cannot be used, 2 wrong usage.\n"
+    "Every command has its own help: zerklsc calibrate --help\n\n"
+    "Example:\n"
+    "  zerklsc simulate -o flat.pgm\n"
+    "  zerklsc calibrate flat.pgm -o tables.json\n"
+    "  zerklsc correct flat.pgm --tables tables.json -o corrected.pgm\n"
+    "  zerklsc measure corrected.pgm";
 
 std::string first_line(const std::string& text) {
     return text.substr(0, text.find('\n'));
@@ -41,7 +43,8 @@ int run(CLI::App& app, int argc, char** argv) {
             return app.exit(error);
         // Of a word that is no command, CLI11 only says that a command is missing.
         const bool unknown = argc > 1 && argv[1][0] != '-' && app.get_subcommands().empty();
-        const std::string what = unknown ? fmt::format("{} is not a command", argv[1]) : first_line(error.what());
+        const std::string what =
+            unknown ? fmt::format("{} is not a command", argv[1]) : first_line(error.what());
         fmt::print(stderr, "{}: {} (see {} --help)\n", command_of(app), what, command_of(app));
         return exit_usage;
     }

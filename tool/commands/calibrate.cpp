@@ -35,7 +35,8 @@ using Channels = std::vector<Channel>;
 
 BlackLevel black_or_warning(const RawFrame& frame) {
     if (!frame.black)
-        warn(fmt::format("{}: the black level is not known: 0 is taken (--black-level says another)", frame.name));
+        warn(fmt::format("{}: the black level is not known: 0 is taken (--black-level says another)",
+                         frame.name));
     return black_level_of(frame, {});
 }
 
@@ -61,21 +62,24 @@ void warn_about_gains(const std::string& name, const GainTables& tables) {
                 capped += gain >= ZERKLSC_HIGHEST_GAIN ? 1 : 0;
             }
     if (below > 0)
-        warn(fmt::format("{}: {} nodes have gains below 1.0, which both ISPs raise to 1.0: the frame is brighter away "
-                         "from its centre",
-                         name, below));
+        warn(fmt::format(
+            "{}: {} nodes have gains below 1.0, which both ISPs raise to 1.0: the frame is brighter away "
+            "from its centre",
+            name, below));
     if (capped > 0)
-        warn(fmt::format("{}: {} nodes need the highest gain of 16.0 or more: raise the exposure", name, capped));
+        warn(fmt::format("{}: {} nodes need the highest gain of 16.0 or more: raise the exposure", name,
+                         capped));
 }
 
 void print_text(const RawFrame& frame, const GainTables& tables, const Channels& channels) {
     fmt::print("{}algorithm {} ({}), step {}, radius {}, shading {} %, tables of {} x {}\n",
-               describe(frame, tables.pattern, tables.black), tables.algorithm, algorithm_name(tables.algorithm),
-               tables.step, tables.filter_radius, tables.shading_percent, tables.table_width, tables.table_height);
+               describe(frame, tables.pattern, tables.black), tables.algorithm,
+               algorithm_name(tables.algorithm), tables.step, tables.filter_radius, tables.shading_percent,
+               tables.table_width, tables.table_height);
     std::vector<std::vector<std::string>> rows{{"channel", "centre", "corner/centre", "largest gain"}};
     for (const auto& [colour, levels, gain] : channels)
-        rows.push_back({name_of(colour), fmt::format("{:.1f}", levels.centre()), percent(levels.corner_to_centre()),
-                        fmt::format("{:.3f}", gain)});
+        rows.push_back({name_of(colour), fmt::format("{:.1f}", levels.centre()),
+                        percent(levels.corner_to_centre()), fmt::format("{:.3f}", gain)});
     fmt::print("{}", text_table(rows));
 }
 
@@ -139,8 +143,9 @@ void add_calibrate(CLI::App& app) {
     add_raw_options(*command, options->raw, "flat");
     command->add_option("-o,--output", options->output, "table file to write (JSON)")->required();
     command->add_option("--text", options->text, "also write the four tables as plain text, in plane order");
-    command->add_option("--algorithm", options->algorithm,
-                        "0 halvane, 1 orvel-otp, 2 orvel, 3 beta, 4 orvel-weights, by number or name")
+    command
+        ->add_option("--algorithm", options->algorithm,
+                     "0 halvane, 1 orvel-otp, 2 orvel, 3 beta, 4 orvel-weights, by number or name")
         ->capture_default_str();
     command->add_option("--step", s.step, "node spacing in plane samples (half the pixels of the frame)")
         ->check(CLI::Range(smallest_step, largest_step))
@@ -148,18 +153,22 @@ void add_calibrate(CLI::App& app) {
     command->add_option("--radius", s.radius, "radius of the averaging window in plane samples")
         ->check(CLI::Range(0, 90))
         ->capture_default_str();
-    command->add_option("--shading", s.shading_percent, "correction kept at the corners, percent; 100 corrects fully")
+    command
+        ->add_option("--shading", s.shading_percent,
+                     "correction kept at the corners, percent; 100 corrects fully")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
-    command->add_option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
+    command
+        ->add_option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
         ->check(CLI::Range(0.0, 100.0))
         ->capture_default_str();
     command->add_flag("--json", options->json, "print JSON");
-    command->footer("Algorithms 0 to 3 are for the tvessa2 ISP, 4 for vessal2. Algorithms 0 and 1 take 10-bit samples:\n"
-                    "they see deeper captures scaled to 10 bits.\n\n"
-                    "Example:\n"
-                    "  zerklsc simulate -o flat.pgm\n"
-                    "  zerklsc calibrate flat.pgm -o tables.json --text tables.txt");
+    command->footer(
+        "Algorithms 0 to 3 are for the tvessa2 ISP, 4 for vessal2. Algorithms 0 and 1 take 10-bit samples:\n"
+        "they see deeper captures scaled to 10 bits.\n\n"
+        "Example:\n"
+        "  zerklsc simulate -o flat.pgm\n"
+        "  zerklsc calibrate flat.pgm -o tables.json --text tables.txt");
     command->callback([options] { run(*options); });
 }
 

@@ -32,7 +32,8 @@ BlackLevel black_level_at(const GainTables& tables, int bits) {
 // A frame that the ISP can take.
 void bring_to_10_bits(RawFrame& frame, bool scale) {
     if (frame.bits > isp_bits && !scale)
-        data_failure("{}: has {}-bit samples, and the ISP corrects 10-bit samples: pass --scale to correct them scaled "
+        data_failure("{}: has {}-bit samples, and the ISP corrects 10-bit samples: pass --scale to correct "
+                     "them scaled "
                      "to 10 bits",
                      frame.name, frame.bits);
     scale_to_10_bits(frame);
@@ -47,8 +48,9 @@ void run(const Options& options) {
     if (!frame.pattern)
         frame.pattern = tables.pattern;
     if (frame.pattern != tables.pattern)
-        data_failure("{}: is for the Bayer pattern {}, but {} is {}: take the tables of this module and orientation",
-                     options.tables, name_of(tables.pattern), frame.name, name_of(*frame.pattern));
+        data_failure(
+            "{}: is for the Bayer pattern {}, but {} is {}: take the tables of this module and orientation",
+            options.tables, name_of(tables.pattern), frame.name, name_of(*frame.pattern));
     const BlackLevel black = *frame.black;
     {
         const Progress progress("correcting " + frame.name);
@@ -58,23 +60,29 @@ void run(const Options& options) {
             add_black(frame, black);
         write_file(options.output, encode_raw_frame(options.output, frame, frame.name));
     }
-    fmt::print("{}: corrected for {}, black level {} taken off{}\n", options.output, name_of(isp), text_of(black),
-               options.restore_black ? " and put back" : "");
+    fmt::print("{}: corrected for {}, black level {} taken off{}\n", options.output, name_of(isp),
+               text_of(black), options.restore_black ? " and put back" : "");
 }
 
 } // namespace
 
 void add_correct(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("correct", "Correct a frame with gain tables exactly as the ISP does");
+    CLI::App* command =
+        app.add_subcommand("correct", "Correct a frame with gain tables exactly as the ISP does");
     add_raw_options(*command, options->raw, "raw");
     command->add_option("--tables", options->tables, "table file of zerklsc calibrate")->required();
-    command->add_option("-o,--output", options->output, "frame to write, in the form of the input or by its extension")
+    command
+        ->add_option("-o,--output", options->output,
+                     "frame to write, in the form of the input or by its extension")
         ->required();
-    command->add_option("--isp", options->isp, "tvessa2 or vessal2 (default: the one that the tables were made for)");
-    command->add_flag("--restore-black", options->restore_black, "put the black level back after the correction");
+    command->add_option("--isp", options->isp,
+                        "tvessa2 or vessal2 (default: the one that the tables were made for)");
+    command->add_flag("--restore-black", options->restore_black,
+                      "put the black level back after the correction");
     command->add_flag("--scale", options->scale, "scale samples deeper than 10 bits to 10 bits");
-    command->footer("The result has 10-bit samples, as the ISP's. A black level that neither --black-level nor the frame\n"
+    command->footer("The result has 10-bit samples, as the ISP's. A black level that neither --black-level "
+                    "nor the frame\n"
                     "names is that of the tables.\n\n"
                     "Example:\n"
                     "  zerklsc simulate -o flat.pgm\n"

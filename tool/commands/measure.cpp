@@ -27,10 +27,11 @@ using Channels = std::vector<Channel>;
 void print_text(const Channels& channels, int blocks) {
     std::vector<std::vector<std::string>> rows{{"channel", "mean", "centre", "corner/centre", "flatness"}};
     for (const auto& [colour, levels] : channels)
-        rows.push_back({name_of(colour), fmt::format("{:.2f}", levels.mean), fmt::format("{:.2f}", levels.centre()),
-                        percent(levels.corner_to_centre()), percent(levels.flatness())});
-    fmt::print("{}flatness: largest deviation of a block from the channel's mean, {} x {} blocks\n", text_table(rows),
-               blocks, blocks);
+        rows.push_back({name_of(colour), fmt::format("{:.2f}", levels.mean),
+                        fmt::format("{:.2f}", levels.centre()), percent(levels.corner_to_centre()),
+                        percent(levels.flatness())});
+    fmt::print("{}flatness: largest deviation of a block from the channel's mean, {} x {} blocks\n",
+               text_table(rows), blocks, blocks);
 }
 
 void print_json(const RawFrame& frame, const BlackLevel& black, const Channels& channels, int blocks) {
@@ -58,8 +59,9 @@ void check_limit(const RawFrame& frame, const Channels& channels, double limit) 
 void run(const Options& options) {
     RawFrame frame = read_raw(options.raw);
     if (std::min(frame.width, frame.height) / 2 < options.blocks)
-        data_failure("{}: planes of {} x {} samples cannot be divided into {} x {} blocks: give a smaller --blocks",
-                     frame.name, frame.width / 2, frame.height / 2, options.blocks, options.blocks);
+        data_failure(
+            "{}: planes of {} x {} samples cannot be divided into {} x {} blocks: give a smaller --blocks",
+            frame.name, frame.width / 2, frame.height / 2, options.blocks, options.blocks);
     const BayerPattern pattern = pattern_or_warning(frame);
     const BlackLevel black = black_level_of(frame, {});
     subtract_black(frame, black);
@@ -80,18 +82,21 @@ void run(const Options& options) {
 
 void add_measure(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("measure", "Measure corner-to-centre ratio and flatness of a frame");
+    CLI::App* command =
+        app.add_subcommand("measure", "Measure corner-to-centre ratio and flatness of a frame");
     add_raw_options(*command, options->raw, "frame");
     command->add_option("--blocks", options->blocks, "blocks in each direction")
         ->check(CLI::Range(3, 1001))
         ->capture_default_str();
-    command->add_option("--limit", options->limit, "exit with 1 when a channel is less flat than this, percent")
+    command
+        ->add_option("--limit", options->limit, "exit with 1 when a channel is less flat than this, percent")
         ->check(CLI::Range(0.0, 100.0));
     command->add_flag("--json", options->json, "print JSON");
-    command->footer("corner/centre: mean of the four corner blocks over the centre block, black level taken off.\n\n"
-                    "Example:\n"
-                    "  zerklsc simulate -o flat.pgm\n"
-                    "  zerklsc measure flat.pgm --json");
+    command->footer(
+        "corner/centre: mean of the four corner blocks over the centre block, black level taken off.\n\n"
+        "Example:\n"
+        "  zerklsc simulate -o flat.pgm\n"
+        "  zerklsc measure flat.pgm --json");
     command->callback([options] { run(*options); });
 }
 

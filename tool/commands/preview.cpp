@@ -78,12 +78,14 @@ double lowest_percent(const Shown& shown) {
 
 PanelRow gain_row(const GainTables& tables, PanelSize size) {
     PanelRow row;
-    row.title = fmt::format("gain of the tables ({}, step {})", algorithm_name(tables.algorithm), tables.step);
+    row.title =
+        fmt::format("gain of the tables ({}, step {})", algorithm_name(tables.algorithm), tables.step);
     double highest = 1;
     for (size_t i = 0; i < all_colours.size(); ++i) {
         const int plane = plane_of_colour(tables.pattern, all_colours[i]);
-        row.panels[i] = {gain_field(tables, plane, size.width, size.height),
-                         fmt::format("{}  largest gain {:.2f}", name_of(all_colours[i]), tables.largest_gain(plane))};
+        row.panels[i] = {
+            gain_field(tables, plane, size.width, size.height),
+            fmt::format("{}  largest gain {:.2f}", name_of(all_colours[i]), tables.largest_gain(plane))};
         highest = std::max(highest, tables.largest_gain(plane));
     }
     row.low = 1;
@@ -114,9 +116,11 @@ PanelRow residual_row(const std::string& title, const Shown& shown) {
     row.high = reach;
     row.deviation = true;
     row.labels = labels_between(-reach, reach, 5, "{:+.1f} %");
+    row.labels[2] = "0 %";
     for (size_t i = 0; i < all_colours.size(); ++i)
-        row.panels[i] = {std::move(deviations[i]), fmt::format("{}  flat to {:.2f} %", name_of(all_colours[i]),
-                                                               100 * levels_of(shown, i).flatness())};
+        row.panels[i] = {std::move(deviations[i]),
+                         fmt::format("{}  flat to {:.2f} %", name_of(all_colours[i]),
+                                     100 * levels_of(shown, i).flatness())};
     return row;
 }
 
@@ -127,8 +131,8 @@ RawFrame read_corrected(const Options& options, const RawFrame& before) {
     raw.black = options.corrected_black;
     RawFrame frame = read_raw(raw);
     if (frame.width != before.width || frame.height != before.height)
-        data_failure("{}: is {} x {}, but {} is {} x {}: give the corrected form of the same frame", frame.name,
-                     frame.width, frame.height, before.name, before.width, before.height);
+        data_failure("{}: is {} x {}, but {} is {} x {}: give the corrected form of the same frame",
+                     frame.name, frame.width, frame.height, before.name, before.width, before.height);
     subtract_black(frame, black_level_of(frame, {}));
     return frame;
 }
@@ -174,16 +178,22 @@ void run(const Options& options) {
 
 void add_preview(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("preview", "Draw the shading of a frame, before and after correction");
+    CLI::App* command =
+        app.add_subcommand("preview", "Draw the shading of a frame, before and after correction");
     add_raw_options(*command, options->raw, "raw");
     command->add_option("-o,--output", options->output, "picture to write (PNG)")->required();
-    CLI::Option* tables = command->add_option("--tables", options->tables, "correct the frame with this table file");
-    command->add_option("--isp", options->isp, "tvessa2 or vessal2 (default: the one that the tables were made for)")
+    CLI::Option* tables =
+        command->add_option("--tables", options->tables, "correct the frame with this table file");
+    command
+        ->add_option("--isp", options->isp,
+                     "tvessa2 or vessal2 (default: the one that the tables were made for)")
         ->needs(tables);
     CLI::Option* corrected =
-        command->add_option("--corrected", options->corrected, "compare with this corrected frame")->excludes(tables);
-    command->add_option("--corrected-black-level", options->corrected_black,
-                        "its black level (from the PGM comment, else 0)")
+        command->add_option("--corrected", options->corrected, "compare with this corrected frame")
+            ->excludes(tables);
+    command
+        ->add_option("--corrected-black-level", options->corrected_black,
+                     "its black level (from the PGM comment, else 0)")
         ->needs(corrected);
     command->footer("Each channel is drawn relative to its own brightest place, smoothed.\n\n"
                     "Example:\n"

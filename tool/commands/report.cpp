@@ -13,7 +13,8 @@ namespace zerklsc::tool {
 BayerPattern pattern_or_warning(const RawFrame& frame) {
     if (frame.pattern)
         return *frame.pattern;
-    warn(fmt::format("{}: the Bayer pattern is not known: RGGB is taken (--pattern says another)", frame.name));
+    warn(fmt::format("{}: the Bayer pattern is not known: RGGB is taken (--pattern says another)",
+                     frame.name));
     return BayerPattern::rggb;
 }
 

@@ -23,8 +23,8 @@ void run(const Options& options) {
         usage_failure("--pattern: {} is not known: expected RGGB, GRBG, GBRG or BGGR", options.pattern);
     settings.pattern = *pattern;
     if (settings.width % 2 != 0 || settings.height % 2 != 0)
-        usage_failure("--width and --height: {} x {} are not whole 2 x 2 Bayer cells: give even numbers", settings.width,
-                      settings.height);
+        usage_failure("--width and --height: {} x {} are not whole 2 x 2 Bayer cells: give even numbers",
+                      settings.width, settings.height);
     if (settings.black >= (1 << settings.bits) - 1)
         usage_failure("--black-level: {} leaves no range below the full scale of {}: give a lower level",
                       settings.black, (1 << settings.bits) - 1);
@@ -35,11 +35,19 @@ void run(const Options& options) {
 
 void add_sensor_options(CLI::App& command, Options& options) {
     SimulationSettings& s = options.settings;
-    command.add_option("--width", s.width, "frame width in pixels")->check(CLI::Range(2, 65534))->capture_default_str();
-    command.add_option("--height", s.height, "frame height in pixels")->check(CLI::Range(2, 65534))->capture_default_str();
+    command.add_option("--width", s.width, "frame width in pixels")
+        ->check(CLI::Range(2, 65534))
+        ->capture_default_str();
+    command.add_option("--height", s.height, "frame height in pixels")
+        ->check(CLI::Range(2, 65534))
+        ->capture_default_str();
     command.add_option("--pattern", options.pattern, "RGGB, GRBG, GBRG or BGGR")->capture_default_str();
-    command.add_option("--bits", s.bits, "bit depth of the samples")->check(CLI::Range(9, 16))->capture_default_str();
-    command.add_option("--black-level", s.black, "black level")->check(CLI::Range(0, 65535))->capture_default_str();
+    command.add_option("--bits", s.bits, "bit depth of the samples")
+        ->check(CLI::Range(9, 16))
+        ->capture_default_str();
+    command.add_option("--black-level", s.black, "black level")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
     command.add_option("--full-well", s.full_well, "electrons at full scale; 0 for a frame without noise")
         ->check(CLI::Range(0.0, 1e6))
         ->capture_default_str();
@@ -49,11 +57,14 @@ void add_sensor_options(CLI::App& command, Options& options) {
     command.add_option("--defects", s.defects, "pixels stuck at 0 or at full scale")
         ->check(CLI::Range(0, 1000000))
         ->capture_default_str();
-    command.add_option("--seed", s.seed, "another seed is another noise, dust and defects")->capture_default_str();
+    command.add_option("--seed", s.seed, "another seed is another noise, dust and defects")
+        ->capture_default_str();
 }
 
 void add_lens_options(CLI::App& command, SimulationSettings& s) {
-    command.add_option("--level", s.level, "green at the optical centre, percent of the range; above 100 it clips")
+    command
+        .add_option("--level", s.level,
+                    "green at the optical centre, percent of the range; above 100 it clips")
         ->check(CLI::Range(0.0, 1000.0))
         ->capture_default_str();
     command.add_option("--corners", s.corners, "corner brightness of R,Gr,Gb,B, percent of the centre")
@@ -64,15 +75,19 @@ void add_lens_options(CLI::App& command, SimulationSettings& s) {
         ->delimiter(',')
         ->check(CLI::Range(0.0, 100.0))
         ->capture_default_str();
-    command.add_option("--dust", s.dust, "soft dark spots")->check(CLI::Range(0, 10000))->capture_default_str();
+    command.add_option("--dust", s.dust, "soft dark spots")
+        ->check(CLI::Range(0, 10000))
+        ->capture_default_str();
 }
 
 } // namespace
 
 void add_simulate(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("simulate", "Make a flat-field capture of a module that does not exist");
-    command->add_option("-o,--output", options->output, "frame to write: .pgm, or .raw for headerless")->required();
+    CLI::App* command =
+        app.add_subcommand("simulate", "Make a flat-field capture of a module that does not exist");
+    command->add_option("-o,--output", options->output, "frame to write: .pgm, or .raw for headerless")
+        ->required();
     add_sensor_options(*command, *options);
     add_lens_options(*command, options->settings);
     command->footer("The same options give the same bytes on every machine.\n\n"

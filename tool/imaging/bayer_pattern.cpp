@@ -28,7 +28,8 @@ const char* name_of(BayerPattern pattern) {
 
 std::optional<BayerPattern> bayer_pattern_from(const std::string& name) {
     std::string upper = name;
-    std::ranges::transform(upper, upper.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    std::ranges::transform(upper, upper.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     const auto* const found = std::ranges::find(bayer_pattern_names, upper);
     if (found == bayer_pattern_names.end())
         return std::nullopt;

@@ -19,10 +19,11 @@ void check_geometry(const RawFrame& flat, const GainTables& tables) {
     const int grid_h = tables.table_height - 2 * ZERKLSC_BORDER;
     const int shorter = std::min(tables.plane_width(), tables.plane_height());
     if (std::min(grid_w, grid_h) < fewest_nodes)
-        data_failure("{}: --step {} lays a grid of {} x {} nodes on planes of {} x {}, and at least 3 x 3 are needed: "
-                     "give a --step of at most {}",
-                     flat.name, tables.step, grid_w, grid_h, tables.plane_width(), tables.plane_height(),
-                     std::max(shorter - 1, 1));
+        data_failure(
+            "{}: --step {} lays a grid of {} x {} nodes on planes of {} x {}, and at least 3 x 3 are needed: "
+            "give a --step of at most {}",
+            flat.name, tables.step, grid_w, grid_h, tables.plane_width(), tables.plane_height(),
+            std::max(shorter - 1, 1));
     if (tables.filter_radius >= shorter)
         data_failure("{}: --radius {} reaches beyond planes of {} x {}: give a --radius below {}", flat.name,
                      tables.filter_radius, tables.plane_width(), tables.plane_height(), shorter);
@@ -59,21 +60,23 @@ std::array<std::vector<uint16_t>, 4> without_border(const GainTables& tables) {
     return inner;
 }
 
-// The steps of lsc2d_calibration_wrapper() for this algorithm, with the frame's own Bayer pattern, which the wrapper
-// cannot know.
+// The steps of lsc2d_calibration_wrapper() for this algorithm, with the frame's own Bayer pattern, which the
+// wrapper cannot know.
 int32_t run_orvel_otp(const RawFrame& flat, GainTables& tables, const lsc2d_calib_param& param) {
     RawFrame frame = generator_frame(flat);
     auto pointers = tables.pointers();
     auto words = generator_words(param);
     const int32_t status = lsc2d_calibration_orvel_otp(
-        frame.samples.data(), static_cast<uint16_t>(frame.width), static_cast<uint16_t>(frame.height), pointers.data(),
-        0, 0, static_cast<uint8_t>(tables.pattern), words.data());
+        frame.samples.data(), static_cast<uint16_t>(frame.width), static_cast<uint16_t>(frame.height),
+        pointers.data(), 0, 0, static_cast<uint8_t>(tables.pattern), words.data());
     if (status != 0)
         return status;
     auto inner = without_border(tables);
     std::array<uint16_t*, 4> sources{inner[0].data(), inner[1].data(), inner[2].data(), inner[3].data()};
     const int32_t w = tables.plane_width(), h = tables.plane_height();
-    if (lsc2d_table_preproc(sources.data(), pointers.data(), w, h, tables.table_width, tables.table_height, &param) != 0)
+    if (lsc2d_table_preproc(sources.data(), pointers.data(), w, h, tables.table_width, tables.table_height,
+                            &param)
+        != 0)
         return -1;
     return lsc2d_table_postproc(pointers.data(), w, h, tables.table_width, tables.table_height, &param);
 }
@@ -125,7 +128,8 @@ GainTables calibrate(const RawFrame& flat, BayerPattern pattern, const BlackLeve
     for (const auto& [line, count] : messages.finish())
         warn(fmt::format("{}: {} ({} times)", flat.name, line, count));
     if (status != 0)
-        data_failure("{}: algorithm {} cannot calibrate planes of {} x {} with --step {} and --radius {}: try a smaller "
+        data_failure("{}: algorithm {} cannot calibrate planes of {} x {} with --step {} and --radius {}: "
+                     "try a smaller "
                      "step or radius, or another --algorithm",
                      flat.name, algorithm_name(tables.algorithm), tables.plane_width(), tables.plane_height(),
                      tables.step, tables.filter_radius);

@@ -12,8 +12,9 @@ struct CalibrationSettings {
     int shading_percent = 100;
 };
 
-// Runs the algorithm on a frame whose black level `black` has been taken off. Algorithms 0 and 1 take 10-bit samples:
-// they see a deeper frame scaled to 10 bits. Throws a data failure when the frame and the settings do not go together.
+// Runs the algorithm on a frame whose black level `black` has been taken off. Algorithms 0 and 1 take 10-bit
+// samples: they see a deeper frame scaled to 10 bits. Throws a data failure when the frame and the settings
+// do not go together.
 GainTables calibrate(const RawFrame& flat, BayerPattern pattern, const BlackLevel& black,
                      const CalibrationSettings& settings);
 

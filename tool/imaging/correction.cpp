@@ -16,8 +16,8 @@ namespace {
 constexpr int tvessa2_phases = 64;
 constexpr int tvessa2_narrowest = 128;
 
-// The tvessa2 ISP counts its nodes from the last sample, so at one sample past a whole number of cells it takes the
-// tables' rows to be one node shorter than they are.
+// The tvessa2 ISP counts its nodes from the last sample, so at one sample past a whole number of cells it
+// takes the tables' rows to be one node shorter than they are.
 bool tvessa2_reads_rows(int plane_width, int step) {
     return plane_width % step != 1;
 }
@@ -36,17 +36,20 @@ std::string nearest_steps(int plane_width, int step) {
 void check_tvessa2(const RawFrame& frame, const GainTables& tables, const std::string& tables_name) {
     const int w = tables.plane_width();
     if (!tvessa2_reads_rows(w, tables.step))
-        data_failure("{}: step {} leaves one column of the {} samples of a plane beyond the last whole cell, where the "
-                     "tvessa2 ISP reads the tables one node short per row: calibrate with --step {}, or correct with "
-                     "--isp vessal2",
-                     tables_name, tables.step, w, nearest_steps(w, tables.step));
+        data_failure(
+            "{}: step {} leaves one column of the {} samples of a plane beyond the last whole cell, where "
+            "the "
+            "tvessa2 ISP reads the tables one node short per row: calibrate with --step {}, or correct with "
+            "--isp vessal2",
+            tables_name, tables.step, w, nearest_steps(w, tables.step));
     if (tvessa2_phases % tables.step != 0)
-        warn(fmt::format("{}: the tvessa2 ISP interpolates over {} of 64 phases of a cell of step {}: steps of 1, 2, 4, "
-                         "8, 16, 32 and 64 are corrected smoothly",
-                         tables_name, tables.step * (tvessa2_phases / tables.step), tables.step));
+        warn(fmt::format(
+            "{}: the tvessa2 ISP interpolates over {} of 64 phases of a cell of step {}: steps of 1, 2, 4, "
+            "8, 16, 32 and 64 are corrected smoothly",
+            tables_name, tables.step * (tvessa2_phases / tables.step), tables.step));
     if (frame.width < tvessa2_narrowest)
-        warn(fmt::format("{}: is {} pixels wide, and the tvessa2 ISP expects slices of at least {}", frame.name,
-                         frame.width, tvessa2_narrowest));
+        warn(fmt::format("{}: is {} pixels wide, and the tvessa2 ISP expects slices of at least {}",
+                         frame.name, frame.width, tvessa2_narrowest));
 }
 
 } // namespace
@@ -68,7 +71,8 @@ Isp isp_of_algorithm(int algorithm) {
 
 void correct(RawFrame& frame, GainTables tables, const std::string& tables_name, Isp isp) {
     if (frame.width != tables.raw_width || frame.height != tables.raw_height)
-        data_failure("{}: is for frames of {} x {}, but {} is {} x {}: calibrate at that size, or carry the tables over "
+        data_failure("{}: is for frames of {} x {}, but {} is {} x {}: calibrate at that size, or carry the "
+                     "tables over "
                      "with zerklsc resample",
                      tables_name, tables.raw_width, tables.raw_height, frame.name, frame.width, frame.height);
     if (isp == Isp::tvessa2)

@@ -16,8 +16,9 @@ Isp isp_from(const std::string& name);
 // The generation for which an algorithm makes its tables.
 Isp isp_of_algorithm(int algorithm);
 
-// Corrects a 10-bit frame whose black level has been taken off. `tables_name` is for messages. Throws a data failure
-// when frame, tables and ISP do not go together, and warns where the ISP does less than the tables ask for.
+// Corrects a 10-bit frame whose black level has been taken off. `tables_name` is for messages. Throws a data
+// failure when frame, tables and ISP do not go together, and warns where the ISP does less than the tables
+// ask for.
 void correct(RawFrame& frame, GainTables tables, const std::string& tables_name, Isp isp);
 
 } // namespace zerklsc::tool

@@ -6,9 +6,9 @@
 
 namespace zerklsc::tool {
 
-// Throws a data failure when more than `clip_limit` percent of a channel's samples stand at full scale or when a
-// channel's corners are not above the black level; warns about what is only unfavourable. The frame still holds its
-// black level.
+// Throws a data failure when more than `clip_limit` percent of a channel's samples stand at full scale or
+// when a channel's corners are not above the black level; warns about what is only unfavourable. The frame
+// still holds its black level.
 void check_exposure(const RawFrame& frame, BayerPattern pattern, const BlackLevel& black, double clip_limit);
 
 } // namespace zerklsc::tool

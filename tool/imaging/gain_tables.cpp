@@ -28,7 +28,8 @@ double GainTables::largest_gain(int plane) const {
     int largest = 0;
     for (int j = 1; j + 1 < table_height; ++j)
         for (int i = 1; i + 1 < table_width; ++i)
-            largest = std::max(largest, int{gains[static_cast<size_t>(plane)][static_cast<size_t>(j * table_width + i)]});
+            largest = std::max(
+                largest, int{gains[static_cast<size_t>(plane)][static_cast<size_t>(j * table_width + i)]});
     return largest / double{ZERKLSC_UNITY_GAIN};
 }
 
@@ -40,9 +41,10 @@ int algorithm_from(const std::string& text) {
     for (size_t i = 0; i < names.size(); ++i)
         if (text == names[i] || text == std::to_string(i))
             return static_cast<int>(i);
-    usage_failure("--algorithm: {} is not known: expected 0 or halvane, 1 or orvel-otp, 2 or orvel, 3 or beta, 4 or "
-                  "orvel-weights",
-                  text);
+    usage_failure(
+        "--algorithm: {} is not known: expected 0 or halvane, 1 or orvel-otp, 2 or orvel, 3 or beta, 4 or "
+        "orvel-weights",
+        text);
 }
 
 } // namespace zerklsc::tool

@@ -14,13 +14,13 @@ namespace zerklsc::tool {
 struct GainTables {
     int raw_width = 0;
     int raw_height = 0;
-    int step = 0; // in plane samples, the same in both directions
+    int step = 0;      // in plane samples, the same in both directions
     int algorithm = 0; // ZERKLSC_ALGORITHM_...
     int filter_radius = 0;
     int shading_percent = 100;
     BayerPattern pattern = BayerPattern::rggb;
-    BlackLevel black{}; // at `bits`
-    int bits = 0;       // of the capture
+    BlackLevel black{};  // at `bits`
+    int bits = 0;        // of the capture
     int table_width = 0; // border included
     int table_height = 0;
     std::array<std::vector<uint16_t>, 4> gains; // by plane number, row by row, 1024 = gain 1.0

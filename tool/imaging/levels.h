@@ -26,7 +26,8 @@ struct PlaneLevels {
 // The block count at which the tool measures where nothing else is said.
 constexpr int usual_blocks = 11;
 
-// The frame's black level must have been taken off, and its planes must have at least `blocks` samples each way.
+// The frame's black level must have been taken off, and its planes must have at least `blocks` samples each
+// way.
 PlaneLevels measure_plane(const RawFrame& frame, int plane, int blocks);
 
 // The part of a plane's samples that stand at full scale, before black is taken off.

@@ -22,8 +22,8 @@ int unnamed_file() {
     std::string name = std::string(directory != nullptr ? directory : "/tmp") + "/zerklsc.XXXXXX";
     const int fd = mkostemp(name.data(), O_CLOEXEC);
     if (fd < 0)
-        data_failure("{}: no temporary file can be made: {}: set TMPDIR to a directory that can be written", name,
-                     std::strerror(errno));
+        data_failure("{}: no temporary file can be made: {}: set TMPDIR to a directory that can be written",
+                     name, std::strerror(errno));
     unlink(name.c_str());
     return fd;
 }

@@ -5,8 +5,8 @@
 
 namespace zerklsc::tool {
 
-// A well-mixed 64-bit word for a place in a numbered stream (the finaliser of SplitMix64: G. Steele, D. Lea, C. Flood,
-// "Fast splittable pseudorandom number generators", OOPSLA 2014).
+// A well-mixed 64-bit word for a place in a numbered stream (the finaliser of SplitMix64: G. Steele, D. Lea,
+// C. Flood, "Fast splittable pseudorandom number generators", OOPSLA 2014).
 constexpr uint64_t random_word(uint64_t stream, uint64_t place) {
     uint64_t z = stream * 0xD1B54A32D192ED03u + (place + 1) * 0x9E3779B97F4A7C15u;
     z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;

@@ -16,7 +16,8 @@ template <class F>
 void transform_samples(RawFrame& frame, F f) {
     for (int y = 0; y < frame.height; ++y)
         for (int x = 0; x < frame.width; ++x)
-            frame.at(x, y) = static_cast<uint16_t>(f(int{frame.at(x, y)}, static_cast<size_t>(plane_of_pixel(x, y))));
+            frame.at(x, y) =
+                static_cast<uint16_t>(f(int{frame.at(x, y)}, static_cast<size_t>(plane_of_pixel(x, y))));
 }
 
 } // namespace
@@ -41,7 +42,8 @@ void scale_to_10_bits(RawFrame& frame) {
     if (frame.bits > isp_bits) {
         const int shift = frame.bits - isp_bits;
         const int half = 1 << (shift - 1);
-        transform_samples(frame, [&](int v, size_t) { return std::min((v + half) >> shift, (1 << isp_bits) - 1); });
+        transform_samples(frame,
+                          [&](int v, size_t) { return std::min((v + half) >> shift, (1 << isp_bits) - 1); });
         if (frame.black)
             for (int& b : *frame.black)
                 b = (b + half) >> shift;

@@ -50,7 +50,8 @@ std::vector<float> dust_map(const SimulationSettings& settings) {
     const uint64_t stream = stream_of(settings, dust_stream);
     for (int spot = 0; spot < settings.dust; ++spot) {
         const auto draw = [&](int which, int limit) {
-            return random_below(stream, 4 * static_cast<uint64_t>(spot) + static_cast<uint64_t>(which), limit);
+            return random_below(stream, 4 * static_cast<uint64_t>(spot) + static_cast<uint64_t>(which),
+                                limit);
         };
         const int cx = draw(0, settings.width), cy = draw(1, settings.height);
         const int radius = 6 + draw(2, 35);
@@ -109,12 +110,14 @@ RawFrame simulate(const SimulationSettings& settings) {
         const double centre = settings.level / 100 * range * colour_level(colour);
         for (int y = plane >> 1; y < frame.height; y += 2)
             for (int x = plane & 1; x < frame.width; x += 2) {
-                const size_t place = static_cast<size_t>(y) * static_cast<size_t>(frame.width) + static_cast<size_t>(x);
+                const size_t place =
+                    static_cast<size_t>(y) * static_cast<size_t>(frame.width) + static_cast<size_t>(x);
                 double signal = centre * fall_off.at(x, y);
                 if (!dust.empty())
                     signal *= double{dust[place]};
                 const double noisy = signal + noise.deviation(signal) * random_normal(stream, place);
-                frame.samples[place] = static_cast<uint16_t>(std::clamp(noisy + settings.black + 0.5, 0.0, top));
+                frame.samples[place] =
+                    static_cast<uint16_t>(std::clamp(noisy + settings.black + 0.5, 0.0, top));
             }
     }
     add_defects(frame, settings);

@@ -15,7 +15,7 @@ struct SimulationSettings {
     int bits = 10;
     int black = 64;
     uint64_t seed = 1;
-    double level = 80;                             // of green at the optical centre, percent of the range above black
+    double level = 80; // of green at the optical centre, percent of the range above black
     std::array<double, 4> corners{34, 40, 41, 45}; // corner brightness of R, Gr, Gb, B, percent of the centre
     std::array<double, 2> centre{51.5, 48};        // optical centre, percent of width and height
     double full_well = 6000;                       // electrons at full scale; 0: no photon noise

@@ -14,8 +14,9 @@ bool recognises_headerless(const std::string&, const std::string&, const RawHint
 RawFrame read_headerless(const std::string& path, const std::string& bytes, const RawHints& hints) {
     const size_t count = static_cast<size_t>(hints.width) * static_cast<size_t>(hints.height);
     if (bytes.size() != 2 * count)
-        data_failure("{}: holds {} bytes, but {} x {} samples of 16 bits are {}: give the right --width and --height",
-                     path, bytes.size(), hints.width, hints.height, 2 * count);
+        data_failure(
+            "{}: holds {} bytes, but {} x {} samples of 16 bits are {}: give the right --width and --height",
+            path, bytes.size(), hints.width, hints.height, 2 * count);
     RawFrame frame;
     frame.width = hints.width;
     frame.height = hints.height;
@@ -25,7 +26,8 @@ RawFrame read_headerless(const std::string& path, const std::string& bytes, cons
     for (size_t i = 0; i < count; ++i) {
         const unsigned first = static_cast<unsigned char>(bytes[2 * i]);
         const unsigned second = static_cast<unsigned char>(bytes[2 * i + 1]);
-        frame.samples[i] = static_cast<uint16_t>(hints.big_endian ? first << 8 | second : second << 8 | first);
+        frame.samples[i] =
+            static_cast<uint16_t>(hints.big_endian ? first << 8 | second : second << 8 | first);
     }
     return frame;
 }
@@ -44,6 +46,7 @@ std::string write_headerless(const RawFrame& frame) {
 
 } // namespace
 
-const RawFormat headerless_format{"headerless", ".raw", recognises_headerless, read_headerless, write_headerless};
+const RawFormat headerless_format{"headerless", ".raw", recognises_headerless, read_headerless,
+                                  write_headerless};
 
 } // namespace zerklsc::tool

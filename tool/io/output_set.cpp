@@ -17,8 +17,8 @@
 namespace zerklsc::tool {
 namespace {
 
-// What the signal handler removes: copies of the temporary names, empty where there is none. A handler may not
-// touch a std::string.
+// What the signal handler removes: copies of the temporary names, empty where there is none. A handler may
+// not touch a std::string.
 constexpr size_t most_outputs = 8;
 std::array<std::array<char, 4096>, most_outputs> doomed;
 

@@ -6,9 +6,9 @@
 
 namespace zerklsc::tool {
 
-// add() writes each file under a temporary name beside its place and brings it to the disk; commit() moves them
-// into place. Without commit(), and when a signal ends the process, the temporary files are removed. What is not a
-// regular file (a pipe, a device) is written at once.
+// add() writes each file under a temporary name beside its place and brings it to the disk; commit() moves
+// them into place. Without commit(), and when a signal ends the process, the temporary files are removed.
+// What is not a regular file (a pipe, a device) is written at once.
 class OutputSet {
   public:
     OutputSet() = default;

@@ -59,8 +59,8 @@ class HeaderParser {
         const char* const begin = bytes_.data() + position_;
         const auto [end, error] = std::from_chars(begin, bytes_.data() + bytes_.size(), value);
         if (error != std::errc{} || value < lowest || value > highest)
-            data_failure("{}: the {} in the PGM header is not a number from {} to {}: write the file again", path_,
-                         field, lowest, highest);
+            data_failure("{}: the {} in the PGM header is not a number from {} to {}: write the file again",
+                         path_, field, lowest, highest);
         position_ += static_cast<size_t>(end - begin);
         return value;
     }
@@ -76,9 +76,10 @@ bool recognises_pgm(const std::string& path, const std::string& bytes, const Raw
 }
 
 [[noreturn]] void bad_remark(const std::string& path, const std::string& word) {
-    data_failure("{}: \"{}\" in the comment of the PGM header is not understood: expected pattern=RGGB, GRBG, GBRG or "
-                 "BGGR, black=LEVEL or black=L0,L1,L2,L3, and bits=9 to 16",
-                 path, word);
+    data_failure(
+        "{}: \"{}\" in the comment of the PGM header is not understood: expected pattern=RGGB, GRBG, GBRG or "
+        "BGGR, black=LEVEL or black=L0,L1,L2,L3, and bits=9 to 16",
+        path, word);
 }
 
 // One word of the comment. Words of other names are left to whoever wrote them.
@@ -124,17 +125,20 @@ RawFrame read_pgm(const std::string& path, const std::string& bytes, const RawHi
     if (!bytes.starts_with("P5"))
         data_failure("{}: is not a binary PGM: it does not begin with P5", path);
     const Header header = HeaderParser(path, bytes).parse();
-    if ((hints.width != 0 && hints.width != header.width) || (hints.height != 0 && hints.height != header.height))
+    if ((hints.width != 0 && hints.width != header.width)
+        || (hints.height != 0 && hints.height != header.height))
         data_failure("{}: is {} x {} samples, not {} x {}: leave --width and --height away for a PGM", path,
                      header.width, header.height, hints.width, hints.height);
     if (header.maxval < 256)
-        data_failure("{}: is an 8-bit PGM (maxval {}): a raw frame needs 16-bit samples (maxval 256 to 65535)", path,
-                     header.maxval);
+        data_failure(
+            "{}: is an 8-bit PGM (maxval {}): a raw frame needs 16-bit samples (maxval 256 to 65535)", path,
+            header.maxval);
     const size_t count = static_cast<size_t>(header.width) * static_cast<size_t>(header.height);
     const size_t found = bytes.size() > header.size ? bytes.size() - header.size : 0;
     if (found != 2 * count)
-        data_failure("{}: holds {} bytes of samples, but {} x {} of 16 bits are {}: the file is {}", path, found,
-                     header.width, header.height, 2 * count, found < 2 * count ? "truncated" : "longer than one frame");
+        data_failure("{}: holds {} bytes of samples, but {} x {} of 16 bits are {}: the file is {}", path,
+                     found, header.width, header.height, 2 * count,
+                     found < 2 * count ? "truncated" : "longer than one frame");
 
     RawFrame frame;
     frame.width = header.width;

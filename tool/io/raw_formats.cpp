@@ -16,9 +16,10 @@ const RawFormat& format_of(const std::string& path, const std::string& bytes, co
     for (const RawFormat* format : formats)
         if (format->recognises(path, bytes, hints))
             return *format;
-    data_failure("{}: not a raw format known here: expected a 16-bit PGM (P5), or a headerless 16-bit file with "
-                 "--width and --height",
-                 path);
+    data_failure(
+        "{}: not a raw format known here: expected a 16-bit PGM (P5), or a headerless 16-bit file with "
+        "--width and --height",
+        path);
 }
 
 const RawFormat* format_by_extension(const std::string& path) {
@@ -31,12 +32,13 @@ const RawFormat* format_by_extension(const std::string& path) {
 
 void check_frame(const RawFrame& frame) {
     if (frame.width % 2 != 0 || frame.height % 2 != 0)
-        data_failure("{}: {} x {} samples are not whole 2 x 2 Bayer cells: crop the frame to an even size", frame.name,
-                     frame.width, frame.height);
+        data_failure("{}: {} x {} samples are not whole 2 x 2 Bayer cells: crop the frame to an even size",
+                     frame.name, frame.width, frame.height);
     const int largest = *std::ranges::max_element(frame.samples);
     if (largest > frame.full_scale())
-        data_failure("{}: holds a sample of {}, but {}-bit samples end at {}: give the right --bits (or --endian)",
-                     frame.name, largest, frame.bits, frame.full_scale());
+        data_failure(
+            "{}: holds a sample of {}, but {}-bit samples end at {}: give the right --bits (or --endian)",
+            frame.name, largest, frame.bits, frame.full_scale());
 }
 
 } // namespace

@@ -25,10 +25,12 @@ std::string encode_table(const GainTables& tables, int plane) {
     const auto& gains = tables.gains[static_cast<size_t>(plane)];
     for (int j = 0; j < tables.table_height; ++j) {
         const auto row = gains.begin() + j * tables.table_width;
-        rows += fmt::format("{}        [{}]", j == 0 ? "" : ",\n", fmt::join(row, row + tables.table_width, ", "));
+        rows += fmt::format("{}        [{}]", j == 0 ? "" : ",\n",
+                            fmt::join(row, row + tables.table_width, ", "));
     }
-    return fmt::format("    {{\n      \"plane\": {},\n      \"colour\": \"{}\",\n      \"gains\": [\n{}\n      ]\n    }}",
-                       plane, name_of(colour_of_plane(tables.pattern, plane)), rows);
+    return fmt::format(
+        "    {{\n      \"plane\": {},\n      \"colour\": \"{}\",\n      \"gains\": [\n{}\n      ]\n    }}",
+        plane, name_of(colour_of_plane(tables.pattern, plane)), rows);
 }
 
 // Looks fields up in one file, and names the file and the field when they are not as they must be.
@@ -38,7 +40,8 @@ class Reader {
 
     const json& field(const char* name) const {
         if (!object_.is_object() || !object_.contains(name))
-            data_failure("{}: has no \"{}\": expected a table file as zerklsc calibrate writes it", path_, name);
+            data_failure("{}: has no \"{}\": expected a table file as zerklsc calibrate writes it", path_,
+                         name);
         return object_[name];
     }
 
@@ -67,8 +70,8 @@ class Reader {
         const bool integer = value.is_number_integer();
         const int64_t number = integer ? value.get<int64_t>() : 0;
         if (!integer || number < lowest || number > highest)
-            data_failure("{}: \"{}\" holds {}, which is not a whole number from {} to {}", path_, name, value.dump(),
-                         lowest, highest);
+            data_failure("{}: \"{}\" holds {}, which is not a whole number from {} to {}", path_, name,
+                         value.dump(), lowest, highest);
         return static_cast<int>(number);
     }
 
@@ -89,11 +92,13 @@ json parse(const std::string& path) {
 
 void check_version(const Reader& reader) {
     if (reader.text("format") != format_name)
-        data_failure("{}: is of format \"{}\", not \"{}\"", reader.path(), reader.text("format"), format_name);
+        data_failure("{}: is of format \"{}\", not \"{}\"", reader.path(), reader.text("format"),
+                     format_name);
     const int version = reader.integer("version", 1, std::numeric_limits<int>::max());
     if (version != format_version)
-        data_failure("{}: is a table file of version {}, and this tool reads version {}: use the tool that wrote it",
-                     reader.path(), version, format_version);
+        data_failure(
+            "{}: is a table file of version {}, and this tool reads version {}: use the tool that wrote it",
+            reader.path(), version, format_version);
 }
 
 GainTables read_header(const Reader& reader) {
@@ -107,8 +112,8 @@ GainTables read_header(const Reader& reader) {
     tables.shading_percent = reader.integer("shading_percent", 0, 65535);
     const auto pattern = bayer_pattern_from(reader.text("bayer_pattern"));
     if (!pattern)
-        data_failure("{}: \"bayer_pattern\" holds \"{}\", which is not RGGB, GRBG, GBRG or BGGR", reader.path(),
-                     reader.text("bayer_pattern"));
+        data_failure("{}: \"bayer_pattern\" holds \"{}\", which is not RGGB, GRBG, GBRG or BGGR",
+                     reader.path(), reader.text("bayer_pattern"));
     tables.pattern = *pattern;
     tables.black = reader.integers<4>("black_level", 0, 65535);
     tables.bits = reader.integer("bit_depth", 9, 16);
@@ -162,9 +167,10 @@ std::string encode_table_json(const GainTables& tables) {
 }}
 )",
                        format_name, format_version, tables.raw_width, tables.raw_height, tables.plane_width(),
-                       tables.plane_height(), tables.step, tables.table_width, tables.table_height, tables.algorithm,
-                       algorithm_name(tables.algorithm), tables.filter_radius, tables.shading_percent,
-                       name_of(tables.pattern), fmt::join(tables.black, ", "), tables.bits, planes);
+                       tables.plane_height(), tables.step, tables.table_width, tables.table_height,
+                       tables.algorithm, algorithm_name(tables.algorithm), tables.filter_radius,
+                       tables.shading_percent, name_of(tables.pattern), fmt::join(tables.black, ", "),
+                       tables.bits, planes);
 }
 
 GainTables read_table_json(const std::string& path) {

@@ -12,7 +12,8 @@ constexpr int dot = 2;
 } // namespace
 
 Canvas::Canvas(int width, int height, Rgb background)
-    : width_(width), height_(height), pixels_(static_cast<size_t>(width) * static_cast<size_t>(height), background) {}
+    : width_(width), height_(height),
+      pixels_(static_cast<size_t>(width) * static_cast<size_t>(height), background) {}
 
 void Canvas::set(int x, int y, Rgb colour) {
     if (x >= 0 && x < width_ && y >= 0 && y < height_)

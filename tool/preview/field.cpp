@@ -80,7 +80,8 @@ Field gain_field(const GainTables& tables, int plane, int width, int height) {
             const double v = (y + 0.5) * tables.plane_height() / height / tables.step;
             const int i = static_cast<int>(u), j = static_cast<int>(v);
             const double fu = u - i, fv = v - j;
-            const double above = table_gain(tables, plane, i, j) * (1 - fu) + table_gain(tables, plane, i + 1, j) * fu;
+            const double above =
+                table_gain(tables, plane, i, j) * (1 - fu) + table_gain(tables, plane, i + 1, j) * fu;
             const double below =
                 table_gain(tables, plane, i, j + 1) * (1 - fu) + table_gain(tables, plane, i + 1, j + 1) * fu;
             field.values.push_back(above * (1 - fv) + below * fv);

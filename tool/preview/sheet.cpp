@@ -14,7 +14,8 @@ constexpr Rgb ink{38, 40, 46};
 constexpr Rgb faint_ink{120, 124, 132};
 
 constexpr int margin = 28;
-constexpr int gap = 18;
+constexpr int gap = 18;     // between columns
+constexpr int row_gap = 26; // between rows
 constexpr int line_height = text_height + 10;
 constexpr int scale_width = 18;
 constexpr int scale_label_width = 84;
@@ -35,8 +36,10 @@ Rgb darker(Rgb c) {
 bool crosses_contour(const PanelRow& row, const Field& field, int x, int y) {
     if (row.contour <= 0)
         return false;
+    // The ends of the scale are no contours: a field touches them in single points.
     const auto band = [&](int i, int j) {
-        return std::floor(field.at(std::min(i, field.width - 1), std::min(j, field.height - 1)) / row.contour);
+        const double value = field.at(std::min(i, field.width - 1), std::min(j, field.height - 1));
+        return std::ceil(std::clamp(value, row.low, row.high) / row.contour);
     };
     return band(x, y) != band(x + 1, y) || band(x, y) != band(x, y + 1);
 }
@@ -62,9 +65,7 @@ void draw_scale(Canvas& canvas, int left, int top, int height, const PanelRow& r
     for (int i = 0; i <= last; ++i) {
         const int y = top + (height - 1) * (last - i) / std::max(last, 1);
         canvas.fill({left + scale_width + 1, y, 5, 1}, faint_ink);
-        // The labels at the ends stay beside the scale.
-        const int text_top = std::clamp(y - text_height / 2, top, top + height - text_height);
-        canvas.text(left + scale_width + 11, text_top, row.labels[static_cast<size_t>(i)], ink);
+        canvas.text(left + scale_width + 11, y - text_height / 2, row.labels[static_cast<size_t>(i)], ink);
     }
 }
 
@@ -72,16 +73,17 @@ void draw_scale(Canvas& canvas, int left, int top, int height, const PanelRow& r
 
 PanelSize panel_size(int frame_width, int frame_height) {
     const double shrink = std::min(double{widest_panel} / frame_width, double{tallest_panel} / frame_height);
-    return {std::max(static_cast<int>(frame_width * shrink), 16), std::max(static_cast<int>(frame_height * shrink), 16)};
+    return {std::max(static_cast<int>(frame_width * shrink), 16),
+            std::max(static_cast<int>(frame_height * shrink), 16)};
 }
 
 Canvas draw_sheet(const std::vector<std::string>& heading, const std::vector<PanelRow>& rows) {
     const Field& first = rows.front().panels[0].field;
     const int column = first.width + gap;
-    const int row_height = line_height + first.height + line_height + gap;
+    const int row_height = line_height + first.height + line_height + row_gap;
     const int width = 2 * margin + 4 * column + scale_width + 11 + scale_label_width;
     const int height = 2 * margin + static_cast<int>(heading.size()) * line_height + gap
-                       + static_cast<int>(rows.size()) * row_height - gap;
+                       + static_cast<int>(rows.size()) * row_height - row_gap;
     Canvas canvas(width, height, paper);
     int y = margin;
     for (const std::string& line : heading) {

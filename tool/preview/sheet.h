@@ -17,9 +17,9 @@ struct Panel {
 
 struct PanelRow {
     std::string title;
-    double low = 0, high = 1; // the ends of the scale
-    double contour = 0;       // distance of contour lines on the scale; 0: none
-    bool deviation = false;   // the scale runs to both sides of its middle
+    double low = 0, high = 1;        // the ends of the scale
+    double contour = 0;              // distance of contour lines on the scale; 0: none
+    bool deviation = false;          // the scale runs to both sides of its middle
     std::vector<std::string> labels; // along the scale, evenly spaced from low to high
     std::array<Panel, 4> panels;     // in the order of all_colours
 };
