@@ -1,4 +1,5 @@
 // zerklsc preview: a picture of what the lens does to a frame, and of what a correction leaves
+#include <algorithm>
 #include <cmath>
 
 #include <fmt/format.h>
@@ -95,32 +96,36 @@ PanelRow gain_row(const GainTables& tables, PanelSize size) {
     return row;
 }
 
-// The deviation of each channel from its mean, on the narrowest usual scale that holds it.
-PanelRow residual_row(const std::string& title, const Shown& shown) {
-    PanelRow row;
-    std::array<Field, 4> deviations;
-    double largest = 0;
-    for (size_t i = 0; i < all_colours.size(); ++i) {
-        Field& field = deviations[i] = shown.fields[i];
-        const double mean = field.mean();
-        for (double& v : field.values) {
-            v = mean > 0 ? 100 * (v / mean - 1) : 0;
-            largest = std::max(largest, std::abs(v));
-        }
-    }
+// The narrowest usual scale that holds 99 % of the deviations; a few pixels in the corners may go beyond it.
+double usual_reach(std::vector<double> deviations) {
+    const auto most = deviations.begin() + static_cast<ptrdiff_t>(deviations.size() * 99 / 100);
+    std::ranges::nth_element(deviations, most, {}, [](double v) { return std::abs(v); });
     double reach = 100;
     for (const double narrower : {50.0, 20.0, 10.0, 5.0, 2.0, 1.0})
-        reach = largest <= narrower ? narrower : reach;
-    row.title = fmt::format("{}: deviation from the channel's mean, {} % either way", title, reach);
+        reach = std::abs(*most) <= narrower ? narrower : reach;
+    return reach;
+}
+
+// The deviation of each channel from its mean.
+PanelRow residual_row(const std::string& title, const Shown& shown) {
+    PanelRow row;
+    std::vector<double> all;
+    for (size_t i = 0; i < all_colours.size(); ++i) {
+        Field field = shown.fields[i];
+        const double mean = field.mean();
+        for (double& v : field.values)
+            v = mean > 0 ? 100 * (v / mean - 1) : 0;
+        all.insert(all.end(), field.values.begin(), field.values.end());
+        row.panels[i] = {std::move(field), fmt::format("{}  flat to {:.2f} %", name_of(all_colours[i]),
+                                                       100 * levels_of(shown, i).flatness())};
+    }
+    const double reach = usual_reach(std::move(all));
+    row.title = fmt::format("{}: deviation from the channel's mean, scale +-{} %", title, reach);
     row.low = -reach;
     row.high = reach;
     row.deviation = true;
     row.labels = labels_between(-reach, reach, 5, "{:+.1f} %");
     row.labels[2] = "0 %";
-    for (size_t i = 0; i < all_colours.size(); ++i)
-        row.panels[i] = {std::move(deviations[i]),
-                         fmt::format("{}  flat to {:.2f} %", name_of(all_colours[i]),
-                                     100 * levels_of(shown, i).flatness())};
     return row;
 }
 
