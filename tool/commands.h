@@ -12,5 +12,7 @@ void add_calibrate(CLI::App& app);
 void add_correct(CLI::App& app);
 void add_measure(CLI::App& app);
 void add_preview(CLI::App& app);
+void add_resample(CLI::App& app);
+void add_otp(CLI::App& app);
 
 } // namespace zerklsc::tool

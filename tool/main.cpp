@@ -71,6 +71,8 @@ int main_program(int argc, char** argv) {
     add_correct(app);
     add_measure(app);
     add_preview(app);
+    add_resample(app);
+    add_otp(app);
     try {
         return finish(run(app, argc, argv));
     } catch (const Failure& failure) {

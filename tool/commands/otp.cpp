@@ -1,0 +1,249 @@
+// zerklsc otp: streams for a module's one-time-programmable memory
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "commands.h"
+#include "commands/report.h"
+#include "failure.h"
+#include "imaging/otp_stream.h"
+#include "io/black_level_text.h"
+#include "io/input_file.h"
+#include "io/output_set.h"
+#include "io/table_json.h"
+#include "terminal.h"
+#include "zerklsc.h"
+
+namespace zerklsc::tool {
+namespace {
+
+// Rounding alone takes up to 1/128 (mode 0) or 1/32 (mode 1) off a gain of 1.0; a loss beyond that is a
+// fault.
+constexpr std::array<double, 2> usual_max_error{1.0, 4.0};
+
+struct EncodeOptions {
+    std::string tables, output, c_array;
+    int mode = 0;
+    double max_error = 0; // percent; 0: the usual one of the mode
+    bool force = false;
+};
+
+struct DecodeOptions {
+    std::string stream, output, like, pattern = "RGGB", black = "0";
+    int width = 0, height = 0, step = 64;
+};
+
+struct CheckOptions {
+    std::string stream, tables;
+    double max_error = 0;
+};
+
+std::string c_array_of(const std::string& stream, const GainTables& tables, int mode) {
+    std::string text = fmt::format(
+        "/* Lens-shading stream: mode {}, tables of {} x {}, step {}, Bayer pattern {}. */\n"
+        "static const unsigned char lsc_otp_stream[{}] = {{\n",
+        mode, tables.table_width, tables.table_height, tables.step, name_of(tables.pattern), stream.size());
+    constexpr size_t per_line = 12;
+    for (size_t i = 0; i < stream.size(); i += per_line) {
+        text += "   ";
+        for (const char byte : stream.substr(i, per_line))
+            text += fmt::format(" 0x{:02X},", static_cast<unsigned char>(byte));
+        text += '\n';
+    }
+    return text + "};\n";
+}
+
+void print_loss(const GainTables& tables, int mode, size_t size, const StreamLoss& loss) {
+    fmt::print("mode {}, {} bytes for {} nodes, {} of them not stored\n", mode, size, inner_nodes(tables),
+               unstored_nodes(tables, mode));
+    std::vector<std::vector<std::string>> rows{{"channel", "saturated fields", "largest gain error"}};
+    for (const Colour colour : all_colours) {
+        const auto i = static_cast<size_t>(colour);
+        rows.push_back(
+            {name_of(colour), fmt::format("{}", loss.saturated[i]), percent(loss.largest_error[i])});
+    }
+    fmt::print("{}", text_table(rows));
+}
+
+// Why a stream loses more than rounding does, and what helps.
+std::string reason_of(const GainTables& tables, int mode, const StreamLoss& loss) {
+    if (decodes_wrong(tables))
+        return fmt::format(
+            "a grid of {} x {} nodes, odd by even, decodes wrong in its lower half: choose a step with "
+            "another node count (zerklsc resample)",
+            tables.table_width - 2 * ZERKLSC_BORDER, tables.table_height - 2 * ZERKLSC_BORDER);
+    if (std::ranges::any_of(loss.saturated, [](int n) { return n > 0; }))
+        return fmt::format(
+            "gains change faster than the fields can hold: {}choose a smaller step (zerklsc resample)",
+            mode == 0 ? "" : "use --mode 0, or ");
+    if (unstored_nodes(tables, mode) > 0)
+        return "the last nodes are not stored: use --mode 0, or choose a step with another node count";
+    return "rounding alone loses that much: use --mode 0, or allow it with --max-error";
+}
+
+double limit_of(double max_error, int mode) {
+    return max_error > 0 ? max_error : usual_max_error[static_cast<size_t>(mode)];
+}
+
+void run_encode(const EncodeOptions& options) {
+    const GainTables tables = read_table_json(options.tables);
+    const std::string stream = encode_stream(tables, options.mode);
+    GainTables decoded = tables;
+    decode_stream(stream, options.output, decoded);
+    const StreamLoss loss = loss_of(tables, decoded, options.mode);
+    const double limit = limit_of(options.max_error, options.mode);
+    if (100 * loss.worst() > limit) {
+        const std::string what =
+            fmt::format("{}: the stream is off by {} at worst (limit {} %): {}", options.tables,
+                        percent(loss.worst()), limit, reason_of(tables, options.mode, loss));
+        if (!options.force)
+            throw Failure(exit_data, what + "; --force writes it all the same");
+        warn(what);
+    }
+    OutputSet outputs;
+    outputs.add(options.output, stream);
+    if (!options.c_array.empty())
+        outputs.add(options.c_array, c_array_of(stream, tables, options.mode));
+    outputs.commit();
+    print_loss(tables, options.mode, stream.size(), loss);
+}
+
+// Tables without gains, of the geometry that the options say.
+GainTables described(const DecodeOptions& options) {
+    if (!options.like.empty())
+        return read_table_json(options.like);
+    if (options.width == 0 || options.height == 0)
+        usage_failure(
+            "otp decode: the stream does not say its geometry: give --like TABLES, or --width and --height");
+    if (options.width % 2 != 0 || options.height % 2 != 0)
+        usage_failure("--width and --height: {} x {} are not whole 2 x 2 Bayer cells: give even numbers",
+                      options.width, options.height);
+    const auto pattern = bayer_pattern_from(options.pattern);
+    if (!pattern)
+        usage_failure("--pattern: {} is not known: expected RGGB, GRBG, GBRG or BGGR", options.pattern);
+    const auto black = black_level_from(options.black);
+    if (!black)
+        usage_failure(
+            "--black-level: {} is not a level from 0 to 65535, nor four of them with commas between",
+            options.black);
+    GainTables tables;
+    tables.raw_width = options.width;
+    tables.raw_height = options.height;
+    tables.step = options.step;
+    tables.algorithm = ZERKLSC_ALGORITHM_ORVEL;
+    tables.pattern = *pattern;
+    tables.black = *black;
+    tables.bits = 10;
+    tables.resize();
+    return tables;
+}
+
+void run_decode(const DecodeOptions& options) {
+    GainTables tables = described(options);
+    decode_stream(read_file(options.stream), options.stream, tables);
+    if (decodes_wrong(tables))
+        warn(fmt::format("{}: a grid of {} x {} nodes, odd by even, decodes wrong in its lower half",
+                         options.stream, tables.table_width - 2 * ZERKLSC_BORDER,
+                         tables.table_height - 2 * ZERKLSC_BORDER));
+    write_file(options.output, encode_table_json(tables));
+    fmt::print("{}: tables of {} x {} for frames of {} x {}, step {}\n", options.output, tables.table_width,
+               tables.table_height, tables.raw_width, tables.raw_height, tables.step);
+}
+
+void run_check(const CheckOptions& options) {
+    const GainTables tables = read_table_json(options.tables);
+    const std::string stream = read_file(options.stream);
+    GainTables decoded = tables;
+    decode_stream(stream, options.stream, decoded);
+    const int mode = stream.size() == stream_size(tables, 0) ? 0 : 1;
+    const StreamLoss loss = loss_of(tables, decoded, mode);
+    print_loss(tables, mode, stream.size(), loss);
+    const double limit = limit_of(options.max_error, mode);
+    if (100 * loss.worst() > limit)
+        data_failure(
+            "{}: differs from {} by {} at worst (limit {} %): it is not the stream of these tables, or {}",
+            options.stream, options.tables, percent(loss.worst()), limit, reason_of(tables, mode, loss));
+}
+
+void add_encode(CLI::App& otp) {
+    auto options = std::make_shared<EncodeOptions>();
+    CLI::App* command =
+        otp.add_subcommand("encode", "Pack tables into a stream, decode it again and report the loss");
+    command->add_option("tables", options->tables, "table file of zerklsc calibrate")->required();
+    command->add_option("-o,--output", options->output, "stream to write, bare bytes")->required();
+    command->add_option("--mode", options->mode, "0: 24 bits per node, 1: 14 bits per node")
+        ->check(CLI::Range(lowest_precision_mode, highest_precision_mode))
+        ->capture_default_str();
+    command->add_option("--c-array", options->c_array, "also write the stream as a C array");
+    command
+        ->add_option("--max-error", options->max_error,
+                     "refuse a larger gain error, percent (mode 0: 1, mode 1: 4)")
+        ->check(CLI::Range(0.001, 1000.0));
+    command->add_flag("--force", options->force, "write a stream of a larger error all the same");
+    command->footer("Example:\n"
+                    "  zerklsc simulate -o flat.pgm\n"
+                    "  zerklsc calibrate flat.pgm -o tables.json\n"
+                    "  zerklsc otp encode tables.json -o stream.bin --c-array stream.h");
+    command->callback([options] { run_encode(*options); });
+}
+
+void add_decode(CLI::App& otp) {
+    auto options = std::make_shared<DecodeOptions>();
+    CLI::App* command = otp.add_subcommand("decode", "Unpack a stream into tables");
+    command->add_option("stream", options->stream, "stream of zerklsc otp encode")->required();
+    command->add_option("-o,--output", options->output, "table file to write (JSON)")->required();
+    CLI::Option* like = command->add_option("--like", options->like, "table file of the same geometry");
+    const CLI::Range side(2, 65534);
+    command->add_option("--width", options->width, "frame width in pixels")->check(side)->excludes(like);
+    command->add_option("--height", options->height, "frame height in pixels")->check(side)->excludes(like);
+    command->add_option("--step", options->step, "node spacing in plane samples")
+        ->check(CLI::Range(smallest_step, largest_step))
+        ->capture_default_str()
+        ->excludes(like);
+    command->add_option("--pattern", options->pattern, "RGGB, GRBG, GBRG or BGGR")
+        ->capture_default_str()
+        ->excludes(like);
+    command->add_option("--black-level", options->black, "black level of 10-bit captures, for the table file")
+        ->capture_default_str()
+        ->excludes(like);
+    command->footer("The mode follows from the length of the stream.\n\n"
+                    "Example:\n"
+                    "  zerklsc simulate -o flat.pgm\n"
+                    "  zerklsc calibrate flat.pgm -o tables.json\n"
+                    "  zerklsc otp encode tables.json -o stream.bin\n"
+                    "  zerklsc otp decode stream.bin --like tables.json -o decoded.json");
+    command->callback([options] { run_decode(*options); });
+}
+
+void add_check(CLI::App& otp) {
+    auto options = std::make_shared<CheckOptions>();
+    CLI::App* command = otp.add_subcommand("check", "Compare what a stream decodes to with its tables");
+    command->add_option("stream", options->stream, "stream of zerklsc otp encode")->required();
+    command->add_option("--tables", options->tables, "the tables that it was made from")->required();
+    command
+        ->add_option("--max-error", options->max_error,
+                     "exit with 1 at a larger gain error, percent (as in encode)")
+        ->check(CLI::Range(0.001, 1000.0));
+    command->footer("Example:\n"
+                    "  zerklsc simulate -o flat.pgm\n"
+                    "  zerklsc calibrate flat.pgm -o tables.json\n"
+                    "  zerklsc otp encode tables.json --mode 1 --max-error 5 -o stream.bin\n"
+                    "  zerklsc otp check stream.bin --tables tables.json --max-error 5");
+    command->callback([options] { run_check(*options); });
+}
+
+} // namespace
+
+void add_otp(CLI::App& app) {
+    CLI::App* otp = app.add_subcommand("otp", "Streams for a module's one-time-programmable memory");
+    otp->require_subcommand(1);
+    add_encode(*otp);
+    add_decode(*otp);
+    add_check(*otp);
+    otp->footer("Example:\n"
+                "  zerklsc simulate -o flat.pgm\n"
+                "  zerklsc calibrate flat.pgm -o tables.json\n"
+                "  zerklsc otp encode tables.json -o stream.bin\n"
+                "  zerklsc otp check stream.bin --tables tables.json");
+}
+
+} // namespace zerklsc::tool

@@ -1,0 +1,89 @@
+// zerklsc resample: tables for another grid step, crop or frame size
+#include <fmt/format.h>
+
+#include "commands.h"
+#include "failure.h"
+#include "imaging/resampling.h"
+#include "io/output_set.h"
+#include "io/table_json.h"
+#include "io/table_text.h"
+
+namespace zerklsc::tool {
+namespace {
+
+struct Options {
+    std::string tables, output, text;
+    int step = 0;                      // 0: as it is
+    std::vector<int> crop{0, 0, 0, 0}; // of width 0: the whole frame
+    std::vector<int> size{0, 0};       // of width 0: that of the window
+};
+
+CropWindow window_of(const Options& options, const GainTables& tables) {
+    if (options.crop[2] == 0)
+        return {0, 0, tables.raw_width, tables.raw_height};
+    const int x = options.crop[0], y = options.crop[1], width = options.crop[2], height = options.crop[3];
+    if (x % 2 != 0 || y % 2 != 0 || width % 2 != 0 || height % 2 != 0)
+        usage_failure("--crop: {},{},{},{} is not on whole 2 x 2 Bayer cells: give even numbers", x, y, width,
+                      height);
+    if (x + width > tables.raw_width || y + height > tables.raw_height)
+        data_failure("{}: is for frames of {} x {}, and --crop {},{},{},{} reaches beyond them",
+                     options.tables, tables.raw_width, tables.raw_height, x, y, width, height);
+    return {x, y, width, height};
+}
+
+GainTables resample(const Options& options, const GainTables& tables) {
+    const int step = options.step != 0 ? options.step : tables.step;
+    const CropWindow window = window_of(options, tables);
+    const int width = options.size[0] != 0 ? options.size[0] : window.width;
+    const int height = options.size[0] != 0 ? options.size[1] : window.height;
+    if (width % 2 != 0 || height % 2 != 0)
+        usage_failure("--size: {} x {} is not whole 2 x 2 Bayer cells: give even numbers", width, height);
+    if (options.crop[2] == 0 && options.size[0] == 0)
+        return resample_step(tables, options.tables, step);
+    return resample_crop(tables, options.tables, window, width, height, step);
+}
+
+void run(const Options& options) {
+    const GainTables result = resample(options, read_table_json(options.tables));
+    OutputSet outputs;
+    outputs.add(options.output, encode_table_json(result));
+    if (!options.text.empty())
+        outputs.add(options.text, encode_table_text(result));
+    outputs.commit();
+    fmt::print("{}: tables of {} x {} for frames of {} x {}, step {}\n", options.output, result.table_width,
+               result.table_height, result.raw_width, result.raw_height, result.step);
+}
+
+} // namespace
+
+void add_resample(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        app.add_subcommand("resample", "Carry tables over to another grid step, crop or frame size");
+    command->add_option("tables", options->tables, "table file of zerklsc calibrate")->required();
+    command->add_option("-o,--output", options->output, "table file to write (JSON)")->required();
+    command->add_option("--text", options->text, "also write the four tables as plain text, in plane order");
+    command->add_option("--step", options->step, "node spacing in plane samples (default: as it is)")
+        ->check(CLI::Range(smallest_step, largest_step));
+    command
+        ->add_option("--crop", options->crop,
+                     "X,Y,WIDTH,HEIGHT of a window in pixels of the calibrated frame")
+        ->expected(4)
+        ->delimiter(',')
+        ->check(CLI::Range(0, 65534));
+    command
+        ->add_option("--size", options->size,
+                     "WIDTH,HEIGHT of the new frame in pixels (default: that of the window)")
+        ->expected(2)
+        ->delimiter(',')
+        ->check(CLI::Range(2, 65534));
+    command->footer(
+        "Example:\n"
+        "  zerklsc simulate -o flat.pgm\n"
+        "  zerklsc calibrate flat.pgm -o tables.json\n"
+        "  zerklsc resample tables.json --step 32 -o finer.json\n"
+        "  zerklsc resample tables.json --crop 184,480,3840,2160 --size 1920,1080 --step 32 -o video.json");
+    command->callback([options] { run(*options); });
+}
+
+} // namespace zerklsc::tool
