@@ -1,5 +1,8 @@
 // zerklsc simulate: a plausible flat-field capture
+#include <algorithm>
+
 #include "commands.h"
+#include "commands/number_list.h"
 #include "failure.h"
 #include "imaging/simulation.h"
 #include "io/output_set.h"
@@ -12,8 +15,9 @@ namespace {
 struct Options {
     SimulationSettings settings;
     std::string pattern = "RGGB";
+    std::string corners = "34,40,41,45";
+    std::string centre = "51.5,48";
     std::string output;
-    bool big_endian = false;
 };
 
 void run(const Options& options) {
@@ -22,6 +26,8 @@ void run(const Options& options) {
     if (!pattern)
         usage_failure("--pattern: {} is not known: expected RGGB, GRBG, GBRG or BGGR", options.pattern);
     settings.pattern = *pattern;
+    std::ranges::copy(number_list("--corners", options.corners, 4, 1, 100), settings.corners.begin());
+    std::ranges::copy(number_list("--centre", options.centre, 2, 0, 100), settings.centre.begin());
     if (settings.width % 2 != 0 || settings.height % 2 != 0)
         usage_failure("--width and --height: {} x {} are not whole 2 x 2 Bayer cells: give even numbers",
                       settings.width, settings.height);
@@ -61,19 +67,16 @@ void add_sensor_options(CLI::App& command, Options& options) {
         ->capture_default_str();
 }
 
-void add_lens_options(CLI::App& command, SimulationSettings& s) {
+void add_lens_options(CLI::App& command, Options& options) {
+    SimulationSettings& s = options.settings;
     command
         .add_option("--level", s.level,
                     "green at the optical centre, percent of the range; above 100 it clips")
         ->check(CLI::Range(0.0, 1000.0))
         ->capture_default_str();
-    command.add_option("--corners", s.corners, "corner brightness of R,Gr,Gb,B, percent of the centre")
-        ->delimiter(',')
-        ->check(CLI::Range(1.0, 100.0))
+    command.add_option("--corners", options.corners, "corner brightness of R,Gr,Gb,B, percent of the centre")
         ->capture_default_str();
-    command.add_option("--centre", s.centre, "optical centre X,Y, percent of width and height")
-        ->delimiter(',')
-        ->check(CLI::Range(0.0, 100.0))
+    command.add_option("--centre", options.centre, "optical centre X,Y, percent of width and height")
         ->capture_default_str();
     command.add_option("--dust", s.dust, "soft dark spots")
         ->check(CLI::Range(0, 10000))
@@ -89,7 +92,7 @@ void add_simulate(CLI::App& app) {
     command->add_option("-o,--output", options->output, "frame to write: .pgm, or .raw for headerless")
         ->required();
     add_sensor_options(*command, *options);
-    add_lens_options(*command, options->settings);
+    add_lens_options(*command, *options);
     command->footer("The same options give the same bytes on every machine.\n\n"
                     "Example:\n"
                     "  zerklsc simulate -o flat.pgm\n"

@@ -15,13 +15,13 @@ struct SimulationSettings {
     int bits = 10;
     int black = 64;
     uint64_t seed = 1;
-    double level = 80; // of green at the optical centre, percent of the range above black
-    std::array<double, 4> corners{34, 40, 41, 45}; // corner brightness of R, Gr, Gb, B, percent of the centre
-    std::array<double, 2> centre{51.5, 48};        // optical centre, percent of width and height
-    double full_well = 6000;                       // electrons at full scale; 0: no photon noise
-    double read_noise = 3;                         // electrons
-    int dust = 0;                                  // soft dark spots
-    int defects = 0;                               // pixels stuck at 0 or at full scale
+    double level = 80;               // of green at the optical centre, percent of the range above black
+    std::array<double, 4> corners{}; // corner brightness of R, Gr, Gb, B, percent of the centre
+    std::array<double, 2> centre{};  // optical centre, percent of width and height
+    double full_well = 6000;         // electrons at full scale; 0: no photon noise
+    double read_noise = 3;           // electrons
+    int dust = 0;                    // soft dark spots
+    int defects = 0;                 // pixels stuck at 0 or at full scale
 };
 
 // The same settings give the same samples on every machine: beside integers, only additions, multiplications,
