@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/number_list.h"
 #include "failure.h"
 #include "imaging/resampling.h"
 #include "io/output_set.h"
@@ -13,32 +14,34 @@ namespace {
 
 struct Options {
     std::string tables, output, text;
-    int step = 0;                      // 0: as it is
-    std::vector<int> crop{0, 0, 0, 0}; // of width 0: the whole frame
-    std::vector<int> size{0, 0};       // of width 0: that of the window
+    int step = 0;     // 0: as it is
+    std::string crop; // empty: the whole frame
+    std::string size; // empty: that of the window
 };
 
 CropWindow window_of(const Options& options, const GainTables& tables) {
-    if (options.crop[2] == 0)
+    if (options.crop.empty())
         return {0, 0, tables.raw_width, tables.raw_height};
-    const int x = options.crop[0], y = options.crop[1], width = options.crop[2], height = options.crop[3];
-    if (x % 2 != 0 || y % 2 != 0 || width % 2 != 0 || height % 2 != 0)
-        usage_failure("--crop: {},{},{},{} is not on whole 2 x 2 Bayer cells: give even numbers", x, y, width,
-                      height);
+    const auto crop = integer_list("--crop", options.crop, 4, 0, 65534);
+    const int x = crop[0], y = crop[1], width = crop[2], height = crop[3];
+    if (x % 2 != 0 || y % 2 != 0 || width % 2 != 0 || height % 2 != 0 || width == 0 || height == 0)
+        usage_failure("--crop: {} is not on whole 2 x 2 Bayer cells: give even numbers", options.crop);
     if (x + width > tables.raw_width || y + height > tables.raw_height)
-        data_failure("{}: is for frames of {} x {}, and --crop {},{},{},{} reaches beyond them",
-                     options.tables, tables.raw_width, tables.raw_height, x, y, width, height);
+        data_failure("{}: is for frames of {} x {}, and --crop {} reaches beyond them", options.tables,
+                     tables.raw_width, tables.raw_height, options.crop);
     return {x, y, width, height};
 }
 
 GainTables resample(const Options& options, const GainTables& tables) {
     const int step = options.step != 0 ? options.step : tables.step;
     const CropWindow window = window_of(options, tables);
-    const int width = options.size[0] != 0 ? options.size[0] : window.width;
-    const int height = options.size[0] != 0 ? options.size[1] : window.height;
+    std::vector<int> size{window.width, window.height};
+    if (!options.size.empty())
+        size = integer_list("--size", options.size, 2, 2, 65534);
+    const int width = size[0], height = size[1];
     if (width % 2 != 0 || height % 2 != 0)
-        usage_failure("--size: {} x {} is not whole 2 x 2 Bayer cells: give even numbers", width, height);
-    if (options.crop[2] == 0 && options.size[0] == 0)
+        usage_failure("--size: {} is not whole 2 x 2 Bayer cells: give even numbers", options.size);
+    if (options.crop.empty() && options.size.empty())
         return resample_step(tables, options.tables, step);
     return resample_crop(tables, options.tables, window, width, height, step);
 }
@@ -65,18 +68,10 @@ void add_resample(CLI::App& app) {
     command->add_option("--text", options->text, "also write the four tables as plain text, in plane order");
     command->add_option("--step", options->step, "node spacing in plane samples (default: as it is)")
         ->check(CLI::Range(smallest_step, largest_step));
-    command
-        ->add_option("--crop", options->crop,
-                     "X,Y,WIDTH,HEIGHT of a window in pixels of the calibrated frame")
-        ->expected(4)
-        ->delimiter(',')
-        ->check(CLI::Range(0, 65534));
-    command
-        ->add_option("--size", options->size,
-                     "WIDTH,HEIGHT of the new frame in pixels (default: that of the window)")
-        ->expected(2)
-        ->delimiter(',')
-        ->check(CLI::Range(2, 65534));
+    command->add_option("--crop", options->crop,
+                        "X,Y,WIDTH,HEIGHT of a window in pixels of the calibrated frame");
+    command->add_option("--size", options->size,
+                        "WIDTH,HEIGHT of the new frame in pixels (default: that of the window)");
     command->footer(
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"

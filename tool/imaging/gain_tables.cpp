@@ -14,8 +14,12 @@ constexpr std::array<const char*, 5> names{"halvane", "orvel-otp", "orvel", "bet
 
 } // namespace
 
-void GainTables::resize() {
+void GainTables::set_table_size() {
     lsc2d_table_size(plane_width(), plane_height(), step, step, &table_width, &table_height);
+}
+
+void GainTables::resize() {
+    set_table_size();
     for (auto& table : gains)
         table.assign(table_size(), 0);
 }

@@ -29,7 +29,9 @@ struct GainTables {
     int plane_height() const { return raw_height / 2; }
     size_t table_size() const { return static_cast<size_t>(table_width) * static_cast<size_t>(table_height); }
 
-    // Sets the table size that goes with the raw size and the step, and makes the tables that long.
+    // Sets the table size that goes with the raw size and the step.
+    void set_table_size();
+    // The same, and makes the tables that long.
     void resize();
     // The four tables, as the library takes them.
     std::array<uint16_t*, 4> pointers();

@@ -106,6 +106,9 @@ GainTables read_header(const Reader& reader) {
     const auto raw_size = reader.integers<2>("raw_size", 2, 65534);
     tables.raw_width = raw_size[0];
     tables.raw_height = raw_size[1];
+    if (tables.raw_width % 2 != 0 || tables.raw_height % 2 != 0)
+        data_failure("{}: \"raw_size\" of {} x {} is not whole 2 x 2 Bayer cells", reader.path(),
+                     tables.raw_width, tables.raw_height);
     tables.step = reader.integer("step", smallest_step, largest_step);
     tables.algorithm = reader.integer("algorithm", 0, 4);
     tables.filter_radius = reader.integer("filter_radius", 0, 65535);
@@ -117,7 +120,8 @@ GainTables read_header(const Reader& reader) {
     tables.pattern = *pattern;
     tables.black = reader.integers<4>("black_level", 0, 65535);
     tables.bits = reader.integer("bit_depth", 9, 16);
-    tables.resize();
+    // The tables themselves are made row by row as the file holds them, not from what it says in its head.
+    tables.set_table_size();
     const auto size = reader.integers<2>("table_size", 1, std::numeric_limits<int>::max());
     if (size[0] != tables.table_width || size[1] != tables.table_height)
         data_failure("{}: tables of {} x {} do not go with frames of {} x {} and step {}, which need {} x {}",
@@ -135,9 +139,8 @@ void read_gains(const std::string& path, const json& rows, GainTables& tables, s
     for (size_t j = 0; j < height; ++j) {
         if (!rows[j].is_array() || rows[j].size() != width)
             data_failure("{}: row {} of plane {} does not hold {} gains", path, j, plane, width);
-        for (size_t i = 0; i < width; ++i)
-            tables.gains[plane][j * width + i] =
-                static_cast<uint16_t>(reader.integer_of(rows[j][i], "gains", 0, 65535));
+        for (const json& gain : rows[j])
+            tables.gains[plane].push_back(static_cast<uint16_t>(reader.integer_of(gain, "gains", 0, 65535)));
     }
 }
 
