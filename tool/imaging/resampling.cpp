@@ -1,6 +1,8 @@
 // resample_step, resample_crop
 #include "imaging/resampling.h"
 
+#include <algorithm>
+
 #include "failure.h"
 #include "zerklsc.h"
 
@@ -16,6 +18,10 @@ GainTables resized(const GainTables& tables, int width, int height, int step) {
     return result;
 }
 
+int inner(int table_side) {
+    return table_side - 2 * ZERKLSC_BORDER;
+}
+
 void check_status(int32_t status, const GainTables& result, const std::string& name) {
     if (status != 0)
         data_failure("{}: cannot be carried over to frames of {} x {} with --step {}, which is a grid of {} "
@@ -26,18 +32,37 @@ void check_status(int32_t status, const GainTables& result, const std::string& n
 }
 
 lsc2d_grid grid_of(const GainTables& tables, uint16_t* table) {
-    return {table, tables.step, tables.step, tables.table_width - 2 * ZERKLSC_BORDER,
-            tables.table_height - 2 * ZERKLSC_BORDER};
+    return {table, tables.step, tables.step, inner(tables.table_width), inner(tables.table_height)};
 }
 
-lsc2d_table_desc desc_of(const GainTables& tables, uint16_t* table) {
-    return {static_cast<uint16_t>(tables.plane_width()),
-            static_cast<uint16_t>(tables.plane_height()),
+// One direction of a crop, in plane samples.
+struct Axis {
+    int source, offset, window, target;
+};
+
+// lsc2d_table_mapping() reads its last node where that maps to, yet corrects it as if it had been read at the
+// last sample of the new frame. Both are true only where the window ends with the source. Elsewhere the new
+// frame is described as ending at its last node, which leaves nothing to correct, and the source as reaching
+// to its own last node.
+Axis end_at_last_node(Axis axis, int source_nodes, int source_step, int target_nodes, int target_step) {
+    if (axis.offset + axis.window == axis.source)
+        return axis;
+    const int target = (target_nodes - 1) * target_step + 1;
+    const int64_t window = (int64_t{axis.window} * target + axis.target / 2) / axis.target;
+    axis.window = static_cast<int>(std::min(window, int64_t{65535}));
+    axis.target = target;
+    axis.source = (source_nodes - 1) * source_step;
+    return axis;
+}
+
+lsc2d_table_desc desc_of(GainTables& tables, size_t plane, int width, int height) {
+    return {static_cast<uint16_t>(width),
+            static_cast<uint16_t>(height),
             static_cast<uint16_t>(tables.step),
             static_cast<uint16_t>(tables.step),
             static_cast<uint16_t>(tables.table_width),
             static_cast<uint16_t>(tables.table_height),
-            table};
+            tables.gains[plane].data()};
 }
 
 } // namespace
@@ -58,11 +83,16 @@ GainTables resample_crop(const GainTables& tables, const std::string& name, cons
                          int height, int step) {
     GainTables source = tables;
     GainTables result = resized(tables, width, height, step);
-    const lsc2d_crop window{static_cast<uint16_t>(crop.x / 2), static_cast<uint16_t>(crop.y / 2),
-                            static_cast<uint16_t>(crop.width / 2), static_cast<uint16_t>(crop.height / 2)};
+    const Axis x = end_at_last_node({tables.plane_width(), crop.x / 2, crop.width / 2, result.plane_width()},
+                                    inner(tables.table_width), tables.step, inner(result.table_width), step);
+    const Axis y =
+        end_at_last_node({tables.plane_height(), crop.y / 2, crop.height / 2, result.plane_height()},
+                         inner(tables.table_height), tables.step, inner(result.table_height), step);
+    const lsc2d_crop window{static_cast<uint16_t>(x.offset), static_cast<uint16_t>(y.offset),
+                            static_cast<uint16_t>(x.window), static_cast<uint16_t>(y.window)};
     for (size_t plane = 0; plane < source.gains.size(); ++plane) {
-        const lsc2d_table_desc from = desc_of(source, source.gains[plane].data());
-        const lsc2d_table_desc to = desc_of(result, result.gains[plane].data());
+        const lsc2d_table_desc from = desc_of(source, plane, x.source, y.source);
+        const lsc2d_table_desc to = desc_of(result, plane, x.target, y.target);
         check_status(lsc2d_table_mapping(&from, &to, &window), result, name);
     }
     return result;
