@@ -449,7 +449,8 @@ ZERKLSC_API int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_
  * finite or does not fit 64 bits is stored as 0; lsc2d_table_postproc() is the usual next step.
  *
  * Working memory, with m = (nx - 2) * (ny - 2): 8 * m * m + 48 * m bytes, what matrix_inv() takes for m rows of
- * double, and 2 bytes for each column and row of the raster; nothing of the size of the frame. Time grows with m * m * m.
+ * double, and 2 bytes for each column and row of the raster; nothing of the size of the frame. Time grows with the
+ * third power of m.
  *
  * @param image   read; raw frame of width x height samples
  * @param width   frame width in pixels

@@ -111,7 +111,7 @@ TYPED_TEST(MatrixInv, ExtremeValuesEndAsInThePlainForm) {
     }
 }
 
-TYPED_TEST(MatrixInv, SingularMatricesAreRefused) {
+TYPED_TEST(MatrixInv, SingularMatricesAreRefusedEmptyOnesAreNot) {
     using T = TypeParam;
     std::vector<T> a = {1, 2, 2, 4};
     EXPECT_EQ(matrix_inv(a.data(), 2), -1);
@@ -120,11 +120,8 @@ TYPED_TEST(MatrixInv, SingularMatricesAreRefused) {
     // The square of its only element vanishes.
     T tiny = std::numeric_limits<T>::min();
     EXPECT_EQ(matrix_inv(&tiny, 1), -1);
-}
-
-TYPED_TEST(MatrixInv, NothingIsDoneForNoElements) {
-    EXPECT_EQ(matrix_inv<TypeParam>(nullptr, 0), 0);
-    EXPECT_EQ(matrix_inv<TypeParam>(nullptr, -3), 0);
+    EXPECT_EQ(matrix_inv<T>(nullptr, 0), 0);
+    EXPECT_EQ(matrix_inv<T>(nullptr, -3), 0);
 }
 
 TYPED_TEST(MatrixInv, FailedAllocationsLeaveTheMatrix) {

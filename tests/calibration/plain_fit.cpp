@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
+#include <utility>
 
 namespace zerklsc::testing {
 namespace {
@@ -36,13 +38,6 @@ Matrix<T> transpose(const Matrix<T>& a) {
     return t;
 }
 
-float kernel(float x) {
-    const float a = std::fabs(x), a2 = a * a, a3 = a2 * a;
-    if (a <= 1.0f)
-        return (1.5f * a3 - 2.5f * a2) + 1.0f;
-    return a <= 2.0f ? (2.5f * a2 - 4.0f * a) + (-0.5f * a3 + 2.0f) : 0.0f;
-}
-
 std::vector<int> lines(int extent, int step, int start) {
     std::vector<int> at;
     for (int x = start; x < step; x += step / 8)
@@ -66,19 +61,14 @@ Matrix<float> extension(size_t nodes) {
     return e;
 }
 
+// The product of the matrices that extend the columns and the rows.
 Matrix<float> border_tying(size_t nx, size_t ny) {
-    const size_t mx = nx - 2, my = ny - 2;
     const Matrix<float> row = extension(nx), column = extension(ny);
-    Matrix<float> rows{nx * my, mx * my}, columns{nx * ny, nx * my};
-    for (size_t j = 0; j < my; ++j)
-        for (size_t i = 0; i < nx; ++i)
-            for (size_t l = 0; l < mx; ++l)
-                rows.at(j * nx + i, j * mx + l) = row.at(i, l);
-    for (size_t i = 0; i < nx; ++i)
-        for (size_t j = 0; j < ny; ++j)
-            for (size_t l = 0; l < my; ++l)
-                columns.at(j * nx + i, l * nx + i) = column.at(j, l);
-    return multiply<float, float>(columns, rows);
+    Matrix<float> e{nx * ny, (nx - 2) * (ny - 2)};
+    for (size_t n = 0; n < e.rows; ++n)
+        for (size_t m = 0; m < e.columns; ++m)
+            e.at(n, m) = column.at(n / nx, m / (nx - 2)) * row.at(n % nx, m % (nx - 2));
+    return e;
 }
 
 Matrix<double> basis(const std::vector<pix_point>& points, int nx, int ny, int step) {
@@ -88,43 +78,31 @@ Matrix<double> basis(const std::vector<pix_point>& points, int nx, int ny, int s
         for (int j = 0; j < ny; ++j)
             for (int i = 0; i < nx; ++i)
                 b.at(p, static_cast<size_t>(j * nx + i)) =
-                    static_cast<double>(kernel(points[p].x * per_step + 1.0f - static_cast<float>(i)))
-                    * static_cast<double>(kernel(points[p].y * per_step + 1.0f - static_cast<float>(j)));
+                    static_cast<double>(get_cubic_coef(points[p].x * per_step + 1.0f - static_cast<float>(i)))
+                    * static_cast<double>(
+                        get_cubic_coef(points[p].y * per_step + 1.0f - static_cast<float>(j)));
     return b;
 }
 
-std::vector<pix_point> centre_patch(int pw, int ph) {
-    const int s = std::max(1, std::min(pw, ph) >> 7);
-    const int cx = static_cast<int>(static_cast<float>(pw) * 0.1f / static_cast<float>(s));
-    const int cy = static_cast<int>(static_cast<float>(ph) * 0.1f / static_cast<float>(s));
-    std::vector<pix_point> points;
-    for (int side = 0; side < 4; ++side)
-        for (int r = 0; r < cy; ++r)
-            for (int c = 0; c < cx; ++c)
-                points.push_back({static_cast<int16_t>(side & 1 ? pw / 2 + 1 + s * c : pw / 2 - 1 - s * c),
-                                  static_cast<int16_t>(side & 2 ? ph / 2 + 1 + s * r : ph / 2 - 1 - s * r),
-                                  0});
-    return points;
+// The four planes of a frame, one after the other.
+std::vector<uint16_t> planes_of(const std::vector<uint16_t>& image, int width, int height) {
+    const size_t size = static_cast<size_t>(width / 2) * static_cast<size_t>(height / 2);
+    std::vector<uint16_t> samples(4 * size);
+    uint16_t* planes[4] = {&samples[0], &samples[size], &samples[2 * size], &samples[3 * size]};
+    bayer_split_channel(image.data(), planes, width, height);
+    return samples;
 }
 
-std::vector<uint16_t> plane_of(const std::vector<uint16_t>& image, int width, int height, int k) {
-    std::vector<uint16_t> plane;
-    for (int y = k / 2; y < height / 2 * 2; y += 2)
-        for (int x = k % 2; x < width / 2 * 2; x += 2)
-            plane.push_back(
-                image[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)]);
-    return plane;
-}
-
-Matrix<float> targets(const std::vector<uint16_t>& plane, int pw, int ph, std::vector<pix_point> points,
+Matrix<float> targets(const uint16_t* plane, int pw, int ph, std::vector<pix_point> points,
                       const lsc2d_calib_param& param) {
     const imfilter_t filter = {param.filter_type, param.filter_radius, param.boundary_mode, nullptr};
-    std::vector<pix_point> centre = centre_patch(pw, ph);
-    img_sample(plane.data(), centre.data(), static_cast<int>(centre.size()), pw, ph, &filter);
-    img_sample(plane.data(), points.data(), static_cast<int>(points.size()), pw, ph, &filter);
-    uint16_t peak = 0;
-    for (const pix_point& p : centre)
-        peak = std::max(peak, p.value);
+    pix_point* centre = nullptr;
+    int count = 0;
+    init_center_points(pw, ph, &centre, &count);
+    img_sample(plane, centre, count, pw, ph, &filter);
+    const float peak = centre[get_pixel_maximum(centre, count)].value;
+    release_center_points(centre);
+    img_sample(plane, points.data(), static_cast<int>(points.size()), pw, ph, &filter);
     Matrix<float> t{points.size(), 1};
     for (size_t p = 0; p < points.size(); ++p)
         t.at(p, 0) = peak / std::max(static_cast<float>(points[p].value), 1e-7f);
@@ -145,9 +123,16 @@ int plain_matrix_inv(T* a, int n) {
     std::vector<int> rows, columns;
     const auto re = [&](int i, int j) -> T& { return a[i * n + j]; };
     const auto im = [&](int i, int j) -> T& { return b[static_cast<size_t>(i * n + j)]; };
-    const auto swap = [&](int i, int j, int p, int q) {
-        std::swap(re(i, j), re(p, q));
-        std::swap(im(i, j), im(p, q));
+    const auto product = [&](int i, int j, int g, int h) {
+        const T p = re(i, j) * re(g, h), q = im(i, j) * im(g, h);
+        const T s = (re(i, j) + im(i, j)) * (re(g, h) + im(g, h));
+        return std::pair<T, T>(p - q, s - p - q);
+    };
+    const auto exchange = [&](int r, int c, int k) {
+        for (int j = 0; j < n && r != k; ++j)
+            std::swap(re(k, j), re(r, j)), std::swap(im(k, j), im(r, j));
+        for (int i = 0; i < n && c != k; ++i)
+            std::swap(re(i, k), re(i, c)), std::swap(im(i, k), im(i, c));
     };
     for (int k = 0; k < n; ++k) {
         T d = 0;
@@ -159,45 +144,28 @@ int plain_matrix_inv(T* a, int n) {
         if (d == 0)
             return -1;
         rows.push_back(r), columns.push_back(c);
-        for (int j = 0; j < n && r != k; ++j)
-            swap(k, j, r, j);
-        for (int i = 0; i < n && c != k; ++i)
-            swap(i, k, i, c);
+        exchange(r, c, k);
         re(k, k) = re(k, k) / d;
         im(k, k) = -im(k, k) / d;
-        for (int j = 0; j < n; ++j) {
-            if (j == k)
-                continue;
-            const T p = re(k, j) * re(k, k), q = im(k, j) * im(k, k);
-            const T s = (re(k, j) + im(k, j)) * (re(k, k) + im(k, k));
-            re(k, j) = p - q;
-            im(k, j) = s - p - q;
-        }
+        for (int j = 0; j < n; ++j)
+            if (j != k)
+                std::tie(re(k, j), im(k, j)) = product(k, j, k, k);
         for (int i = 0; i < n; ++i)
-            for (int j = 0; j < n && i != k; ++j) {
-                if (j == k)
-                    continue;
-                const T p = re(k, j) * re(i, k), q = im(k, j) * im(i, k);
-                const T s = (re(k, j) + im(k, j)) * (re(i, k) + im(i, k));
-                re(i, j) -= p - q;
-                im(i, j) -= s - p - q;
+            for (int j = 0; j < n; ++j)
+                if (i != k && j != k) {
+                    const auto [x, y] = product(k, j, i, k);
+                    re(i, j) -= x;
+                    im(i, j) -= y;
+                }
+        for (int i = 0; i < n; ++i)
+            if (i != k) {
+                const auto [x, y] = product(i, k, k, k);
+                re(i, k) = -x;
+                im(i, k) = -y;
             }
-        for (int i = 0; i < n; ++i) {
-            if (i == k)
-                continue;
-            const T p = re(i, k) * re(k, k), q = im(i, k) * im(k, k);
-            const T s = (re(i, k) + im(i, k)) * (re(k, k) + im(k, k));
-            re(i, k) = -(p - q);
-            im(i, k) = -(s - p - q);
-        }
     }
-    for (int k = n - 1; k >= 0; --k) {
-        const int r = rows[static_cast<size_t>(k)], c = columns[static_cast<size_t>(k)];
-        for (int j = 0; j < n && c != k; ++j)
-            swap(k, j, c, j);
-        for (int i = 0; i < n && r != k; ++i)
-            swap(i, k, i, r);
-    }
+    for (int k = n - 1; k >= 0; --k)
+        exchange(columns[static_cast<size_t>(k)], rows[static_cast<size_t>(k)], k);
     return 0;
 }
 
@@ -215,11 +183,12 @@ std::vector<std::vector<uint16_t>> plain_fit(const std::vector<uint16_t>& image,
     const Matrix<double> design = multiply<double, double>(basis(points, nx, ny, param.grid), tying);
     const Matrix<double> design_t = transpose(design);
     Matrix<double> inverse = multiply<double, double>(design_t, design);
+    const std::vector<uint16_t> planes = planes_of(image, width, height);
     std::vector<std::vector<uint16_t>> tables;
     if (plain_matrix_inv(inverse.v.data(), static_cast<int>(inverse.rows)) != 0)
         return tables;
-    for (int k = 0; k < 4; ++k) {
-        const Matrix<float> t = targets(plane_of(image, width, height, k), pw, ph, points, param);
+    for (size_t k = 0; k < 4; ++k) {
+        const Matrix<float> t = targets(&planes[k * planes.size() / 4], pw, ph, points, param);
         const Matrix<float> inner = multiply<double, float>(inverse, multiply<double, double>(design_t, t));
         const Matrix<float> nodes = multiply<float, float>(tying, inner);
         std::vector<uint16_t>& table = tables.emplace_back();
