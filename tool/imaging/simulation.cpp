@@ -114,7 +114,7 @@ RawFrame simulate(const SimulationSettings& settings) {
                     static_cast<size_t>(y) * static_cast<size_t>(frame.width) + static_cast<size_t>(x);
                 double signal = centre * fall_off.at(x, y);
                 if (!dust.empty())
-                    signal *= double{dust[place]};
+                    signal *= static_cast<double>(dust[place]);
                 const double noisy = signal + noise.deviation(signal) * random_normal(stream, place);
                 frame.samples[place] =
                     static_cast<uint16_t>(std::clamp(noisy + settings.black + 0.5, 0.0, top));

@@ -143,7 +143,7 @@ RawFrame read_pgm(const std::string& path, const std::string& bytes, const RawHi
     RawFrame frame;
     frame.width = header.width;
     frame.height = header.height;
-    frame.bits = std::bit_width(static_cast<unsigned>(header.maxval));
+    frame.bits = static_cast<int>(std::bit_width(static_cast<unsigned>(header.maxval)));
     apply_comments(frame, path, header.comments);
     if (hints.bits != 0)
         frame.bits = hints.bits;
