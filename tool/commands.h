@@ -10,6 +10,7 @@ namespace zerklsc::tool {
 void add_simulate(CLI::App& app);
 void add_calibrate(CLI::App& app);
 void add_correct(CLI::App& app);
+void add_compare(CLI::App& app);
 void add_measure(CLI::App& app);
 void add_preview(CLI::App& app);
 void add_resample(CLI::App& app);

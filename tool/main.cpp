@@ -69,6 +69,7 @@ int main_program(int argc, char** argv) {
     add_simulate(app);
     add_calibrate(app);
     add_correct(app);
+    add_compare(app);
     add_measure(app);
     add_preview(app);
     add_resample(app);

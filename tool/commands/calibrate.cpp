@@ -2,9 +2,9 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/grid_options.h"
 #include "commands/raw_options.h"
 #include "commands/report.h"
-#include "imaging/calibration.h"
 #include "imaging/exposure.h"
 #include "imaging/levels.h"
 #include "io/output_set.h"
@@ -20,7 +20,7 @@ struct Options {
     RawOptions raw;
     CalibrationSettings settings;
     std::string algorithm = "orvel";
-    double clip_limit = 0.1;
+    double clip_limit = usual_clip_limit;
     std::string output, text;
     bool json = false;
 };
@@ -138,7 +138,6 @@ void run(const Options& options) {
 
 void add_calibrate(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    CalibrationSettings& s = options->settings;
     CLI::App* command = app.add_subcommand("calibrate", "Make gain tables from a flat-field capture");
     add_raw_options(*command, options->raw, "flat");
     command->add_option("-o,--output", options->output, "table file to write (JSON)")->required();
@@ -147,17 +146,7 @@ void add_calibrate(CLI::App& app) {
         ->add_option("--algorithm", options->algorithm,
                      "0 halvane, 1 orvel-otp, 2 orvel, 3 beta, 4 orvel-weights, by number or name")
         ->capture_default_str();
-    command->add_option("--step", s.step, "node spacing in plane samples (half the pixels of the frame)")
-        ->check(CLI::Range(smallest_step, largest_step))
-        ->capture_default_str();
-    command->add_option("--radius", s.radius, "radius of the averaging window in plane samples")
-        ->check(CLI::Range(0, 90))
-        ->capture_default_str();
-    command
-        ->add_option("--shading", s.shading_percent,
-                     "correction kept at the corners, percent; 100 corrects fully")
-        ->check(CLI::Range(1, 100))
-        ->capture_default_str();
+    add_grid_options(*command, options->settings);
     command
         ->add_option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
         ->check(CLI::Range(0.0, 100.0))

@@ -6,6 +6,9 @@
 
 namespace zerklsc::tool {
 
+// Percent of a channel: a few hot pixels, no more.
+constexpr double usual_clip_limit = 0.1;
+
 // Throws a data failure when more than `clip_limit` percent of a channel's samples stand at full scale or
 // when a channel's corners are not above the black level; warns about what is only unfavourable. The frame
 // still holds its black level.
