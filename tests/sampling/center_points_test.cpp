@@ -1,7 +1,5 @@
 #include "zerklsc.h"
 
-#include <algorithm>
-
 #include <gtest/gtest.h>
 
 #include "support/allocations.h"
@@ -10,21 +8,22 @@ namespace {
 
 using namespace zerklsc::testing;
 
+// A raster from the top left, with the two innermost points of a line two samples apart.
+int32_t position(int32_t size, int32_t half, int32_t step, int32_t k) {
+    return size / 2 + (k < half ? -1 - (half - 1 - k) * step : 1 + (k - half) * step);
+}
+
 TEST(CentrePoints, SpanATenthOfThePlaneToEachSide) {
     const struct {
         int32_t width, height, step, nx, ny;
-    } cases[] = {{2000, 1500, 11, 18, 13}, {100, 100, 1, 10, 10}, {10, 10, 1, 1, 1},        {10, 9, 1, 1, 0},
-                 {300, 255, 1, 30, 25},    {300, 256, 2, 15, 12}, {2104, 1560, 12, 17, 13}, {0, -5, 1, 0, 0}};
+    } cases[] = {{2000, 1500, 11, 18, 13}, {100, 100, 1, 10, 10}, {10, 10, 1, 1, 1}, {10, 9, 1, 1, 0},
+                 {300, 255, 1, 30, 25},    {300, 256, 2, 15, 12}, {0, -5, 1, 0, 0}};
     for (const auto& c : cases) {
         const AllocationScope scope;
         pix_point* points = nullptr;
         int32_t count = -1;
         ASSERT_EQ(init_center_points(c.width, c.height, &points, &count), 0);
         ASSERT_EQ(count, 4 * c.nx * c.ny) << c.width;
-        // A raster from the top left, with the two innermost points of a line two samples apart.
-        const auto position = [](int32_t size, int32_t half, int32_t step, int32_t k) {
-            return size / 2 + (k < half ? -1 - (half - 1 - k) * step : 1 + (k - half) * step);
-        };
         for (int32_t k = 0; k < count; ++k) {
             ASSERT_EQ(points[k].x, position(c.width, c.nx, c.step, k % (2 * c.nx)))
                 << c.width << " point " << k;
@@ -41,26 +40,18 @@ TEST(CentrePoints, WithoutMemoryOrBeyond32BitsNothingIsWritten) {
     pix_point here;
     pix_point* points = &here;
     int32_t count = 3;
-    {
-        const AllocationScope scope(0);
-        EXPECT_EQ(init_center_points(100, 100, &points, &count), -1);
-    }
     EXPECT_EQ(init_center_points(INT32_MAX, 127, &points, &count), -1);
+    const AllocationScope scope(0);
+    EXPECT_EQ(init_center_points(100, 100, &points, &count), -1);
     EXPECT_EQ(points, &here);
     EXPECT_EQ(count, 3);
 }
 
 TEST(CentrePoints, FirstOfEqualMaximaWins) {
-    const struct {
-        std::vector<uint16_t> values;
-        int32_t index;
-    } cases[] = {{{5, 9, 9, 2}, 1}, {{9, 9}, 0}, {{1, 2, 65535, 40000}, 2}, {{7}, 0}, {{}, 0}};
-    for (const auto& c : cases) {
-        std::vector<pix_point> points;
-        for (const uint16_t v : c.values)
-            points.push_back({0, 0, v});
-        EXPECT_EQ(get_pixel_maximum(points.data(), static_cast<int32_t>(points.size())), c.index);
-    }
+    const pix_point points[] = {{0, 0, 5}, {0, 0, 65535}, {0, 0, 65535}, {0, 0, 40000}};
+    EXPECT_EQ(get_pixel_maximum(points, 4), 1);
+    EXPECT_EQ(get_pixel_maximum(points, 1), 0);
+    EXPECT_EQ(get_pixel_maximum(nullptr, 0), 0);
 }
 
 } // namespace
