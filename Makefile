@@ -25,4 +25,4 @@ bench: packages
 	@cmake/install-packages.sh bench
 	@cmake --preset release > /dev/null
 	@cmake --build --preset release
-	@build/release/bench/zerklsc_bench --bench
+	@build/release/bench/zerklsc_bench --bench --memory
