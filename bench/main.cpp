@@ -57,7 +57,7 @@ int main(int argc, char** argv) {
     app.add_flag("--bench", bench, "Time every kernel against memcpy, its plain form and other libraries");
     app.add_flag("--growth", growth, "Time small to large frames, steps and fits");
     app.add_flag("--memory", memory, "Show the heap memory that each entry point takes");
-    app.add_flag("--brief", brief, "Time each row only once, to see that it runs");
+    app.add_flag("--brief", brief, "Time each row shortly and without its plain form, to see that it runs");
     CLI11_PARSE(app, argc, argv);
 
     if (!all_equal(seed, rounds))
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
     if (bench) {
         print_table(gather<Workload>({bicubic_workloads, table_workloads, bayer_workloads,
                                       calibration_workloads, compress_workloads}),
-                    budget);
+                    budget, !brief);
         print_peers(budget);
     }
     if (growth)

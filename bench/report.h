@@ -15,8 +15,9 @@ std::vector<const char*> available_levels();
 void print_machine();
 
 // Every workload at every level: multiples of memcpy, and times faster than its plain form. `budget` is the
-// time in seconds that a row may take per level.
-void print_table(const std::vector<Workload>& workloads, double budget);
+// time in seconds that a row may take per level. Some plain forms take half a minute: without `with_plain`
+// they are left out.
+void print_table(const std::vector<Workload>& workloads, double budget, bool with_plain);
 
 // Other libraries on the same work.
 void print_peers(double budget);

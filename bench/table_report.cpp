@@ -26,7 +26,7 @@ struct Times {
     double plain;
 };
 
-Times measure(const Workload& row, double budget) {
+Times measure(const Workload& row, double budget, bool with_plain) {
     Times times{};
     std::vector<char> from(row.frame_bytes, 1), to(row.frame_bytes, 2);
     for (size_t i = 0; i < available_levels().size(); ++i) {
@@ -36,8 +36,9 @@ Times measure(const Workload& row, double budget) {
         times.fast[i] = medians[0];
         times.memcpy[i] = medians[1];
     }
-    times.plain = seconds_of(row.plain);
-    if (times.plain < 1.0)
+    if (with_plain)
+        times.plain = seconds_of(row.plain);
+    if (with_plain && times.plain < 1.0)
         times.plain = medians_in_turn({row.plain}, 0.0)[0];
     return times;
 }
@@ -51,16 +52,17 @@ std::string cell(double ratio, double goal, bool lower_is_better) {
     return missed ? fmt::format("**{}** ({})", figure, goal) : fmt::format("{} ({})", figure, goal);
 }
 
-void print_row(const Workload& row, double budget) {
-    const Times times = measure(row, budget);
+void print_row(const Workload& row, double budget, bool with_plain) {
+    const Times times = measure(row, budget, with_plain);
     fmt::print("| {} |", row.name);
     for (size_t i = 0; i < levels.size(); ++i)
         fmt::print(" {} |", times.fast[i] > 0 && row.frame_bytes > 0
                                 ? cell(times.fast[i] / times.memcpy[i], row.at_most[i], true)
                                 : "");
     for (size_t i = 0; i < levels.size(); ++i)
-        fmt::print(" {} |",
-                   times.fast[i] > 0 ? cell(times.plain / times.fast[i], row.at_least[i], false) : "");
+        fmt::print(" {} |", times.fast[i] > 0 && with_plain
+                                ? cell(times.plain / times.fast[i], row.at_least[i], false)
+                                : "");
     fmt::print(" {:.3g} | {:.3g} |\n", 1e3 * times.fast[available_levels().size() - 1], 1e3 * times.plain);
     std::fflush(stdout);
 }
@@ -89,13 +91,13 @@ void print_machine() {
     );
 }
 
-void print_table(const std::vector<Workload>& workloads, double budget) {
+void print_table(const std::vector<Workload>& workloads, double budget, bool with_plain) {
     fmt::print(
         "| work | × memcpy: {0} | {1} | {2} | × faster than plain: {0} | {1} | {2} | ms | plain ms |\n",
         levels[0], levels[1], levels[2]);
     fmt::print("|---|---|---|---|---|---|---|---|---|\n");
     for (const Workload& row : workloads)
-        print_row(row, budget);
+        print_row(row, budget, with_plain);
     fmt::print("\n");
 }
 

@@ -27,10 +27,12 @@ for isp in tvessa2:orvel vessal2:orvel-weights; do
 done
 
 run compare flat.pgm
-# The same calibration for a finer grid.
+# The same calibration for a finer grid, and for a 1080p stream from the middle of the sensor.
 run resample tables-tvessa2.json --step 32 -o tables-step32.json
+run resample tables-tvessa2.json --crop 184,480,3840,2160 --size 1920,1080 --step 32 -o tables-1080p.json
 run otp encode tables-tvessa2.json -o stream.bin --c-array stream.h
 run otp check stream.bin --tables tables-tvessa2.json
+run otp decode stream.bin --like tables-tvessa2.json -o tables-decoded.json
 
 printf '\nLook at these pictures, relative illumination before and after, for each ISP:\n'
 printf '    %s\n' "$folder/preview-tvessa2.png" "$folder/preview-vessal2.png"
