@@ -7,7 +7,7 @@ set -eu
 
 packages_of() {
     case $1 in
-    build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev libgtest-dev ;;
+    build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev libgtest-dev python3 ;;
     ci) echo clang libclang-rt-14-dev abigail-tools googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev ;;
