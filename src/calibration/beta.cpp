@@ -5,8 +5,8 @@
 
 #include "calibration/fit_points.h"
 #include "calibration/flat_field.h"
+#include "calibration/inversion/matrix_inv.h"
 #include "calibration/least_squares.h"
-#include "calibration/matrix_inv.h"
 #include "calibration/surface.h"
 #include "frame/convert.h"
 #include "frame/scratch.h"

@@ -1,14 +1,14 @@
 // matrix_inv
-#include "calibration/matrix_inv.h"
+#include "calibration/inversion/matrix_inv.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <utility>
 
-#include "calibration/complex_inversion.h"
-#include "calibration/elimination.h"
-#include "calibration/elimination_memory.h"
+#include "calibration/inversion/complex_inversion.h"
+#include "calibration/inversion/elimination.h"
+#include "calibration/inversion/elimination_memory.h"
 #include "zerklsc.h"
 
 namespace zerklsc {

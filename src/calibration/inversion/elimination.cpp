@@ -1,7 +1,7 @@
-#include "calibration/elimination.h"
+#include "calibration/inversion/elimination.h"
 
-#include "calibration/pivot_search.h"
-#include "calibration/tile_history.h"
+#include "calibration/inversion/pivot_search.h"
+#include "calibration/inversion/tile_history.h"
 
 namespace zerklsc::ZERKLSC_LEVEL {
 namespace {

@@ -3,8 +3,8 @@
 // `end` is the number of steps that the history holds.
 #pragma once
 
-#include "calibration/elimination.h"
-#include "calibration/tile_kernel.h"
+#include "calibration/inversion/elimination.h"
+#include "calibration/inversion/tile_kernel.h"
 
 namespace zerklsc::ZERKLSC_LEVEL {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "calibration/elimination.h"
+#include "calibration/inversion/elimination.h"
 
 namespace zerklsc::ZERKLSC_LEVEL {
 namespace {

@@ -3,9 +3,9 @@
 // `end` is the number of steps in the history, k the number of pivots found so far.
 #pragma once
 
-#include "calibration/elimination.h"
-#include "calibration/tile_history.h"
-#include "calibration/tile_kernel.h"
+#include "calibration/inversion/elimination.h"
+#include "calibration/inversion/tile_history.h"
+#include "calibration/inversion/tile_kernel.h"
 
 namespace zerklsc::ZERKLSC_LEVEL {
 namespace {

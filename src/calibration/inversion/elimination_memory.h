@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "calibration/elimination.h"
+#include "calibration/inversion/elimination.h"
 #include "frame/scratch.h"
 
 namespace zerklsc {

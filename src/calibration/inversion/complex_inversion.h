@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "calibration/pivot.h"
+#include "calibration/inversion/pivot.h"
 
 namespace zerklsc {
 

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "calibration/pivot.h"
+#include "calibration/inversion/pivot.h"
 #include "frame/cpu_level.h"
 
 namespace zerklsc {
