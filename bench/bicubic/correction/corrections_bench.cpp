@@ -1,0 +1,89 @@
+// Both ISP corrections.
+#include <memory>
+
+#include <fmt/core.h>
+
+#include "bicubic/correction/correct.h"
+#include "bicubic/correction/correction_plain.h"
+#include "frames.h"
+#include "workload.h"
+
+namespace zerklsc::bench {
+namespace {
+
+constexpr bool is_tvessa2(int32_t algorithm) {
+    return algorithm != ZERKLSC_ALGORITHM_ORVEL_WEIGHTS;
+}
+
+// What the exported corrections hand to both forms.
+Correction correction_of(const Tables& tables, const uint16_t* in, uint16_t* out) {
+    isp_param_tag param{};
+    lsc2d_info_to_isp_param(&tables.info, &param);
+    generate_bicubic_weight_table(&param.weight, param.grid);
+    return is_tvessa2(tables.info.algorithm) ? tvessa2_correction(in, out, param)
+                                             : vessal2_correction(in, out, param);
+}
+
+std::string compare(testing::Random& random) {
+    const auto width = static_cast<int32_t>(random.between(1, 200));
+    const auto height = static_cast<int32_t>(random.between(1, 20));
+    const auto step = static_cast<int32_t>(random.between(1, random.between(0, 3) == 0 ? 255 : 40));
+    const bool in_place = random.between(0, 1) == 0;
+    Tables tables(width, height, step, random.between(0, 1) == 0 ? 2 : 4);
+    for (auto& gains : tables.gains)
+        if (random.between(0, 1) == 0)
+            gains = testing::random_samples(random, gains.size());
+    for (int c = 0; c < ZERKLSC_CHANNELS; ++c)
+        tables.info.lsc_table[c] = tables.gains[c].data();
+    const auto spread = static_cast<testing::Spread>(random.between(0, 2));
+    const auto samples = testing::random_samples(random, static_cast<size_t>(width * height), spread);
+    testing::Guarded<uint16_t> fast(samples, testing::Against::back), plain(samples, testing::Against::front);
+    correct(correction_of(tables, in_place ? fast.data() : samples.data(), fast.data()));
+    correct_plain(correction_of(tables, samples.data(), plain.data()));
+    if (fast.copy() == plain.copy() && fast.intact())
+        return {};
+    return fmt::format("{} x {} pixels, step {}, algorithm {}, in place {}", width, height, step,
+                       tables.info.algorithm, in_place);
+}
+
+struct Job {
+    std::vector<uint16_t> in, out;
+    Tables tables;
+
+    Job(int32_t width, int32_t height, int32_t step, int32_t algorithm)
+        : in(flat_field(width, height)), out(in), tables(width, height, step, algorithm) {}
+};
+
+Workload workload(int32_t width, int32_t step, int32_t algorithm, bool in_place,
+                  std::array<double, 3> at_most, std::array<double, 3> at_least) {
+    const auto job = std::make_shared<Job>(width, 3000, step, algorithm);
+    uint16_t* const in = in_place ? job->out.data() : job->in.data();
+    const char* const isp = is_tvessa2(algorithm) ? "tvessa2" : "vessaL2";
+    return {.name = fmt::format("{}, step {}{}{}", isp, step, in_place ? ", in place" : "",
+                                width == 4000 ? "" : fmt::format(", width {}", width)),
+            .frame_bytes = job->in.size() * sizeof(uint16_t),
+            .fast = [=] { lsc2d_correction_wrapper(in, job->out.data(), &job->tables.info); },
+            .plain = [=] { correct_plain(correction_of(job->tables, in, job->out.data())); },
+            .at_most = at_most,
+            .at_least = at_least};
+}
+
+} // namespace
+
+std::vector<Workload> bicubic_workloads() {
+    std::vector<Workload> rows;
+    for (const int32_t algorithm : {2, 4}) {
+        rows.push_back(workload(4000, 64, algorithm, false, {3.0, 1.5, 1.25}, {15, 28, 33}));
+        rows.push_back(workload(4000, 32, algorithm, false, {3.0, 1.5, 1.25}, {15, 28, 33}));
+        rows.push_back(workload(4000, 16, algorithm, false, {3.2, 1.7, 1.45}, {15, 28, 33}));
+        rows.push_back(workload(4000, 64, algorithm, true, {2.6, 1.25, 0.8}, {}));
+        rows.push_back(workload(3998, 50, algorithm, false, {3.5, 2.2, 1.9}, {14, 20, 24}));
+    }
+    return rows;
+}
+
+std::vector<Check> bicubic_checks() {
+    return {{"bicubic_lnc_correction_tvessa2, _vessaL2", compare}};
+}
+
+} // namespace zerklsc::bench

@@ -1,0 +1,221 @@
+// The correction in vectors. Inside a cell the four gains of the strip are constant and the weights depend on
+// the phase only: the taps of a whole cell are laid out once per call, and each gain takes two pair products.
+#include <cstddef>
+
+#include "bicubic/correction/correct.h"
+#include "bicubic/correction/correction_plain.h"
+#include "frame/simd.h"
+
+namespace zerklsc::ZERKLSC_LEVEL {
+
+#if ZERKLSC_VECTOR_BYTES == 0
+
+void correct_cells(const Correction& c) {
+    correct_plain(c);
+}
+
+#else
+
+namespace {
+
+// A row is corrected in blocks of so many cells, so that the strip between the passes has a size.
+constexpr int32_t most_cells = 128;
+constexpr int32_t block_columns = most_cells + 3 + lanes;
+
+int32_t smaller_of(int32_t a, int32_t b) {
+    return a < b ? a : b;
+}
+
+// The taps of `lanes` neighbouring pixels, where pair_dot() and pack() want them: words of a pair belong to
+// one pixel, and each 16 bytes of low and high make 16 bytes of pixels.
+struct alignas(ZERKLSC_VECTOR_BYTES) PixelTaps {
+    uint16_t first[2][lanes];  // for nodes -1 and 0, low and high
+    uint16_t second[2][lanes]; // for nodes +1 and +2
+};
+
+struct CellTaps {
+    PixelTaps whole[(2 * highest_step + lanes - 1) / lanes];
+    PixelTaps last; // every pixel at phase 1
+};
+
+void set_taps(PixelTaps& taps, int32_t pixel, const PhaseWeights& weights) {
+    const int32_t high = pixel % 8 / 4;
+    const int32_t word = 2 * (pixel / 8 * 4 + pixel % 4);
+    for (int32_t i = 0; i < 2; ++i) {
+        taps.first[high][word + i] = static_cast<uint16_t>(weights.tap[i]);
+        taps.second[high][word + i] = static_cast<uint16_t>(weights.tap[2 + i]);
+    }
+}
+
+void lay_out_taps(const Correction& c, CellTaps& taps) {
+    const int32_t pixels = 2 * c.step;
+    for (int32_t start = 0; start < pixels; start += lanes)
+        for (int32_t i = 0; i < lanes; ++i) {
+            const int32_t x = start + i;
+            set_taps(taps.whole[start / lanes], i, c.phases[x < pixels ? x / 2 : 0]);
+        }
+    for (int32_t i = 0; i < lanes; ++i)
+        set_taps(taps.last, i, c.phases[c.step > 1 ? 1 : 0]);
+}
+
+// Four grid rows from one column on: in the table, or a copy where whole vectors would leave it.
+struct Nodes {
+    const uint16_t* row[4];
+    uint16_t copy[4][block_columns];
+};
+
+// Copies `count` nodes and fills up a vector. Where the steps name nodes outside the table they go one by
+// one.
+void copy_nodes(const Correction& c, int32_t slot, int32_t column, int32_t row, int32_t count,
+                uint16_t* copy) {
+    const int64_t first = int64_t{row} * c.table_w + column;
+    const bool inside = first >= 0 && first + count <= int64_t{c.table_w} * c.table_h;
+    if (inside)
+        std::memcpy(copy, c.table[slot] + first, static_cast<size_t>(count) * sizeof *copy);
+    for (int32_t i = inside ? count : 0; i < count || i < lanes; ++i)
+        copy[i] = i < count ? node(c, slot, column + i, row) : uint16_t{0};
+}
+
+void find_nodes(const Correction& c, int32_t slot, int32_t column, int32_t row, int32_t count, Nodes& nodes) {
+    const int32_t whole = count < lanes ? lanes : count;
+    const int64_t first = int64_t{row} * c.table_w + column;
+    const bool inside =
+        first >= 0 && first + int64_t{3} * c.table_w + whole <= int64_t{c.table_w} * c.table_h;
+    for (int32_t i = 0; i < 4; ++i) {
+        if (!inside)
+            copy_nodes(c, slot, column, row + i, count, nodes.copy[i]);
+        nodes.row[i] = inside ? c.table[slot] + first + ptrdiff_t{i} * c.table_w : nodes.copy[i];
+    }
+}
+
+// Gains of neighbouring grid columns on one image row, as 2 * gain + 1. Taps sum to 1024, so that the 1 puts
+// half a unit on the sum of the horizontal pass: it is rounded without an addition.
+using Strip = uint16_t[block_columns];
+
+Words limited_gains(Sums low, Sums high) {
+    const SignedWords gains = pack(low, high);
+    const SignedWords lowest = SignedWords{} + int16_t{ZERKLSC_UNITY_GAIN};
+    const SignedWords highest = SignedWords{} + int16_t{ZERKLSC_HIGHEST_GAIN};
+    return reinterpret_cast<Words>(lower(higher(gains, lowest), highest));
+}
+
+// The vertical pass, with the anchor and the wrapping differences of cubic().
+void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, uint16_t* strip) {
+    const int32_t other = weights.anchor == 0 ? 1 : 0;
+    const auto tap = [&](int32_t i) { return static_cast<uint16_t>(weights.tap[other + i]); };
+    const uint16_t near[2] = {tap(0), tap(1)};
+    const uint16_t far[2] = {tap(2), ZERKLSC_UNITY_GAIN};
+    const Words near_taps = alternating(near, near);
+    const Words far_taps = alternating(far, far);
+    // The anchor enters as a signed word.
+    const uint16_t bias = 0x8000;
+    const int32_t rest = bias * ZERKLSC_UNITY_GAIN + 512;
+    const int32_t last = count < lanes ? 0 : count - lanes;
+    for (int32_t next = 0; next < count; next += lanes) {
+        const int32_t i = smaller_of(next, last);
+        const Words anchor = load(nodes.row[weights.anchor] + i);
+        const Words a = load(nodes.row[other] + i) - anchor;
+        const Words b = load(nodes.row[other + 1] + i) - anchor;
+        const Words d = load(nodes.row[other + 2] + i) - anchor;
+        const Words e = anchor ^ bias;
+        const Sums low =
+            pair_dot(interleave_low(a, b), near_taps) + pair_dot(interleave_low(d, e), far_taps) + rest;
+        const Sums high =
+            pair_dot(interleave_high(a, b), near_taps) + pair_dot(interleave_high(d, e), far_taps) + rest;
+        store(strip + i, 2 * limited_gains(low >> 10, high >> 10) + 1);
+    }
+}
+
+// Fills the strips of both pixels of a Bayer pair with `count` grid columns.
+void fill_strips(const Correction& c, const Row& row, int32_t column, int32_t count, Strip strips[2]) {
+    for (int32_t side = 0; side < 2; ++side) {
+        const int32_t slot = 2 * row.parity + side;
+        Nodes nodes;
+        find_nodes(c, slot, column, row.first.cell, count, nodes);
+        blend_rows(nodes, count, c.phases[row.first.phase], strips[side]);
+        const int32_t kept = column < 4 ? 4 - column : 0;
+        if (row.refill.cell != row.first.cell && kept < count) {
+            find_nodes(c, slot, column + kept, row.refill.cell, count - kept, nodes);
+            blend_rows(nodes, count - kept, c.phases[row.refill.phase], strips[side] + kept);
+        }
+    }
+}
+
+Words interpolated(const PixelTaps& taps, Words first, Words second) {
+    const Sums low = pair_dot(first, load(taps.first[0])) + pair_dot(second, load(taps.second[0]));
+    const Sums high = pair_dot(first, load(taps.first[1])) + pair_dot(second, load(taps.second[1]));
+    return limited_gains(low >> 11, high >> 11);
+}
+
+// Low 16 bits of the rounded product, limited to 10 bits.
+Words corrected(Words samples, Words gains) {
+    const Words low = samples * gains;
+    const Words high = multiply_high(samples, gains);
+    const Words product = (high << 6) + (((low >> 9) + 1) >> 1);
+    return product - saturating_subtract(product, Words{} + highest_sample);
+}
+
+// Corrects `count` pixels, less than a vector. A whole one is written where the row has the room: beyond the
+// pixels it is what was read, which leaves a frame in place as it is, and another frame to the cells that
+// follow.
+void correct_few(const uint16_t* in, Words gains, int32_t count, int32_t room, uint16_t* out) {
+    uint16_t few[lanes] = {};
+    if (room >= lanes) {
+        const Words samples = load(in);
+        store(out, first_lanes(count, corrected(samples, gains), samples));
+    } else {
+        std::memcpy(few, in, static_cast<size_t>(count) * sizeof *in);
+        store(few, corrected(load(few), gains));
+        std::memcpy(out, few, static_cast<size_t>(count) * sizeof *out);
+    }
+}
+
+// The horizontal pass over the pixels of one cell that are in the row, of which `room` are left.
+void correct_cell(const PixelTaps* taps, int32_t pixels, const Strip strips[2], int32_t cell, int32_t room,
+                  const uint16_t* in, uint16_t* out) {
+    const uint16_t* const even = strips[0] + cell;
+    const uint16_t* const odd = strips[1] + cell;
+    const Words first = alternating(even, odd);
+    const Words second = alternating(even + 2, odd + 2);
+    const int32_t count = smaller_of(pixels, room);
+    int32_t x = 0;
+    for (; x + lanes <= count; x += lanes, ++taps) {
+        prefetch(in + x, out + x);
+        store(out + x, corrected(load(in + x), interpolated(*taps, first, second)));
+    }
+    if (x < count)
+        correct_few(in + x, interpolated(*taps, first, second), count - x, room - x, out + x);
+}
+
+void correct_row(const Correction& c, const CellTaps& taps, const Row& row, const uint16_t* in,
+                 uint16_t* out) {
+    const int32_t cell_pixels = 2 * c.step;
+    const int32_t cells = (c.width + cell_pixels - 1) / cell_pixels;
+    // The quirk of the last half-column concerns two or three pixels, which are a cell of their own.
+    const int32_t quirky = c.width / 2 % c.step == 1 ? cells - 1 : cells;
+    for (int32_t block = 0; block < cells; block += most_cells) {
+        Strip strips[2];
+        const int32_t count = smaller_of(cells - block, most_cells);
+        fill_strips(c, row, block, count + 3, strips);
+        for (int32_t i = 0; i < count; ++i) {
+            const int32_t x = (block + i) * cell_pixels;
+            const PixelTaps* const cell_taps = block + i == quirky ? &taps.last : taps.whole;
+            correct_cell(cell_taps, cell_pixels, strips, i, c.width - x, in + x, out + x);
+        }
+    }
+}
+
+} // namespace
+
+void correct_cells(const Correction& c) {
+    CellTaps taps;
+    lay_out_taps(c, taps);
+    const uint16_t* in = c.in;
+    uint16_t* out = c.out;
+    for (int32_t y = 0; y < c.height; ++y, in += c.width, out += c.width)
+        correct_row(c, taps, row_position(c, y), in, out);
+}
+
+#endif
+
+} // namespace zerklsc::ZERKLSC_LEVEL

@@ -1,0 +1,38 @@
+// What both parameter generators do, step by step.
+#pragma once
+
+#include <cstdint>
+
+#include "bicubic/generator/geometry.h"
+#include "bicubic/generator/node_averages.h"
+#include "frame/scratch.h"
+#include "frame/view.h"
+#include "zerklsc.h"
+
+namespace zerklsc {
+
+// The memory of a call: three buffers, none of the size of the frame.
+struct GeneratorJob {
+    GeneratorGeometry geometry;
+    View<const uint16_t> raw; // without an odd last column or row
+    BlockSums sums;
+    Scratch<double> averages; // one per node
+};
+
+// Finds out everything that can refuse the call and takes its memory; false leaves everything untouched.
+bool prepare(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job);
+
+// Whether the last average of a row stays at the last sample or is moved out to its node.
+enum class LastNodes { as_measured, extended };
+
+// Measures the four colours and fills the four tables, whose target keeps `corner_share` of the brightness of
+// the image centre at the image corners.
+void fill_tables(const GeneratorJob& job, const isp_param_tag& param, double corner_share,
+                 LastNodes last_nodes);
+
+// The share that a record asks for.
+constexpr double requested_share(const isp_param_tag& param) {
+    return static_cast<uint32_t>(param.shading_percent) / 100.0;
+}
+
+} // namespace zerklsc
