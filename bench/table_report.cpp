@@ -4,7 +4,7 @@
 
 #include <fmt/core.h>
 
-#include "frame/cpu_level.h"
+#include "cpu/instruction_set.h"
 #include "report.h"
 #include "timing.h"
 
@@ -75,9 +75,10 @@ void print_row(const Workload& row, double budget, bool with_plain) {
 std::vector<const char*> available_levels() {
     std::vector<const char*> available;
     for (size_t i = 0; i < levels.size(); ++i) {
-        constexpr CpuLevel by_word[] = {CpuLevel::base, CpuLevel::avx2, CpuLevel::avx512};
+        constexpr InstructionSet by_word[] = {InstructionSet::base, InstructionSet::avx2,
+                                              InstructionSet::avx512};
         setenv("ZERKLSC_CPU", levels[i], 1);
-        if (cpu_level() == by_word[i])
+        if (instruction_set() == by_word[i])
             available.push_back(levels[i]);
     }
     return available;

@@ -1,26 +1,34 @@
 # Kernels that are compiled once per instruction set.
 
-# The instruction sets above the base of each processor family. Their names are the namespaces of the kernels and the
-# words that ZERKLSC_CPU takes (src/frame/cpu_level.h).
-set(ZERKLSC_LEVELS base)
+# The instruction sets above the base of each processor family. Their names are the namespaces of the kernels
+# (src/cpu/dispatch.h) and the words of src/cpu/instruction_set.h.
+set(ZERKLSC_INSTRUCTION_SETS base)
+set(ZERKLSC_NARROW_INSTRUCTION_SETS base)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$")
-    list(APPEND ZERKLSC_LEVELS avx2 avx512)
+    list(APPEND ZERKLSC_INSTRUCTION_SETS avx2 avx512)
     set(ZERKLSC_FLAGS_avx2 -mavx2)
     set(ZERKLSC_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq)
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
-    list(APPEND ZERKLSC_LEVELS neon)
+    list(APPEND ZERKLSC_INSTRUCTION_SETS neon)
+    list(APPEND ZERKLSC_NARROW_INSTRUCTION_SETS neon)
     set(ZERKLSC_FLAGS_neon -mfpu=neon)
 endif()
 
-# Compiles `source` once for every level, with ZERKLSC_LEVEL naming the level.
+# Compiles `source` once for every instruction set, which ZERKLSC_INSTRUCTION_SET names. With NARROW only for those
+# whose vectors have 16 bytes.
 function(zerklsc_add_kernel source)
+    cmake_parse_arguments(PARSE_ARGV 1 kernel NARROW "" "")
     get_filename_component(name ${source} NAME_WE)
-    foreach(level IN LISTS ZERKLSC_LEVELS)
-        set(object zerklsc_${name}_${level})
+    set(instruction_sets ${ZERKLSC_INSTRUCTION_SETS})
+    if(kernel_NARROW)
+        set(instruction_sets ${ZERKLSC_NARROW_INSTRUCTION_SETS})
+    endif()
+    foreach(instruction_set IN LISTS instruction_sets)
+        set(object zerklsc_${name}_${instruction_set})
         add_library(${object} OBJECT ${source})
-        target_compile_definitions(${object} PRIVATE ZERKLSC_LEVEL=${level})
+        target_compile_definitions(${object} PRIVATE ZERKLSC_INSTRUCTION_SET=${instruction_set})
         target_link_libraries(${object} PRIVATE zerklsc_library_flags)
-        target_compile_options(${object} PRIVATE ${ZERKLSC_FLAGS_${level}} -O3)
+        target_compile_options(${object} PRIVATE ${ZERKLSC_FLAGS_${instruction_set}} -O3)
         set_property(TARGET zerklsc_objects APPEND PROPERTY ZERKLSC_KERNELS $<TARGET_OBJECTS:${object}>)
     endforeach()
 endfunction()

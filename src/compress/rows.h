@@ -6,7 +6,7 @@
 
 #include "compress/channel_roles.h"
 #include "compress/lanes.h"
-#include "frame/cpu_level.h"
+#include "cpu/instruction_set.h"
 #include "zerklsc.h"
 
 namespace zerklsc {
@@ -14,7 +14,7 @@ namespace zerklsc {
 // Vectors are part of every processor the library is for, but for ARM without NEON.
 inline bool has_vectors() {
 #if defined(__arm__)
-    return cpu_level() == CpuLevel::neon;
+    return instruction_set() == InstructionSet::neon;
 #else
     return true;
 #endif

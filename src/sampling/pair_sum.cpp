@@ -2,31 +2,19 @@
 // half.
 #include "sampling/pair_sum.h"
 
+#include "cpu/vectors.h"
+
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
 
-namespace zerklsc::ZERKLSC_LEVEL {
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
-
-typedef uint32_t Lanes4 __attribute__((vector_size(16)));
-typedef uint32_t Lanes8 __attribute__((vector_size(32)));
-typedef uint32_t Lanes16 __attribute__((vector_size(64)));
-
-template <class Lanes>
-constexpr int32_t lanes_of = sizeof(Lanes) / sizeof(uint32_t);
-
-template <class Lanes>
-Lanes load(const uint16_t* from) {
-    Lanes v;
-    __builtin_memcpy(&v, from, sizeof v);
-    return v;
-}
 
 // All bits of the last `count` lanes.
 template <class Lanes>
 Lanes last_lanes(int32_t count) {
     Lanes v;
-    for (int32_t i = 0; i < lanes_of<Lanes>; ++i)
-        v[i] = i < lanes_of<Lanes> - count ? 0u : 0xFFFFFFFFu;
+    for (int32_t i = 0; i < lanes<Lanes>; ++i)
+        v[i] = i < lanes<Lanes> - count ? 0u : 0xFFFFFFFFu;
     return v;
 }
 
@@ -34,22 +22,22 @@ Lanes last_lanes(int32_t count) {
 // last pair, with the lanes that were added already blanked out.
 template <class Lanes>
 void add_rows(const uint16_t* first, ptrdiff_t stride, int32_t pairs, int32_t rows, uint64_t sums[2]) {
-    constexpr int32_t lanes = lanes_of<Lanes>;
-    const int32_t whole = pairs / lanes * lanes;
+    constexpr int32_t lane_count = lanes<Lanes>;
+    const int32_t whole = pairs / lane_count * lane_count;
     const Lanes rest = last_lanes<Lanes>(pairs - whole);
     Lanes low{}, high{};
     for (int32_t y = 0; y < rows; ++y) {
         const uint16_t* const row = first + y * stride;
-        for (int32_t x = 0; x < whole; x += lanes) {
+        for (int32_t x = 0; x < whole; x += lane_count) {
             const Lanes v = load<Lanes>(row + 2 * x);
             low += v & 0xFFFFu;
             high += v >> 16;
         }
-        const Lanes v = load<Lanes>(row + 2 * (pairs - lanes)) & rest;
+        const Lanes v = load<Lanes>(row + 2 * (pairs - lane_count)) & rest;
         low += v & 0xFFFFu;
         high += v >> 16;
     }
-    for (int32_t i = 0; i < lanes; ++i) {
+    for (int32_t i = 0; i < lane_count; ++i) {
         sums[0] += low[i];
         sums[1] += high[i];
     }
@@ -69,14 +57,14 @@ void add_few(const uint16_t* first, ptrdiff_t stride, int32_t pairs, int32_t row
 void add_portion(const uint16_t* first, ptrdiff_t stride, int32_t pairs, int32_t rows, uint64_t sums[2]) {
 #if defined(__AVX512F__)
     if (pairs >= 16)
-        return add_rows<Lanes16>(first, stride, pairs, rows, sums);
+        return add_rows<Vector<uint32_t, 64>>(first, stride, pairs, rows, sums);
 #endif
 #if defined(__AVX2__)
     if (pairs >= 8)
-        return add_rows<Lanes8>(first, stride, pairs, rows, sums);
+        return add_rows<Vector<uint32_t, 32>>(first, stride, pairs, rows, sums);
 #endif
     if (pairs >= 4)
-        return add_rows<Lanes4>(first, stride, pairs, rows, sums);
+        return add_rows<Vector<uint32_t, 16>>(first, stride, pairs, rows, sums);
     add_few(first, stride, pairs, rows, sums);
 }
 
@@ -90,4 +78,4 @@ void add_pairs(const uint16_t* first, ptrdiff_t stride, int32_t pairs, int32_t r
         add_portion(first + y * stride, stride, pairs, rows - y < portion ? rows - y : portion, sums);
 }
 
-} // namespace zerklsc::ZERKLSC_LEVEL
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/cpu_level.h"
+#include "cpu/dispatch.h"
 
 namespace zerklsc {
 
@@ -12,11 +12,6 @@ namespace zerklsc {
 // sums[0] and sums[1]; at most 2 * max_radius + 1 of either. Nothing outside the pairs is read.
 using AddPairs = void(const uint16_t* first, ptrdiff_t stride, int32_t pairs, int32_t rows, uint64_t sums[2]);
 
-#define ZERKLSC_DECLARE(level)                                                                               \
-    namespace level {                                                                                        \
-    AddPairs add_pairs;                                                                                      \
-    }
-ZERKLSC_EACH_LEVEL(ZERKLSC_DECLARE)
-#undef ZERKLSC_DECLARE
+ZERKLSC_DECLARE_KERNEL(add_pairs, AddPairs)
 
 } // namespace zerklsc

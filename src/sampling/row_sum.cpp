@@ -1,7 +1,7 @@
 // The sums of rows, column by column.
 #include "sampling/row_sum.h"
 
-namespace zerklsc::ZERKLSC_LEVEL {
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 
 void add_row(uint32_t* __restrict sums, const uint16_t* __restrict entering, int32_t count) {
     for (int32_t i = 0; i < count; ++i)
@@ -14,4 +14,4 @@ void exchange_row(uint32_t* __restrict sums, const uint16_t* __restrict entering
         sums[i] = sums[i] + entering[i] - leaving[i];
 }
 
-} // namespace zerklsc::ZERKLSC_LEVEL
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

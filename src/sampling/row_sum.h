@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "frame/cpu_level.h"
+#include "cpu/dispatch.h"
 
 namespace zerklsc {
 
@@ -13,12 +13,7 @@ using AddRow = void(uint32_t* sums, const uint16_t* entering, int32_t count);
 // sums[i] += entering[i] - leaving[i], for a leaving row that the sums hold.
 using ExchangeRow = void(uint32_t* sums, const uint16_t* entering, const uint16_t* leaving, int32_t count);
 
-#define ZERKLSC_DECLARE(level)                                                                               \
-    namespace level {                                                                                        \
-    AddRow add_row;                                                                                          \
-    ExchangeRow exchange_row;                                                                                \
-    }
-ZERKLSC_EACH_LEVEL(ZERKLSC_DECLARE)
-#undef ZERKLSC_DECLARE
+ZERKLSC_DECLARE_KERNEL(add_row, AddRow)
+ZERKLSC_DECLARE_KERNEL(exchange_row, ExchangeRow)
 
 } // namespace zerklsc

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/cpu_level.h"
+#include "cpu/dispatch.h"
 
 namespace zerklsc {
 
@@ -28,16 +28,11 @@ struct ColumnTaps {
     const float* taps[4];
 };
 
-// sum_nodes() reduces one table row to a row sum for every column; `nodes` is the first tap of the first
-// column. correct_row() corrects `count` samples of one image row from the row sums of the four table rows
-// around it.
-#define ZERKLSC_DECLARE(level)                                                                               \
-    namespace level {                                                                                        \
-    void sum_nodes(const ColumnTaps& columns, const uint16_t* nodes, float* sums);                           \
-    void correct_row(const uint16_t* src, uint16_t* dst, int32_t count, const float* const sums[4],          \
-                     const float weights[4]);                                                                \
-    }
-ZERKLSC_EACH_LEVEL(ZERKLSC_DECLARE)
-#undef ZERKLSC_DECLARE
+// Reduces one table row to a row sum for every column; `nodes` is the first tap of the first column.
+ZERKLSC_DECLARE_KERNEL(sum_nodes, void(const ColumnTaps& columns, const uint16_t* nodes, float* sums))
+
+// Corrects `count` samples of one image row from the row sums of the four table rows around it.
+ZERKLSC_DECLARE_KERNEL(correct_row, void(const uint16_t* src, uint16_t* dst, int32_t count,
+                                         const float* const sums[4], const float weights[4]))
 
 } // namespace zerklsc

@@ -1,7 +1,7 @@
 // The inner loops of lsc2d_bicubic_correction(), plain enough for the compiler to vectorise at every level.
 #include "table/float_correction.h"
 
-namespace zerklsc::ZERKLSC_LEVEL {
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
 
 // The row sums of four table rows and the weights of an image row between them.
@@ -64,4 +64,4 @@ void correct_row(const uint16_t* src, uint16_t* dst, int32_t count, const float*
         correct_flooring(src, dst, count, blend);
 }
 
-} // namespace zerklsc::ZERKLSC_LEVEL
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

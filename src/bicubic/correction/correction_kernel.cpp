@@ -4,9 +4,9 @@
 
 #include "bicubic/correction/correct.h"
 #include "bicubic/correction/correction_plain.h"
-#include "frame/simd.h"
+#include "cpu/vectors.h"
 
-namespace zerklsc::ZERKLSC_LEVEL {
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 
 #if ZERKLSC_VECTOR_BYTES == 0
 
@@ -20,21 +20,21 @@ namespace {
 
 // A row is corrected in blocks of so many cells, so that the strip between the passes has a size.
 constexpr int32_t most_cells = 128;
-constexpr int32_t block_columns = most_cells + 3 + lanes;
+constexpr int32_t block_columns = most_cells + 3 + lanes<Words>;
 
 int32_t smaller_of(int32_t a, int32_t b) {
     return a < b ? a : b;
 }
 
-// The taps of `lanes` neighbouring pixels, where pair_dot() and pack() want them: words of a pair belong to
-// one pixel, and each 16 bytes of low and high make 16 bytes of pixels.
+// The taps of a vector of neighbouring pixels, where pair_dot() and pack() want them: words of a pair belong
+// to one pixel, and each 16 bytes of low and high make 16 bytes of pixels.
 struct alignas(ZERKLSC_VECTOR_BYTES) PixelTaps {
-    uint16_t first[2][lanes];  // for nodes -1 and 0, low and high
-    uint16_t second[2][lanes]; // for nodes +1 and +2
+    uint16_t first[2][lanes<Words>];  // for nodes -1 and 0, low and high
+    uint16_t second[2][lanes<Words>]; // for nodes +1 and +2
 };
 
 struct CellTaps {
-    PixelTaps whole[(2 * highest_step + lanes - 1) / lanes];
+    PixelTaps whole[(2 * highest_step + lanes<Words> - 1) / lanes<Words>];
     PixelTaps last; // every pixel at phase 1
 };
 
@@ -49,12 +49,12 @@ void set_taps(PixelTaps& taps, int32_t pixel, const PhaseWeights& weights) {
 
 void lay_out_taps(const Correction& c, CellTaps& taps) {
     const int32_t pixels = 2 * c.step;
-    for (int32_t start = 0; start < pixels; start += lanes)
-        for (int32_t i = 0; i < lanes; ++i) {
+    for (int32_t start = 0; start < pixels; start += lanes<Words>)
+        for (int32_t i = 0; i < lanes<Words>; ++i) {
             const int32_t x = start + i;
-            set_taps(taps.whole[start / lanes], i, c.phases[x < pixels ? x / 2 : 0]);
+            set_taps(taps.whole[start / lanes<Words>], i, c.phases[x < pixels ? x / 2 : 0]);
         }
-    for (int32_t i = 0; i < lanes; ++i)
+    for (int32_t i = 0; i < lanes<Words>; ++i)
         set_taps(taps.last, i, c.phases[c.step > 1 ? 1 : 0]);
 }
 
@@ -71,13 +71,13 @@ void copy_nodes(const Correction& c, int32_t slot, int32_t column, int32_t row, 
     const int64_t first = int64_t{row} * c.table_w + column;
     const bool inside = first >= 0 && first + count <= int64_t{c.table_w} * c.table_h;
     if (inside)
-        std::memcpy(copy, c.table[slot] + first, static_cast<size_t>(count) * sizeof *copy);
-    for (int32_t i = inside ? count : 0; i < count || i < lanes; ++i)
+        __builtin_memcpy(copy, c.table[slot] + first, static_cast<size_t>(count) * sizeof *copy);
+    for (int32_t i = inside ? count : 0; i < count || i < lanes<Words>; ++i)
         copy[i] = i < count ? node(c, slot, column + i, row) : uint16_t{0};
 }
 
 void find_nodes(const Correction& c, int32_t slot, int32_t column, int32_t row, int32_t count, Nodes& nodes) {
-    const int32_t whole = count < lanes ? lanes : count;
+    const int32_t whole = count < lanes<Words> ? lanes<Words> : count;
     const int64_t first = int64_t{row} * c.table_w + column;
     const bool inside =
         first >= 0 && first + int64_t{3} * c.table_w + whole <= int64_t{c.table_w} * c.table_h;
@@ -110,13 +110,13 @@ void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, 
     // The anchor enters as a signed word.
     const uint16_t bias = 0x8000;
     const int32_t rest = bias * ZERKLSC_UNITY_GAIN + 512;
-    const int32_t last = count < lanes ? 0 : count - lanes;
-    for (int32_t next = 0; next < count; next += lanes) {
+    const int32_t last = count < lanes<Words> ? 0 : count - lanes<Words>;
+    for (int32_t next = 0; next < count; next += lanes<Words>) {
         const int32_t i = smaller_of(next, last);
-        const Words anchor = load(nodes.row[weights.anchor] + i);
-        const Words a = load(nodes.row[other] + i) - anchor;
-        const Words b = load(nodes.row[other + 1] + i) - anchor;
-        const Words d = load(nodes.row[other + 2] + i) - anchor;
+        const Words anchor = load<Words>(nodes.row[weights.anchor] + i);
+        const Words a = load<Words>(nodes.row[other] + i) - anchor;
+        const Words b = load<Words>(nodes.row[other + 1] + i) - anchor;
+        const Words d = load<Words>(nodes.row[other + 2] + i) - anchor;
         const Words e = anchor ^ bias;
         const Sums low =
             pair_dot(interleave_low(a, b), near_taps) + pair_dot(interleave_low(d, e), far_taps) + rest;
@@ -142,8 +142,10 @@ void fill_strips(const Correction& c, const Row& row, int32_t column, int32_t co
 }
 
 Words interpolated(const PixelTaps& taps, Words first, Words second) {
-    const Sums low = pair_dot(first, load(taps.first[0])) + pair_dot(second, load(taps.second[0]));
-    const Sums high = pair_dot(first, load(taps.first[1])) + pair_dot(second, load(taps.second[1]));
+    const Sums low =
+        pair_dot(first, load<Words>(taps.first[0])) + pair_dot(second, load<Words>(taps.second[0]));
+    const Sums high =
+        pair_dot(first, load<Words>(taps.first[1])) + pair_dot(second, load<Words>(taps.second[1]));
     return limited_gains(low >> 11, high >> 11);
 }
 
@@ -159,14 +161,14 @@ Words corrected(Words samples, Words gains) {
 // pixels it is what was read, which leaves a frame in place as it is, and another frame to the cells that
 // follow.
 void correct_few(const uint16_t* in, Words gains, int32_t count, int32_t room, uint16_t* out) {
-    uint16_t few[lanes] = {};
-    if (room >= lanes) {
-        const Words samples = load(in);
+    uint16_t few[lanes<Words>] = {};
+    if (room >= lanes<Words>) {
+        const Words samples = load<Words>(in);
         store(out, first_lanes(count, corrected(samples, gains), samples));
     } else {
-        std::memcpy(few, in, static_cast<size_t>(count) * sizeof *in);
-        store(few, corrected(load(few), gains));
-        std::memcpy(out, few, static_cast<size_t>(count) * sizeof *out);
+        __builtin_memcpy(few, in, static_cast<size_t>(count) * sizeof *in);
+        store(few, corrected(load<Words>(few), gains));
+        __builtin_memcpy(out, few, static_cast<size_t>(count) * sizeof *out);
     }
 }
 
@@ -179,9 +181,9 @@ void correct_cell(const PixelTaps* taps, int32_t pixels, const Strip strips[2], 
     const Words second = alternating(even + 2, odd + 2);
     const int32_t count = smaller_of(pixels, room);
     int32_t x = 0;
-    for (; x + lanes <= count; x += lanes, ++taps) {
+    for (; x + lanes<Words> <= count; x += lanes<Words>, ++taps) {
         prefetch(in + x, out + x);
-        store(out + x, corrected(load(in + x), interpolated(*taps, first, second)));
+        store(out + x, corrected(load<Words>(in + x), interpolated(*taps, first, second)));
     }
     if (x < count)
         correct_few(in + x, interpolated(*taps, first, second), count - x, room - x, out + x);
@@ -218,4 +220,4 @@ void correct_cells(const Correction& c) {
 
 #endif
 
-} // namespace zerklsc::ZERKLSC_LEVEL
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

@@ -3,7 +3,7 @@
 #include "calibration/inversion/pivot_search.h"
 #include "calibration/inversion/tile_history.h"
 
-namespace zerklsc::ZERKLSC_LEVEL {
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
 
 // `end` is the number of steps in the history, k the number of pivots found so far.
@@ -107,4 +107,4 @@ bool eliminate_doubles(const Elimination<double>& e) {
     return eliminate(e);
 }
 
-} // namespace zerklsc::ZERKLSC_LEVEL
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

@@ -9,7 +9,7 @@
 #include <cstdint>
 
 #include "calibration/inversion/pivot.h"
-#include "frame/cpu_level.h"
+#include "cpu/dispatch.h"
 
 namespace zerklsc {
 
@@ -58,12 +58,7 @@ T* column(const Elimination<T>& e, int32_t j) {
 } // namespace
 
 // Turns the matrix into its inverse with rows and columns still out of place. False for a singular matrix.
-#define ZERKLSC_DECLARE(level)                                                                               \
-    namespace level {                                                                                        \
-    bool eliminate_floats(const Elimination<float>& e);                                                      \
-    bool eliminate_doubles(const Elimination<double>& e);                                                    \
-    }
-ZERKLSC_EACH_LEVEL(ZERKLSC_DECLARE)
-#undef ZERKLSC_DECLARE
+ZERKLSC_DECLARE_KERNEL(eliminate_floats, bool(const Elimination<float>& e))
+ZERKLSC_DECLARE_KERNEL(eliminate_doubles, bool(const Elimination<double>& e))
 
 } // namespace zerklsc

@@ -7,7 +7,7 @@
 #include "calibration/inversion/tile_history.h"
 #include "calibration/inversion/tile_kernel.h"
 
-namespace zerklsc::ZERKLSC_LEVEL {
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
 
 template <class N>
@@ -125,4 +125,4 @@ void raise_bounds(const Elimination<T>& e, int32_t newest, int32_t k) {
 }
 
 } // namespace
-} // namespace zerklsc::ZERKLSC_LEVEL
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

@@ -6,7 +6,7 @@
 #include "calibration/inversion/elimination.h"
 #include "calibration/inversion/tile_kernel.h"
 
-namespace zerklsc::ZERKLSC_LEVEL {
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
 
 // Which one of the tiles, for what is kept by tile.
@@ -80,4 +80,4 @@ void take_column(const Elimination<T>& e, int32_t end, int32_t j, T* line) {
 }
 
 } // namespace
-} // namespace zerklsc::ZERKLSC_LEVEL
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

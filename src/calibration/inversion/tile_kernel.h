@@ -6,65 +6,34 @@
 #include <cstdint>
 
 #include "calibration/inversion/elimination.h"
+#include "cpu/vectors.h"
 
-namespace zerklsc::ZERKLSC_LEVEL {
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
 
-#if defined(__AVX512F__)
-constexpr int vector_bytes = 64;
-#elif defined(__AVX2__)
-constexpr int vector_bytes = 32;
-#else
-constexpr int vector_bytes = 16;
-#endif
-
-template <class T>
-struct Lanes;
-
-template <>
-struct Lanes<double> {
-    typedef double Vector __attribute__((vector_size(vector_bytes)));
-};
-
 // No more than tile_rows elements.
-template <>
-struct Lanes<float> {
-    typedef float Vector __attribute__((vector_size(vector_bytes < 32 ? vector_bytes : 32)));
-};
-
-template <class T>
-using Vector = typename Lanes<T>::Vector;
-
-template <class T>
-constexpr int32_t lanes = int32_t{sizeof(Vector<T>)} / int32_t{sizeof(T)};
-
-template <class T>
-Vector<T> load(const T* from) {
-    Vector<T> v;
-    __builtin_memcpy(&v, from, sizeof v);
-    return v;
+constexpr int32_t lanes_bytes(int32_t element_bytes) {
+    return vector_bytes < tile_rows * element_bytes ? vector_bytes : tile_rows * element_bytes;
 }
 
 template <class T>
-void store(T* to, const Vector<T>& v) {
-    __builtin_memcpy(to, &v, sizeof v);
-}
+using Lanes = Vector<T, lanes_bytes(sizeof(T))>;
 
 template <class T>
 struct Pair {
-    Vector<T> low;
-    Vector<T> high;
+    Lanes<T> low;
+    Lanes<T> high;
 };
 
 template <class T>
 Pair<T> load_pair(const T* from) {
-    return {load(from), load(from + lanes<T>)};
+    return {load<Lanes<T>>(from), load<Lanes<T>>(from + lanes<Lanes<T>>)};
 }
 
 template <class T>
 void store_pair(T* to, const Pair<T>& v) {
     store(to, v.low);
-    store(to + lanes<T>, v.high);
+    store(to + lanes<Lanes<T>>, v.high);
 }
 
 template <class T>
@@ -96,7 +65,7 @@ void update_block(T* block, const T* row, const T* column, int32_t count) {
 template <class T>
 void update_tile(T* tile, const T* rows, const T* columns, int32_t count) {
     for (int32_t i = 0; i < tile_rows; i += 4)
-        for (int32_t j = 0; j < tile_columns; j += 2 * lanes<T>)
+        for (int32_t j = 0; j < tile_columns; j += 2 * lanes<Lanes<T>>)
             update_block(tile + i * tile_columns + j, rows + j, columns + i, count);
 }
 
@@ -104,10 +73,10 @@ void update_tile(T* tile, const T* rows, const T* columns, int32_t count) {
 // parts[t * width], its factor at factors[t * factor_stride].
 template <int32_t width, class T>
 void update_line(T* line, const T* parts, const T* factors, int32_t factor_stride, int32_t count) {
-    for (int32_t j = 0; j < width; j += lanes<T>) {
-        Vector<T> v = load(line + j);
+    for (int32_t j = 0; j < width; j += lanes<Lanes<T>>) {
+        Lanes<T> v = load<Lanes<T>>(line + j);
         for (int32_t t = 0; t < count; ++t)
-            v -= load(parts + t * width + j) * factors[t * factor_stride];
+            v -= load<Lanes<T>>(parts + t * width + j) * factors[t * factor_stride];
         store(line + j, v);
     }
 }
@@ -125,19 +94,19 @@ T largest(const T* from, const T* to) {
 }
 
 template <class T>
-T largest_lane(const Vector<T>& v) {
-    T all[lanes<T>];
+T largest_lane(const Lanes<T>& v) {
+    T all[lanes<Lanes<T>>];
     store(all, v);
-    return largest(all, all + lanes<T>);
+    return largest(all, all + lanes<Lanes<T>>);
 }
 
 // The largest magnitude in the rows of a tile.
 template <class T>
 T largest_of_rows(const T* from, const T* to) {
-    Vector<T> most_low = {}, most_high = {}, least_low = {}, least_high = {};
-    for (; from < to; from += 2 * lanes<T>) {
-        const Vector<T> low = load(from);
-        const Vector<T> high = load(from + lanes<T>);
+    Lanes<T> most_low = {}, most_high = {}, least_low = {}, least_high = {};
+    for (; from < to; from += 2 * lanes<Lanes<T>>) {
+        const Lanes<T> low = load<Lanes<T>>(from);
+        const Lanes<T> high = load<Lanes<T>>(from + lanes<Lanes<T>>);
         most_low = low > most_low ? low : most_low;
         most_high = high > most_high ? high : most_high;
         least_low = low < least_low ? low : least_low;
@@ -151,4 +120,4 @@ T largest_of_rows(const T* from, const T* to) {
 }
 
 } // namespace
-} // namespace zerklsc::ZERKLSC_LEVEL
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

@@ -1,0 +1,112 @@
+// The vectors that kernels are written with, for the instruction set that the including file is compiled for:
+// the compiler's vector types, and one function for each operation that they have no operator for.
+//
+// Include it in files of zerklsc_add_kernel() only: everything is in the namespace of the instruction set.
+#pragma once
+
+#include <cstdint>
+
+// The bytes of a register; 0 where there is no vector unit that this file knows. Set from outside it makes
+// vectors longer than a register.
+#if !defined(ZERKLSC_VECTOR_BYTES)
+#if defined(__AVX512BW__)
+#define ZERKLSC_VECTOR_BYTES 64
+#elif defined(__AVX2__)
+#define ZERKLSC_VECTOR_BYTES 32
+#elif defined(__SSE2__) || defined(__ARM_NEON)
+#define ZERKLSC_VECTOR_BYTES 16
+#else
+#define ZERKLSC_VECTOR_BYTES 0
+#endif
+#endif
+
+#define ZERKLSC_SIMD [[gnu::always_inline]] static inline
+
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
+
+// Without a vector unit the compiler takes vectors apart; short ones are then as good as any.
+constexpr int32_t vector_bytes = ZERKLSC_VECTOR_BYTES > 0 ? ZERKLSC_VECTOR_BYTES : 16;
+
+template <class T, int32_t bytes>
+struct VectorOf {
+    typedef T Type __attribute__((vector_size(bytes)));
+};
+
+// Elements of type T, as many as fill a register unless the bytes are named.
+template <class T, int32_t bytes = vector_bytes>
+using Vector = typename VectorOf<T, bytes>::Type;
+
+template <class V>
+constexpr int32_t lanes = int32_t{sizeof(V)} / int32_t{sizeof(V{}[0])};
+
+using Words = Vector<uint16_t>;
+using SignedWords = Vector<int16_t>;
+using Sums = Vector<int32_t>;
+
+// At any address.
+template <class V>
+ZERKLSC_SIMD V load(const void* from) {
+    V v;
+    __builtin_memcpy(&v, from, sizeof v);
+    return v;
+}
+
+template <class V>
+ZERKLSC_SIMD void store(void* to, V v) {
+    __builtin_memcpy(to, &v, sizeof v);
+}
+
+// A lane of the result is the lane of that index in a, b.
+template <int... index, class V>
+ZERKLSC_SIMD V shuffle(V a, V b) {
+#if defined(__clang__)
+    return __builtin_shufflevector(a, b, index...);
+#else
+    return __builtin_shuffle(a, b, V{index...});
+#endif
+}
+
+// The two words at a and the two at b in turn.
+ZERKLSC_SIMD Words alternating(const uint16_t* a, const uint16_t* b) {
+    using Pairs = Vector<uint32_t>;
+    const auto first = load<uint32_t>(a);
+    const auto second = load<uint32_t>(b);
+    Pairs odd{};
+    for (int32_t i = 0; i < lanes<Pairs>; ++i)
+        odd[i] = i % 2 == 0 ? 0 : UINT32_MAX;
+    return reinterpret_cast<Words>(((Pairs{} + first) & ~odd) | ((Pairs{} + second) & odd));
+}
+
+// The first `count` words of a, the rest of b.
+ZERKLSC_SIMD Words first_lanes(int32_t count, Words a, Words b) {
+    Words index{};
+    for (int32_t i = 0; i < lanes<Words>; ++i)
+        index[i] = static_cast<uint16_t>(i);
+    return index < static_cast<uint16_t>(count) ? a : b;
+}
+
+// Fetches what will be read and written some lines further on.
+ZERKLSC_SIMD void prefetch(const uint16_t* in, uint16_t* out) {
+    constexpr uintptr_t ahead = 1024;
+    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(in) + ahead));
+    __builtin_prefetch(reinterpret_cast<void*>(reinterpret_cast<uintptr_t>(out) + ahead), 1);
+}
+
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET
+
+// Operations that each family has instructions of its own for. Words are read as signed, but by multiply_high
+// and saturating_subtract.
+//   pair_dot(a, b)             sums of the products of two neighbouring words, modulo 2^32
+//   pack(a, b)                 sums as words, saturated; in each 16 bytes first those of a, then those of b
+//   interleave_low, _high      words of a and b in turn, from the low or high half of each 16 bytes
+//   lower, higher(a, b)        minimum, maximum
+//   multiply_high(a, b)        upper halves of the products
+//   saturating_subtract(a, b)  a - b, 0 where b is more
+#if defined(__SSE2__) && (ZERKLSC_VECTOR_BYTES < 32 || defined(__AVX2__))                                    \
+    && (ZERKLSC_VECTOR_BYTES < 64 || defined(__AVX512BW__))
+#include "cpu/vectors_x86.h"
+#elif defined(__ARM_NEON) && ZERKLSC_VECTOR_BYTES == 16
+#include "cpu/vectors_arm.h"
+#else
+#include "cpu/vectors_generic.h"
+#endif
