@@ -1,6 +1,8 @@
 // The inner loops of lsc2d_bicubic_correction(), plain enough for the compiler to vectorise at every level.
 #include "table/float_correction.h"
 
+#include "frame/gain.h"
+
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
 
@@ -19,7 +21,7 @@ struct Blend {
 // product below 64 times that, which is less than 2^23: it fits 32 bits whatever its sign, and as an integer
 // it is an exact float.
 inline float corrected(uint16_t sample, float gain) {
-    return static_cast<float>(sample) * 0.0009765625f * gain + 0.5f;
+    return static_cast<float>(sample) * gain_step * gain + 0.5f;
 }
 
 // Truncation in place of floor, which is the same where no gain is negative. Says whether that was so.

@@ -1,5 +1,6 @@
 // lsc2d_bicubic_correction() as it is stated.
 #include "frame/convert.h"
+#include "frame/gain.h"
 #include "table/float_correction.h"
 #include "table/lookup.h"
 
@@ -8,7 +9,7 @@ namespace {
 
 // The product keeps its low 16 bits: a bright sample under a high gain wraps.
 uint16_t corrected(uint16_t sample, float gain) {
-    const float product = static_cast<float>(sample) * 0.0009765625f * gain;
+    const float product = static_cast<float>(sample) * gain_step * gain;
     return floor_low16(static_cast<double>(product + 0.5f));
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "frame/gain.h"
 #include "frame/scratch.h"
 #include "table/border.h"
 #include "table/lookup.h"
@@ -59,7 +60,7 @@ int32_t resample(const SourceTable& src, const TargetTable& dst, XOf x_of, YOf y
         const Place y = place(y_of(j), src.step_y);
         for (int32_t i = 0; i < grid_w; ++i) {
             const Place x = place(x_of(i), src.step_x);
-            *gain++ = lookup(src.nodes, static_cast<ptrdiff_t>(src.table_w), x, y) * 0.0009765625f;
+            *gain++ = lookup(src.nodes, static_cast<ptrdiff_t>(src.table_w), x, y) * gain_step;
         }
     }
     update_table_border(inner.get(), table.get(), plane.width, plane.height, plane.step_x, plane.step_y,
