@@ -1,9 +1,7 @@
 // lsc2d_calibration_wrapper
-#include <algorithm>
-#include <iterator>
-
 #include "calibration/generators.h"
 #include "calibration/request.h"
+#include "frame/planes.h"
 #include "zerklsc.h"
 
 namespace {
@@ -11,9 +9,7 @@ namespace {
 using namespace zerklsc;
 
 bool is_complete(const uint16_t* raw, const lsc2d_info* info) {
-    return raw != nullptr && info != nullptr
-           && std::all_of(std::begin(info->lsc_table), std::end(info->lsc_table),
-                          [](const uint16_t* table) { return table != nullptr; });
+    return raw != nullptr && info != nullptr && all_given(info->lsc_table);
 }
 
 int32_t run_orvel(Request& request) {

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "frame/planes.h"
+
 namespace zerklsc {
 
 // The four numbers of a node. A is the gain of Gb, the base; B, C and D are the base less B, R and Gr.
@@ -19,16 +21,12 @@ struct ByRole {
     T* end() { return values + role_count; }
 };
 
-inline constexpr uint8_t highest_bayer_pattern = 3;
-
-// The table behind each role, by Bayer pattern. Base and D are the two greens of the cell, whose gains hardly
-// differ: a narrow field is enough for D.
-inline constexpr uint8_t channel_roles[highest_bayer_pattern + 1][role_count] = {
-    {3, 2, 1, 0},
-    {2, 3, 0, 1},
-    {1, 0, 3, 2},
-    {0, 1, 2, 3},
-};
+// The plane whose table plays a role. Base and D are the two greens of the cell, whose gains hardly differ: a
+// narrow field is enough for D.
+constexpr int32_t plane_of_role(int role, uint8_t bayer_pattern) {
+    constexpr Colour colours[role_count] = {Gb, B, R, Gr};
+    return plane_of(colours[role], bayer_pattern);
+}
 
 enum PrecisionMode : uint8_t { mode_24_bit = 0, mode_14_bit = 1 };
 

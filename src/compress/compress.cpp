@@ -17,15 +17,16 @@ int quantise(int gain, int dropped) {
 
 // Fills row j of the planes: the base, and the base less each of the other channels.
 void quantise_row(const lsc_otp_info& info, int32_t j, int16_t* const planes[role_count], int32_t width) {
-    const uint8_t* const roles = channel_roles[info.bayer_pattern];
+    const uint16_t* gains[role_count];
+    for (int k = 0; k < role_count; ++k)
+        gains[k] = inner_row(info, k, j);
     const int dropped = dropped_bits(info.precision_mode);
-    const ptrdiff_t from = (ptrdiff_t{j} + 1) * info.grid_width + 1;
     const ptrdiff_t to = ptrdiff_t{j} * width;
     for (int32_t i = 0; i < width; ++i) {
-        const int base = quantise(info.lsc_table[roles[role_a]][from + i], dropped);
+        const int base = quantise(gains[role_a][i], dropped);
         planes[role_a][to + i] = wrap16(base);
         for (int k = role_b; k < role_count; ++k)
-            planes[k][to + i] = wrap16(base - quantise(info.lsc_table[roles[k]][from + i], dropped));
+            planes[k][to + i] = wrap16(base - quantise(gains[k][i], dropped));
     }
 }
 

@@ -1,11 +1,11 @@
 // lsc_decompress
 #include <algorithm>
 
-#include "compress/border.h"
 #include "compress/channel_roles.h"
 #include "compress/rows.h"
 #include "frame/convert.h"
 #include "frame/scratch.h"
+#include "table/wrapping_border.h"
 #include "zerklsc.h"
 
 namespace zerklsc {
@@ -21,15 +21,16 @@ uint16_t restore_gain(int quantised, int dropped) {
 // difference from it.
 void restore_row(const lsc_otp_info& info, int32_t j, const int16_t* const planes[role_count],
                  int32_t width) {
-    const uint8_t* const roles = channel_roles[info.bayer_pattern];
+    uint16_t* gains[role_count];
+    for (int k = 0; k < role_count; ++k)
+        gains[k] = inner_row(info, k, j);
     const int dropped = dropped_bits(info.precision_mode);
     const ptrdiff_t from = ptrdiff_t{j} * width;
-    const ptrdiff_t to = (ptrdiff_t{j} + 1) * info.grid_width + 1;
     for (int32_t i = 0; i < width; ++i) {
         const int base = planes[role_a][from + i];
-        info.lsc_table[roles[role_a]][to + i] = restore_gain(base, dropped);
+        gains[role_a][i] = restore_gain(base, dropped);
         for (int k = role_b; k < role_count; ++k)
-            info.lsc_table[roles[k]][to + i] = restore_gain(base - planes[k][from + i], dropped);
+            gains[k][i] = restore_gain(base - planes[k][from + i], dropped);
     }
 }
 
@@ -68,6 +69,6 @@ int32_t lsc_decompress(lsc_otp_info* info) {
     if (status != 0)
         return status;
     for (uint16_t* const table : info->lsc_table)
-        expand_border(table, info->grid_width - 2, info->grid_height - 2);
+        fill_wrapping_border(packed_view(table, info->grid_width, info->grid_height));
     return 0;
 }

@@ -38,7 +38,7 @@ int32_t decompress_planes(const lsc_otp_info& info); // leaves the borders as th
 
 // Row r of the inner nodes of the table behind a role.
 inline uint16_t* inner_row(const lsc_otp_info& info, int role, int32_t r) {
-    return info.lsc_table[channel_roles[info.bayer_pattern][role]] + (ptrdiff_t{r} + 1) * info.grid_width + 1;
+    return info.lsc_table[plane_of_role(role, info.bayer_pattern)] + (ptrdiff_t{r} + 1) * info.grid_width + 1;
 }
 
 } // namespace zerklsc

@@ -1,23 +1,19 @@
 // lsc2d_calib_param_default, lsc2d_info_to_isp_param, isp_param_to_lsc2d_info
+#include "frame/planes.h"
 #include "zerklsc.h"
 
 namespace {
 
-// The info lists the tables row by row within the 2 x 2 Bayer cell, the ISP column by column. Its own
-// inverse.
-void exchange_table_order(uint16_t* const from[4], uint16_t* to[4]) {
-    to[0] = from[0];
-    to[1] = from[2];
-    to[2] = from[1];
-    to[3] = from[3];
-}
+using namespace zerklsc;
 
 // The fields that both conversions carry over unchanged.
 template <class From, class To>
 void copy_shared_fields(const From& from, To& to) {
     to.width = from.width;
     to.height = from.height;
-    exchange_table_order(from.lsc_table, to.lsc_table);
+    // The info lists the tables by plane, the ISP by pointer; the order is its own inverse.
+    for (int32_t k = 0; k < ZERKLSC_CHANNELS; ++k)
+        to.lsc_table[k] = from.lsc_table[plane_of_pointer[k]];
     to.grid = from.grid;
     to.shading_percent = from.shading_percent;
     to.filter_radius = from.filter_radius;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "table/extrapolation.h"
 #include "table/kernel.h"
 #include "zerklsc.h"
 
@@ -55,20 +56,6 @@ float quadratic(const float* edge, ptrdiff_t inward) {
     return (edge[0] - edge[inward]) * 3.0f + edge[2 * inward];
 }
 
-// `beyond` gives the node outside an edge node from those that follow it inward.
-void fill(View<float> table, float (*beyond)(const float* edge, ptrdiff_t inward)) {
-    const int32_t right = table.width - 1;
-    const int32_t bottom = table.height - 1;
-    for (int32_t y = 1; y < bottom; ++y) {
-        table.at(0, y) = beyond(&table.at(1, y), 1);
-        table.at(right, y) = beyond(&table.at(right - 1, y), -1);
-    }
-    for (int32_t x = 0; x <= right; ++x) {
-        table.at(x, 0) = beyond(&table.at(x, 1), table.stride);
-        table.at(x, bottom) = beyond(&table.at(x, bottom - 1), -table.stride);
-    }
-}
-
 View<float> inner_nodes(View<float> bordered) {
     return {&bordered.at(ZERKLSC_BORDER, ZERKLSC_BORDER), bordered.width - 2 * ZERKLSC_BORDER,
             bordered.height - 2 * ZERKLSC_BORDER, bordered.stride};
@@ -113,9 +100,9 @@ void correct_edges(View<float> inner, const PlaneGrid& plane, int32_t edge_mode)
 
 void fill_border(View<float> table, int32_t fill_mode) {
     if (fill_mode == ZERKLSC_FILL_LINEAR)
-        fill(table, linear);
+        extrapolate_border(table, linear);
     else if (fill_mode == ZERKLSC_FILL_QUADRATIC)
-        fill(table, quadratic);
+        extrapolate_border(table, quadratic);
 }
 
 } // namespace zerklsc

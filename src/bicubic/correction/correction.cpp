@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "frame/planes.h"
+
 namespace zerklsc {
 namespace {
 
 bool has_tables(const isp_param_tag* param) {
-    return param != nullptr
-           && std::none_of(param->lsc_table, param->lsc_table + ZERKLSC_CHANNELS,
-                           [](const uint16_t* table) { return table == nullptr; });
+    return param != nullptr && all_given(param->lsc_table);
 }
 
 } // namespace
@@ -53,11 +53,8 @@ Correction frame_correction(const uint16_t* in, uint16_t* out, const isp_param_t
     correction.out = out;
     correction.width = param.width;
     correction.height = param.height;
-    // The record lists the tables column by column, the slots go row by row.
-    correction.table[0] = param.lsc_table[0];
-    correction.table[1] = param.lsc_table[2];
-    correction.table[2] = param.lsc_table[1];
-    correction.table[3] = param.lsc_table[3];
+    for (int32_t k = 0; k < ZERKLSC_CHANNELS; ++k)
+        correction.table[plane_of_pointer[k]] = param.lsc_table[k];
     return correction;
 }
 

@@ -5,9 +5,6 @@
 namespace zerklsc {
 namespace {
 
-// By pattern and position in the cell.
-constexpr Colour bayer_cells[4][4] = {{Gr, R, B, Gb}, {R, Gr, Gb, B}, {B, Gb, Gr, R}, {Gb, B, R, Gr}};
-
 const char* clipped_warning(Colour colour) {
     switch (colour) {
     case Gb:
@@ -23,14 +20,8 @@ const char* clipped_warning(Colour colour) {
 
 } // namespace
 
-Colour colour_at(uint8_t bayer_pattern, int32_t position) {
-    return bayer_cells[bayer_pattern][position];
-}
-
 Channel channel_of(View<const uint16_t> raw, const isp_param_tag& param, Colour colour) {
-    int32_t position = 0;
-    while (colour_at(param.bayer_pattern, position) != colour)
-        ++position;
+    const int32_t position = plane_of(colour, param.bayer_pattern);
     return {raw, position, param.blc[position]};
 }
 
@@ -38,9 +29,9 @@ void warn_of_clipped_samples(View<const uint16_t> raw, const isp_param_tag& para
     for (int32_t y = 0; y < raw.height; ++y) {
         const uint16_t* const row = raw.row(y);
         for (int32_t x = 0; x < raw.width; ++x) {
-            const int32_t position = (x & 1) + 2 * (y & 1);
+            const int32_t position = plane_at(x, y);
             if (row[x] - param.blc[position] > Channel::white)
-                std::puts(clipped_warning(colour_at(param.bayer_pattern, position)));
+                std::puts(clipped_warning(plane_colours[param.bayer_pattern][position]));
         }
     }
 }

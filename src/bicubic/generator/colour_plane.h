@@ -4,17 +4,13 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "frame/planes.h"
 #include "frame/view.h"
 #include "zerklsc.h"
 
 namespace zerklsc {
 
-// In the order in which the generators go through them; the first one is the reference.
-enum Colour : uint8_t { Gb, B, R, Gr };
 constexpr Colour reference_colour = Gb;
-
-// The colour at position (x & 1) + 2 * (y & 1) of the Bayer cell; the pattern is 0..3.
-Colour colour_at(uint8_t bayer_pattern, int32_t position);
 
 // One colour of a frame of even size. Its samples are taken from the frame as they are needed.
 struct Channel {

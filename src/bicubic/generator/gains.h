@@ -1,9 +1,8 @@
-// Gains and the tables that they go to.
+// Gains in the fixed point of an ISP type.
 #pragma once
 
 #include <cstdint>
 
-#include "frame/view.h"
 #include "zerklsc.h"
 
 namespace zerklsc {
@@ -24,11 +23,5 @@ constexpr bool has_gain_format(uint8_t isp_type) {
 // min(target / measured * unity, highest), truncated. A node that measured 0 takes the highest gain; a target
 // or a gain that is below 0 or not a number gives 0.
 uint16_t generator_gain(double target, double measured, GainFormat format);
-
-// Extrapolates the one-node border of a table of at least 3 x 3 inner nodes.
-void extrapolate_border(View<uint16_t> table);
-
-// Limits every entry, border included, to what the hardware takes.
-void limit_table(View<uint16_t> table);
 
 } // namespace zerklsc

@@ -5,22 +5,21 @@
 
 #include "bicubic/generator/gains.h"
 #include "bicubic/generator/target.h"
+#include "frame/planes.h"
+#include "table/wrapping_border.h"
 
 namespace zerklsc {
 namespace {
 
 bool usable(const uint16_t* raw, const isp_param_tag* param, GeneratorGeometry& geometry) {
-    return raw != nullptr && param != nullptr && param->bayer_pattern <= 3
-           && std::all_of(param->lsc_table, param->lsc_table + 4,
-                          [](const uint16_t* t) { return t != nullptr; })
-           && generator_geometry(*param, geometry);
+    return raw != nullptr && param != nullptr && param->bayer_pattern <= highest_bayer_pattern
+           && all_given(param->lsc_table) && generator_geometry(*param, geometry);
 }
 
 // The corrections read the even row's odd column through record pointer 2 and the odd row's even column
 // through pointer 1, so that is where these colours go.
 View<uint16_t> table_of(const isp_param_tag& param, int32_t position, const GeneratorGeometry& geometry) {
-    constexpr int32_t pointer_of_position[4] = {0, 2, 1, 3};
-    return packed_view(param.lsc_table[pointer_of_position[position]], geometry.grid_w + 2 * ZERKLSC_BORDER,
+    return packed_view(param.lsc_table[plane_of_pointer[position]], geometry.grid_w + 2 * ZERKLSC_BORDER,
                        geometry.grid_h + 2 * ZERKLSC_BORDER);
 }
 
@@ -69,9 +68,10 @@ void fill_tables(const GeneratorJob& job, const isp_param_tag& param, double cor
             extend_last_nodes(geometry, averages);
         const View<uint16_t> table = table_of(param, channel.position, geometry);
         write_gains(geometry, target, colour, largest, averages, gain_format(param.isp_type), table);
-        extrapolate_border(table);
+        fill_wrapping_border(table);
+        // A border that fell below 0 has wrapped to a large number and becomes the highest gain.
         if (limited)
-            limit_table(table);
+            format_lsc_table(table.data, table.width, table.height);
     }
     // The types without gains say so once for these and, as the types without a final limit, once for that.
     if (!has_gain_format(param.isp_type))

@@ -1,9 +1,9 @@
 // lsc2d_otp_table
-#include <algorithm>
 #include <cstring>
 
 #include "bicubic/generator/geometry.h"
 #include "bicubic/generator/record.h"
+#include "frame/planes.h"
 #include "frame/scratch.h"
 #include "zerklsc.h"
 
@@ -22,8 +22,7 @@ void copy_inner_nodes(const uint16_t* table, size_t grid_w, size_t grid_h, uint8
 }
 
 bool usable(uint8_t* const* out, const uint32_t* calib) {
-    return calib != nullptr && out != nullptr
-           && std::all_of(out, out + ZERKLSC_CHANNELS, [](const uint8_t* t) { return t != nullptr; });
+    return calib != nullptr && out != nullptr && all_given(out);
 }
 
 bool covers(uint32_t nodes, uint16_t raw_size, int32_t step) {
