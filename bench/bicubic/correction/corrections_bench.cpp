@@ -3,8 +3,7 @@
 
 #include <fmt/core.h>
 
-#include "bicubic/correction/correct.h"
-#include "bicubic/correction/correction_plain.h"
+#include "bicubic/correction/correction.h"
 #include "frames.h"
 #include "workload.h"
 
@@ -38,8 +37,9 @@ std::string compare(testing::Random& random) {
     const auto spread = static_cast<testing::Spread>(random.between(0, 2));
     const auto samples = testing::random_samples(random, static_cast<size_t>(width * height), spread);
     testing::Guarded<uint16_t> fast(samples, testing::Against::back), plain(samples, testing::Against::front);
-    correct(correction_of(tables, in_place ? fast.data() : samples.data(), fast.data()));
-    correct_plain(correction_of(tables, samples.data(), plain.data()));
+    const Correction job = correction_of(tables, in_place ? fast.data() : samples.data(), fast.data());
+    fastest_form(job)(job);
+    plain::correct(correction_of(tables, samples.data(), plain.data()));
     if (fast.copy() == plain.copy() && fast.intact())
         return {};
     return fmt::format("{} x {} pixels, step {}, algorithm {}, in place {}", width, height, step,
@@ -63,7 +63,7 @@ Workload workload(int32_t width, int32_t step, int32_t algorithm, bool in_place,
                                 width == 4000 ? "" : fmt::format(", width {}", width)),
             .frame_bytes = job->in.size() * sizeof(uint16_t),
             .fast = [=] { lsc2d_correction_wrapper(in, job->out.data(), &job->tables.info); },
-            .plain = [=] { correct_plain(correction_of(job->tables, in, job->out.data())); },
+            .plain = [=] { plain::correct(correction_of(job->tables, in, job->out.data())); },
             .at_most = at_most,
             .at_least = at_least};
 }

@@ -2,8 +2,7 @@
 // the phase only: the taps of a whole cell are laid out once per call, and each gain takes two pair products.
 #include <cstddef>
 
-#include "bicubic/correction/correct.h"
-#include "bicubic/correction/correction_plain.h"
+#include "bicubic/correction/correction.h"
 #include "cpu/vectors.h"
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
@@ -11,7 +10,7 @@ namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 #if ZERKLSC_VECTOR_BYTES == 0
 
 void correct_cells(const Correction& c) {
-    correct_plain(c);
+    plain::correct(c);
 }
 
 #else
@@ -19,8 +18,8 @@ void correct_cells(const Correction& c) {
 namespace {
 
 // A row is corrected in blocks of so many cells, so that the strip between the passes has a size.
-constexpr int32_t most_cells = 128;
-constexpr int32_t block_columns = most_cells + 3 + lanes<Words>;
+constexpr int32_t max_cells = 128;
+constexpr int32_t block_columns = max_cells + 3 + lanes<Words>;
 
 int32_t smaller_of(int32_t a, int32_t b) {
     return a < b ? a : b;
@@ -66,25 +65,26 @@ struct Nodes {
 
 // Copies `count` nodes and fills up a vector. Where the steps name nodes outside the table they go one by
 // one.
-void copy_nodes(const Correction& c, int32_t slot, int32_t column, int32_t row, int32_t count,
+void copy_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row, int32_t count,
                 uint16_t* copy) {
     const int64_t first = int64_t{row} * c.table_w + column;
     const bool inside = first >= 0 && first + count <= int64_t{c.table_w} * c.table_h;
     if (inside)
-        __builtin_memcpy(copy, c.table[slot] + first, static_cast<size_t>(count) * sizeof *copy);
+        __builtin_memcpy(copy, c.table[plane] + first, static_cast<size_t>(count) * sizeof *copy);
     for (int32_t i = inside ? count : 0; i < count || i < lanes<Words>; ++i)
-        copy[i] = i < count ? node(c, slot, column + i, row) : uint16_t{0};
+        copy[i] = i < count ? node(c, plane, column + i, row) : uint16_t{0};
 }
 
-void find_nodes(const Correction& c, int32_t slot, int32_t column, int32_t row, int32_t count, Nodes& nodes) {
+void find_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row, int32_t count,
+                Nodes& nodes) {
     const int32_t whole = count < lanes<Words> ? lanes<Words> : count;
     const int64_t first = int64_t{row} * c.table_w + column;
     const bool inside =
         first >= 0 && first + int64_t{3} * c.table_w + whole <= int64_t{c.table_w} * c.table_h;
     for (int32_t i = 0; i < 4; ++i) {
         if (!inside)
-            copy_nodes(c, slot, column, row + i, count, nodes.copy[i]);
-        nodes.row[i] = inside ? c.table[slot] + first + ptrdiff_t{i} * c.table_w : nodes.copy[i];
+            copy_nodes(c, plane, column, row + i, count, nodes.copy[i]);
+        nodes.row[i] = inside ? c.table[plane] + first + ptrdiff_t{i} * c.table_w : nodes.copy[i];
     }
 }
 
@@ -99,7 +99,11 @@ Words limited_gains(Sums low, Sums high) {
     return reinterpret_cast<Words>(lower(higher(gains, lowest), highest));
 }
 
-// The vertical pass, with the anchor and the wrapping differences of cubic().
+// The vertical pass: for every grid column
+//   anchor * 1024 + (a - anchor) * tap a + (b - anchor) * tap b + (d - anchor) * tap d
+// rounded, where the differences are words that wrap and are read as signed, as cubic() has them. The anchor
+// is an unsigned word, and pair_dot() reads its words as signed: anchor - 2^15 goes in, and 2^15 * 1024 is
+// added to the sum.
 void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, uint16_t* strip) {
     const int32_t other = weights.anchor == 0 ? 1 : 0;
     const auto tap = [&](int32_t i) { return static_cast<uint16_t>(weights.tap[other + i]); };
@@ -107,9 +111,8 @@ void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, 
     const uint16_t far[2] = {tap(2), ZERKLSC_UNITY_GAIN};
     const Words near_taps = alternating(near, near);
     const Words far_taps = alternating(far, far);
-    // The anchor enters as a signed word.
     const uint16_t bias = 0x8000;
-    const int32_t rest = bias * ZERKLSC_UNITY_GAIN + 512;
+    const int32_t rest = bias * ZERKLSC_UNITY_GAIN + 512; // and a half, which rounds
     const int32_t last = count < lanes<Words> ? 0 : count - lanes<Words>;
     for (int32_t next = 0; next < count; next += lanes<Words>) {
         const int32_t i = smaller_of(next, last);
@@ -117,7 +120,7 @@ void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, 
         const Words a = load<Words>(nodes.row[other] + i) - anchor;
         const Words b = load<Words>(nodes.row[other + 1] + i) - anchor;
         const Words d = load<Words>(nodes.row[other + 2] + i) - anchor;
-        const Words e = anchor ^ bias;
+        const Words e = anchor ^ bias; // anchor - bias, modulo 2^16
         const Sums low =
             pair_dot(interleave_low(a, b), near_taps) + pair_dot(interleave_low(d, e), far_taps) + rest;
         const Sums high =
@@ -127,15 +130,16 @@ void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, 
 }
 
 // Fills the strips of both pixels of a Bayer pair with `count` grid columns.
-void fill_strips(const Correction& c, const Row& row, int32_t column, int32_t count, Strip strips[2]) {
+void fill_strips(const Correction& c, const RowPosition& row, int32_t column, int32_t count,
+                 Strip strips[2]) {
     for (int32_t side = 0; side < 2; ++side) {
-        const int32_t slot = 2 * row.parity + side;
+        const int32_t plane = 2 * row.parity + side;
         Nodes nodes;
-        find_nodes(c, slot, column, row.first.cell, count, nodes);
+        find_nodes(c, plane, column, row.first.cell, count, nodes);
         blend_rows(nodes, count, c.phases[row.first.phase], strips[side]);
         const int32_t kept = column < 4 ? 4 - column : 0;
         if (row.refill.cell != row.first.cell && kept < count) {
-            find_nodes(c, slot, column + kept, row.refill.cell, count - kept, nodes);
+            find_nodes(c, plane, column + kept, row.refill.cell, count - kept, nodes);
             blend_rows(nodes, count - kept, c.phases[row.refill.phase], strips[side] + kept);
         }
     }
@@ -189,20 +193,21 @@ void correct_cell(const PixelTaps* taps, int32_t pixels, const Strip strips[2], 
         correct_few(in + x, interpolated(*taps, first, second), count - x, room - x, out + x);
 }
 
-void correct_row(const Correction& c, const CellTaps& taps, const Row& row, const uint16_t* in,
+void correct_row(const Correction& c, const CellTaps& taps, const RowPosition& row, const uint16_t* in,
                  uint16_t* out) {
+    const int32_t width = c.in.width;
     const int32_t cell_pixels = 2 * c.step;
-    const int32_t cells = (c.width + cell_pixels - 1) / cell_pixels;
-    // The quirk of the last half-column concerns two or three pixels, which are a cell of their own.
-    const int32_t quirky = c.width / 2 % c.step == 1 ? cells - 1 : cells;
-    for (int32_t block = 0; block < cells; block += most_cells) {
+    const int32_t cells = (width + cell_pixels - 1) / cell_pixels;
+    // The quirk of the last plane column concerns two or three pixels, which are a cell of their own.
+    const int32_t quirky = width / 2 % c.step == 1 ? cells - 1 : cells;
+    for (int32_t block = 0; block < cells; block += max_cells) {
         Strip strips[2];
-        const int32_t count = smaller_of(cells - block, most_cells);
+        const int32_t count = smaller_of(cells - block, max_cells);
         fill_strips(c, row, block, count + 3, strips);
         for (int32_t i = 0; i < count; ++i) {
             const int32_t x = (block + i) * cell_pixels;
             const PixelTaps* const cell_taps = block + i == quirky ? &taps.last : taps.whole;
-            correct_cell(cell_taps, cell_pixels, strips, i, c.width - x, in + x, out + x);
+            correct_cell(cell_taps, cell_pixels, strips, i, width - x, in + x, out + x);
         }
     }
 }
@@ -212,10 +217,8 @@ void correct_row(const Correction& c, const CellTaps& taps, const Row& row, cons
 void correct_cells(const Correction& c) {
     CellTaps taps;
     lay_out_taps(c, taps);
-    const uint16_t* in = c.in;
-    uint16_t* out = c.out;
-    for (int32_t y = 0; y < c.height; ++y, in += c.width, out += c.width)
-        correct_row(c, taps, row_position(c, y), in, out);
+    for (int32_t y = c.first_row; y < c.end_row; ++y)
+        correct_row(c, taps, row_position(c, y), c.in.data + y * c.in.stride, c.out.data + y * c.out.stride);
 }
 
 #endif

@@ -1,25 +1,25 @@
-#include "bicubic/correction/correction_plain.h"
-
 #include <algorithm>
 
+#include "bicubic/correction/correction.h"
 #include "frame/convert.h"
 
-namespace zerklsc {
+namespace zerklsc::plain {
 namespace {
 
-// Gains of the four grid columns around a cell on one image row, for the slots of its even and odd pixels.
+// Gains of the four grid columns around a cell on one row of the frame, for the planes of its even and odd
+// pixels.
 struct Strip {
     uint16_t gain[2][4];
 };
 
-uint16_t column_gain(const Correction& c, int32_t slot, int32_t column, Position at) {
+uint16_t column_gain(const Correction& c, int32_t plane, int32_t column, GridPosition at) {
     uint16_t gains[4];
     for (int32_t i = 0; i < 4; ++i)
-        gains[i] = node(c, slot, column, at.cell + i);
+        gains[i] = node(c, plane, column, at.cell + i);
     return cubic(gains, c.phases[at.phase]);
 }
 
-Strip first_strip(const Correction& c, const Row& row) {
+Strip first_strip(const Correction& c, const RowPosition& row) {
     Strip strip;
     for (int32_t side = 0; side < 2; ++side)
         for (int32_t column = 0; column < 4; ++column)
@@ -28,7 +28,7 @@ Strip first_strip(const Correction& c, const Row& row) {
 }
 
 // Moves the strip one cell on; `column` is the grid column that enters.
-void refill_strip(const Correction& c, const Row& row, int32_t column, Strip& strip) {
+void refill_strip(const Correction& c, const RowPosition& row, int32_t column, Strip& strip) {
     for (int32_t side = 0; side < 2; ++side) {
         uint16_t* const gain = strip.gain[side];
         std::copy(gain + 1, gain + 4, gain);
@@ -42,10 +42,11 @@ uint16_t corrected(uint16_t sample, uint16_t gain) {
     return std::min(product, highest_sample);
 }
 
-void correct_row(const Correction& c, const Row& row, const uint16_t* in, uint16_t* out) {
+void correct_row(const Correction& c, const RowPosition& row, const uint16_t* in, uint16_t* out) {
+    const int32_t width = c.in.width;
     Strip strip = first_strip(c, row);
-    for (int32_t x = 0; x < c.width; ++x) {
-        const Position at = last_sample_position(x / 2, c.width / 2, c.step);
+    for (int32_t x = 0; x < width; ++x) {
+        const GridPosition at = shifted_grid_position(x / 2, width / 2, c.step);
         out[x] = corrected(in[x], cubic(strip.gain[x & 1], c.phases[at.phase]));
         const bool cell_ends = (x + 1) % (2 * c.step) == 0;
         if (cell_ends)
@@ -55,11 +56,9 @@ void correct_row(const Correction& c, const Row& row, const uint16_t* in, uint16
 
 } // namespace
 
-void correct_plain(const Correction& c) {
-    const uint16_t* in = c.in;
-    uint16_t* out = c.out;
-    for (int32_t y = 0; y < c.height; ++y, in += c.width, out += c.width)
-        correct_row(c, row_position(c, y), in, out);
+void correct(const Correction& c) {
+    for (int32_t y = c.first_row; y < c.end_row; ++y)
+        correct_row(c, row_position(c, y), c.in.row(y), c.out.row(y));
 }
 
-} // namespace zerklsc
+} // namespace zerklsc::plain

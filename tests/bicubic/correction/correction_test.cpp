@@ -4,20 +4,20 @@
 
 #include <gtest/gtest.h>
 
-#include "bicubic/correction/correct.h"
+#include "bicubic/correction/correction.h"
 #include "bicubic/correction/correction_model.h"
-#include "bicubic/correction/correction_plain.h"
 #include "support/allocations.h"
 #include "support/guarded.h"
+#include "support/instruction_sets.h"
 
 #if defined(__x86_64__) || defined(__i386__)
-// The vectors of the widest level, built for the base instruction set.
+// The vectors of the widest instruction set, built for the base instruction set.
 namespace zerklsc::wide {
 void correct_cells(const Correction& correction);
 }
 constexpr auto correct_wide = zerklsc::wide::correct_cells;
 #else
-constexpr auto correct_wide = zerklsc::correct_plain; // no level is wider than the one that runs here
+constexpr auto correct_wide = zerklsc::plain::correct; // no vectors are longer than those that run here
 #endif
 
 namespace {
@@ -69,16 +69,16 @@ class Correction : public ::testing::Test {
         form(c);
     }
 
-    // The library's function at each level, the plain form, the widest vectors; in place and not.
+    // The library's function on each instruction set, the plain form, the widest vectors; in place and not.
     void compare(const CorrectionModel& model) {
         const auto expected = model.corrected();
         const auto function = model.vessal2 ? bicubic_lnc_correction_vessaL2 : bicubic_lnc_correction_tvessa2;
         GuardedFrame frame(model, random.between(0, 1) == 0 ? Against::front : Against::back);
-        for (const std::string form : {"base", "avx2", "avx512", "plain", "wide"}) {
+        for (const std::string& form : forms) {
             Guarded<uint16_t>& result = random.between(0, 1) == 0 ? frame.in : frame.out;
             std::copy(model.in.begin(), model.in.end(), frame.in.data());
             if (form == "plain") {
-                correct(model, zerklsc::correct_plain, result.data(), frame);
+                correct(model, zerklsc::plain::correct, result.data(), frame);
             } else if (form == "wide") {
                 correct(model, correct_wide, result.data(), frame);
             } else {
@@ -110,7 +110,14 @@ class Correction : public ::testing::Test {
         return model.corrected();
     }
 
+    static std::vector<std::string> all_forms() {
+        std::vector<std::string> words = instruction_set_words();
+        words.insert(words.end(), {"plain", "wide"});
+        return words;
+    }
+
     Random random{20};
+    const std::vector<std::string> forms = all_forms();
 };
 
 TEST_F(Correction, EverySmallGeometryIsTheModel) {
@@ -181,6 +188,25 @@ TEST_F(Correction, ProductsAreComparedIn16Bits) {
     }
 }
 
+// All weights that the library makes are for the kernel of the processor: the plain form is 15 times slower.
+TEST_F(Correction, PlainFormIsForForeignWeightsOnly) {
+    uint16_t sample = 0;
+    isp_param_tag param{};
+    std::fill(param.lsc_table, param.lsc_table + 4, &sample);
+    for (uint16_t step = 1; step <= 255; ++step) {
+        param.grid = step;
+        generate_bicubic_weight_table(&param.weight, step);
+        for (const auto& c : {zerklsc::tvessa2_correction(&sample, &sample, param),
+                              zerklsc::vessal2_correction(&sample, &sample, param)})
+            ASSERT_NE(zerklsc::fastest_form(c), &zerklsc::plain::correct) << step;
+    }
+    for (const int16_t weight : {int16_t{-32768}, int16_t{20000}}) {
+        param.weight.weights[127][0] = weight;
+        const auto c = zerklsc::vessal2_correction(&sample, &sample, param);
+        EXPECT_EQ(zerklsc::fastest_form(c), &zerklsc::plain::correct) << weight;
+    }
+}
+
 // The sums of a record's own weights may overflow where those of the generator cannot.
 TEST_F(Correction, CoreTakesForeignWeightsAsThePlainFormDoes) {
     const CorrectionModel model(true, 60, 9, 5, random);
@@ -192,7 +218,7 @@ TEST_F(Correction, CoreTakesForeignWeightsAsThePlainFormDoes) {
         EXPECT_EQ(bicubic_lnc_correction_vessaL2_core(frame.in.data(), frame.out.data(), frame.param.data()),
                   0);
         const auto out = frame.out.copy();
-        correct(model, zerklsc::correct_plain, frame.out.data(), frame);
+        correct(model, zerklsc::plain::correct, frame.out.data(), frame);
         ASSERT_EQ(out, frame.out.copy()) << round;
     }
 }
@@ -210,9 +236,11 @@ TEST(CorrectionArguments, FirstFaultPrintsItsLineAndNothingIsWritten) {
         uint16_t *in, *out;
         uint16_t missing_table, grid;
         int line;
-    } cases[] = {{nullptr, nullptr, 0, 2, 0}, {in, nullptr, 1, 2, 1}, {in, out, 0, 2, 2},
-                 {in, out, 1, 2, 2},          {in, out, 2, 2, 2},     {in, out, 3, 0, 2},
-                 {in, out, 9, 0, 3},          {in, out, 9, 256, 3},   {in, out, 9, 512, 3}};
+        bool has_param = true;
+    } cases[] = {{nullptr, nullptr, 0, 2, 0}, {in, nullptr, 1, 2, 1},       {in, out, 0, 2, 2},
+                 {in, out, 1, 2, 2},          {in, out, 2, 2, 2},           {in, out, 3, 0, 2},
+                 {in, out, 9, 0, 3},          {in, out, 9, 256, 3},         {in, out, 9, 512, 3},
+                 {in, out, 9, 2, 2, false},   {in, nullptr, 9, 2, 1, false}};
     for (const auto& c : cases)
         for (Function function : functions) {
             isp_param_tag param{};
@@ -221,7 +249,8 @@ TEST(CorrectionArguments, FirstFaultPrintsItsLineAndNothingIsWritten) {
             param.width = param.height = 4;
             param.grid = c.grid;
             ::testing::internal::CaptureStdout();
-            EXPECT_EQ(function(c.in, c.out, &param), function == bicubic_lnc_correction_vessaL2 ? 0 : -1);
+            EXPECT_EQ(function(c.in, c.out, c.has_param ? &param : nullptr),
+                      function == bicubic_lnc_correction_vessaL2 ? 0 : -1);
             EXPECT_EQ(::testing::internal::GetCapturedStdout(), lines[c.line]);
         }
     EXPECT_EQ(std::count(out, out + 16, 0), 16);
