@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "imaging/bayer_pattern.h"
 #include "imaging/raw_frame.h"
 

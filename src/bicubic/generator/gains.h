@@ -7,7 +7,6 @@
 
 namespace zerklsc {
 
-// The fixed-point form of one ISP type.
 struct GainFormat {
     double unity;
     double highest;

@@ -2,14 +2,24 @@
 
 #include <algorithm>
 
-namespace zerklsc {
+#include "frame/geometry.h"
 
-// Type 3 counts from the image size although its correction counts from the last pixel, as the other types
-// do: where size % step is 1, the tables made for that correction hold one node more than it reads.
-int32_t generator_nodes(int32_t size, int32_t step, uint8_t isp_type) {
-    const int32_t covered = isp_type == ZERKLSC_ISP_TVESSA2 ? size : size - 1;
-    return covered / step + (covered % step == 0 ? 1 : 2);
+namespace zerklsc {
+namespace {
+
+// Type 3 counts as lsc2d_grid_samples() does, although its correction counts from the last sample: where
+// size % step is 1, the tables made for that correction hold one node more than it reads.
+void count_nodes(uint8_t isp_type, GeneratorGeometry& geometry) {
+    const int32_t step = geometry.step;
+    if (isp_type == ZERKLSC_ISP_TVESSA2) {
+        lsc2d_grid_samples(geometry.width, geometry.height, step, step, &geometry.grid_w, &geometry.grid_h);
+    } else {
+        geometry.grid_w = nodes_to_last_sample(geometry.width, step);
+        geometry.grid_h = nodes_to_last_sample(geometry.height, step);
+    }
 }
+
+} // namespace
 
 bool generator_geometry(const isp_param_tag& param, GeneratorGeometry& geometry) {
     const int32_t width = param.width >> 1;
@@ -23,8 +33,9 @@ bool generator_geometry(const isp_param_tag& param, GeneratorGeometry& geometry)
                 .height = height,
                 .step = step,
                 .margin = static_cast<int32_t>(margin),
-                .grid_w = generator_nodes(width, step, param.isp_type),
-                .grid_h = generator_nodes(height, step, param.isp_type)};
+                .grid_w = 0,
+                .grid_h = 0};
+    count_nodes(param.isp_type, geometry);
     return geometry.grid_w >= 3 && geometry.grid_h >= 3;
 }
 

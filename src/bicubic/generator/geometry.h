@@ -1,4 +1,4 @@
-// The sizes of one call of a parameter generator: the channel image, its margin and the grid laid over it.
+// The sizes of one call of a parameter generator: the planes, their margin and the grid laid over them.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace zerklsc {
 
-// 0 <= margin < width and height of the channel image, 1 <= step <= 255, at least 3 x 3 nodes.
+// 0 <= margin < width and height of a plane, 1 <= step <= 255, at least 3 x 3 nodes.
 struct GeneratorGeometry {
     int32_t width;
     int32_t height;
@@ -16,9 +16,6 @@ struct GeneratorGeometry {
     int32_t grid_w;
     int32_t grid_h;
 };
-
-// How many nodes cover `size` samples of a channel image; size and step are above 0.
-int32_t generator_nodes(int32_t size, int32_t step, uint8_t isp_type);
 
 // The step that a record's `grid` stands for: the ISP takes it as a byte.
 constexpr int32_t generator_step(uint32_t grid) {

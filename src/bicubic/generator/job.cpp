@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "bicubic/generator/colour_plane.h"
 #include "bicubic/generator/gains.h"
 #include "bicubic/generator/target.h"
 #include "frame/planes.h"
@@ -16,11 +17,15 @@ bool usable(const uint16_t* raw, const isp_param_tag* param, GeneratorGeometry& 
            && all_given(param->lsc_table) && generator_geometry(*param, geometry);
 }
 
-// The corrections read the even row's odd column through record pointer 2 and the odd row's even column
-// through pointer 1, so that is where these colours go.
-View<uint16_t> table_of(const isp_param_tag& param, int32_t position, const GeneratorGeometry& geometry) {
-    return packed_view(param.lsc_table[plane_of_pointer[position]], geometry.grid_w + 2 * ZERKLSC_BORDER,
+// The table of a plane: the corrections read it through the same pointer.
+View<uint16_t> table_of(const isp_param_tag& param, int32_t plane, const GeneratorGeometry& geometry) {
+    return packed_view(param.lsc_table[plane_of_pointer[plane]], geometry.grid_w + 2 * ZERKLSC_BORDER,
                        geometry.grid_h + 2 * ZERKLSC_BORDER);
+}
+
+// Only the ISP of type 3 has a limit of its own.
+bool is_limited(const isp_param_tag& param) {
+    return param.isp_type == ZERKLSC_ISP_TVESSA2;
 }
 
 // Gains of the inner nodes. The target stands on the nodes; one beyond the image stands one past its last
@@ -37,6 +42,14 @@ void write_gains(const GeneratorGeometry& geometry, const Target& target, Colour
     }
 }
 
+// The border of the gains, and the limit of the hardware: a border that fell below 0 has wrapped to a large
+// number and becomes the highest gain.
+void finish_table(const isp_param_tag& param, View<uint16_t> table) {
+    fill_wrapping_border(table);
+    if (is_limited(param))
+        format_lsc_table(table.data, table.width, table.height);
+}
+
 } // namespace
 
 bool prepare(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job) {
@@ -44,39 +57,39 @@ bool prepare(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job)
     if (!usable(raw, param, geometry))
         return false;
     job.raw = {raw, 2 * geometry.width, 2 * geometry.height, param->width};
-    job.sums.columns = allocate<int32_t>(geometry.width, 1);
-    job.sums.leftward = allocate<int64_t>(geometry.width + 1, 1);
-    job.averages = allocate<double>(geometry.grid_w, geometry.grid_h);
-    if (!job.sums.columns || !job.sums.leftward || !job.averages)
+    if (!allocate_sums(geometry, job.sums))
         return false;
-    doubled_margin = 2 * geometry.margin;
-    return true;
+    job.averages = allocate<double>(geometry.grid_w, geometry.grid_h);
+    return job.averages != nullptr;
 }
 
-void fill_tables(const GeneratorJob& job, const isp_param_tag& param, double corner_share,
-                 LastNodes last_nodes) {
+GeneratorFindings fill_tables(const GeneratorJob& job, const isp_param_tag& param, double corner_share,
+                              LastNodes last_nodes) {
     const GeneratorGeometry& geometry = job.geometry;
     const View<double> averages = packed_view(job.averages.get(), geometry.grid_w, geometry.grid_h);
-    const bool limited = param.isp_type == ZERKLSC_ISP_TVESSA2;
+    GeneratorFindings findings;
     Target target{};
     for (const Colour colour : {Gb, B, R, Gr}) {
-        const Channel channel = channel_of(job.raw, param, colour);
-        const double largest = block_averages(channel, geometry, job.sums, averages);
+        const ColourPlane plane = colour_plane(job.raw, param, colour);
+        const double largest = measure_nodes(plane, geometry, job.sums, averages);
         if (colour == reference_colour)
             target = make_target(param, corner_share, largest);
         if (last_nodes == LastNodes::extended)
-            extend_last_nodes(geometry, averages);
-        const View<uint16_t> table = table_of(param, channel.position, geometry);
+            findings.extended_not_above_zero += extend_last_nodes(geometry, averages);
+        const View<uint16_t> table = table_of(param, plane.number, geometry);
         write_gains(geometry, target, colour, largest, averages, gain_format(param.isp_type), table);
-        fill_wrapping_border(table);
-        // A border that fell below 0 has wrapped to a large number and becomes the highest gain.
-        if (limited)
-            format_lsc_table(table.data, table.width, table.height);
+        finish_table(param, table);
     }
+    return findings;
+}
+
+void print_findings(const GeneratorFindings& findings, const isp_param_tag& param) {
+    for (int32_t n = 0; n < findings.extended_not_above_zero; ++n)
+        std::puts("Warning:raw image data maybe wrong ");
     // The types without gains say so once for these and, as the types without a final limit, once for that.
     if (!has_gain_format(param.isp_type))
         std::puts("not support isp type!");
-    if (!limited)
+    if (!is_limited(param))
         std::puts("not support isp type!");
 }
 

@@ -25,10 +25,18 @@ bool prepare(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job)
 // Whether the last average of a row stays at the last sample or is moved out to its node.
 enum class LastNodes { as_measured, extended };
 
+// What there is to say about the tables.
+struct GeneratorFindings {
+    int32_t extended_not_above_zero = 0; // last nodes of rows, over all colours
+};
+
 // Measures the four colours and fills the four tables, whose target keeps `corner_share` of the brightness of
 // the image centre at the image corners.
-void fill_tables(const GeneratorJob& job, const isp_param_tag& param, double corner_share,
-                 LastNodes last_nodes);
+GeneratorFindings fill_tables(const GeneratorJob& job, const isp_param_tag& param, double corner_share,
+                              LastNodes last_nodes);
+
+// Prints what was found, in lines of a fixed text.
+void print_findings(const GeneratorFindings& findings, const isp_param_tag& param);
 
 // The share that a record asks for.
 constexpr double requested_share(const isp_param_tag& param) {

@@ -1,32 +1,31 @@
-// The averages around the grid nodes of one channel.
+// How bright a plane is around each node of the grid.
 #pragma once
 
 #include <cstdint>
 
-#include "bicubic/generator/geometry.h"
 #include "bicubic/generator/colour_plane.h"
+#include "bicubic/generator/geometry.h"
 #include "frame/scratch.h"
 #include "frame/view.h"
 
 namespace zerklsc {
 
-// Twice the margin of the call that is running: a block is one sample wider and higher. It is library-wide by
-// design, and a second call would change the blocks of the first: the generators are not reentrant.
-extern int32_t doubled_margin;
-
-// Working memory of block_averages().
+// Working memory of measure_nodes(). A node's block is 2 * margin + 1 samples wide and high.
 struct BlockSums {
-    Scratch<int32_t> columns;  // one sum per channel column
-    Scratch<int64_t> leftward; // the sum of all columns left of each position; one element more
+    Scratch<int32_t> columns; // of each plane column: its sum over the rows of the blocks
+    Scratch<int64_t> left_of; // of each plane column: the sum of the columns left of it; one element more
 };
+
+// False when the memory cannot be had.
+bool allocate_sums(const GeneratorGeometry& geometry, BlockSums& sums);
 
 // Writes the mean of the block centred on each node, mirrored at the image edges, and returns the largest
 // mean, at least 0. A node beyond the last sample is measured at the last sample.
-double block_averages(const Channel& channel, const GeneratorGeometry& geometry, const BlockSums& sums,
-                      View<double> averages);
+double measure_nodes(const ColourPlane& plane, const GeneratorGeometry& geometry, const BlockSums& sums,
+                     View<double> averages);
 
-// Moves the last average of every row from the last sample, where it was measured, out to its node, and
-// prints one line for every result that is not above 0.
-void extend_last_nodes(const GeneratorGeometry& geometry, View<double> averages);
+// Moves the last average of every row from the last sample, where it was measured, out to its node. Returns
+// how many of the results are not above 0.
+int32_t extend_last_nodes(const GeneratorGeometry& geometry, View<double> averages);
 
 } // namespace zerklsc

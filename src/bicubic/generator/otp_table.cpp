@@ -25,9 +25,12 @@ bool usable(uint8_t* const* out, const uint32_t* calib) {
     return calib != nullptr && out != nullptr && all_given(out);
 }
 
-bool covers(uint32_t nodes, uint16_t raw_size, int32_t step) {
-    return step != 0
-           && nodes == static_cast<uint32_t>(generator_nodes(raw_size >> 1, step, ZERKLSC_ISP_TVESSA2));
+// Whether the nodes are as many as the generator lays over the planes of the frame.
+bool is_grid_of(uint32_t grid_w, uint32_t grid_h, uint16_t width, uint16_t height, int32_t step) {
+    int32_t nodes_w = 0;
+    int32_t nodes_h = 0;
+    lsc2d_grid_samples(width >> 1, height >> 1, step, step, &nodes_w, &nodes_h);
+    return step != 0 && grid_w == static_cast<uint32_t>(nodes_w) && grid_h == static_cast<uint32_t>(nodes_h);
 }
 
 } // namespace
@@ -38,8 +41,7 @@ int32_t lsc2d_otp_table(uint16_t* raw, uint16_t width, uint16_t height, uint8_t*
                         uint32_t grid_h, uint32_t* calib) {
     if (!usable(out, calib))
         return -1;
-    const int32_t step = generator_step(calib[0]);
-    if (!covers(grid_w, width, step) || !covers(grid_h, height, step))
+    if (!is_grid_of(grid_w, grid_h, width, height, generator_step(calib[0])))
         return -1;
     const uint64_t entries =
         (uint64_t{grid_w} + 2 * ZERKLSC_BORDER) * (uint64_t{grid_h} + 2 * ZERKLSC_BORDER);

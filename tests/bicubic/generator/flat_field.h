@@ -15,10 +15,10 @@ namespace zerklsc::testing {
 
 constexpr uint16_t untouched = 0xBEEF;
 
-// Which record pointer the corrections read a Bayer position through, (x & 1) + 2 * (y & 1).
-constexpr size_t pointer_of_position[4] = {0, 2, 1, 3};
+// Which record pointer the corrections read a plane through, (x & 1) + 2 * (y & 1).
+constexpr size_t pointer_of_plane[4] = {0, 2, 1, 3};
 
-inline int position_of(int x, int y) {
+inline int plane_at(int x, int y) {
     return (x & 1) + 2 * (y & 1);
 }
 
@@ -58,9 +58,9 @@ struct FlatField {
                 sample(x, y) = static_cast<uint16_t>(level(x, y));
     }
 
-    // Inner node (i, j) of the table of a Bayer position; -1 and the node count are the border.
-    int gain(int position, int i, int j) {
-        return (*tables[pointer_of_position[position]])[static_cast<size_t>((j + 1) * (grid_w + 2) + i + 1)];
+    // Inner node (i, j) of the table of a plane; -1 and the node count are the border.
+    int gain(int plane, int i, int j) {
+        return (*tables[pointer_of_plane[plane]])[static_cast<size_t>((j + 1) * (grid_w + 2) + i + 1)];
     }
 
     bool all_tables_are(uint16_t value) {

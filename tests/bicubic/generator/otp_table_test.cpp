@@ -9,7 +9,7 @@ namespace {
 // 60 x 52 samples of a colour, 9 x 8 nodes; every colour and direction is different.
 struct UnevenField : FlatField {
     UnevenField() : FlatField(120, 104, 8) {
-        paint([](int x, int y) { return 400 + 60 * position_of(x, y) + x - 2 * y / 3; });
+        paint([](int x, int y) { return 400 + 60 * plane_at(x, y) + x - 2 * y / 3; });
         param.filter_radius = 3;
         param.shading_percent = 70;
     }
@@ -26,7 +26,7 @@ TEST(FrontEnds, RunTheGeneratorWithWordsZeroTwoAndSevenAndTablesInPlaneOrder) {
         uint32_t calib[8] = {0x20108, 9, 3, 11, 13, 17, 19, 70};
         uint16_t* tables[4];
         for (size_t p = 0; p < 4; ++p)
-            tables[p] = field.param.lsc_table[pointer_of_position[p]];
+            tables[p] = field.param.lsc_table[pointer_of_plane[p]];
         EXPECT_EQ(front_end(field.raw.data(), 120, 104, tables, 5, 6, 2, calib), 0);
         for (size_t k = 0; k < 4; ++k)
             EXPECT_EQ(field.tables[k]->copy(), direct.tables[k]->copy()) << k;

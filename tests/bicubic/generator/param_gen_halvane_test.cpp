@@ -20,7 +20,7 @@ TEST(Halvane, CornerRatioIsSixteenTimesTheSmallestOfTheFourColours) {
     for (const auto& [centre, ratio] : cases) {
         FlatField field(402, 322, 20);
         const int levels[4] = {900, static_cast<int>(centre), 1000, 900};
-        field.paint([&](int x, int y) { return patch_level(x / 2, y / 2, levels[position_of(x, y)], 200); });
+        field.paint([&](int x, int y) { return patch_level(x / 2, y / 2, levels[plane_at(x, y)], 200); });
         EXPECT_EQ(field.run(halvane), "");
         EXPECT_NEAR(field.param.corner_ratio, ratio, 1e-12);
     }
@@ -39,7 +39,7 @@ TEST(Halvane, BlendsTheMeasuredRatioWithThePercentage) {
         FlatField field(402, 322, 20), other(402, 322, 20);
         for (FlatField* f : {&field, &other})
             f->paint([c = centre, k = corner](int x, int y) { // only Gb counts: the others have another ratio
-                return patch_level(x / 2, y / 2, position_of(x, y) == 3 ? c : 333, k);
+                return patch_level(x / 2, y / 2, plane_at(x, y) == 3 ? c : 333, k);
             });
         field.param.shading_percent = percent;
         other.param.shading_percent = same_as;

@@ -25,7 +25,7 @@ TEST(OrvelOtp, EveryPatternNamesTheColoursAndReachesTheTablesThatTheCorrectionsR
         FlatField field(80, 64, 8);
         field.param.bayer_pattern = pattern;
         std::copy_n(blacks, 4, field.param.blc);
-        field.paint([](int x, int y) { return 512 + blacks[position_of(x, y)]; });
+        field.paint([](int x, int y) { return 512 + blacks[plane_at(x, y)]; });
         std::string warnings; // in raster order: the clipped samples stand in one cell
         for (int p = 0; p < 4; ++p) {
             field.sample(16 * (p + 1) + p % 2, 16 + p / 2) = static_cast<uint16_t>(128 + blacks[p]);
@@ -45,12 +45,12 @@ TEST(OrvelOtp, SamplesBelowTheirBlackLevelStayNegativeAndBrightOnesStopAt1023) {
     FlatField field(64, 64, 8);
     std::copy_n(blacks, 4, field.param.blc);
     field.param.filter_radius = 1;
-    field.paint([&](int x, int y) { return 100 + blacks[position_of(x, y)]; });
+    field.paint([&](int x, int y) { return 100 + blacks[plane_at(x, y)]; });
     field.sample(32, 32) = 0;
     field.run(orvel);
     EXPECT_EQ(field.gain(0, 2, 2), 1166); // 100 / ((8 * 100 - 10) / 9) * 1024 = 1166.58
     field.param.filter_radius = 0;
-    field.paint([&](int x, int y) { return 341 + blacks[position_of(x, y)]; });
+    field.paint([&](int x, int y) { return 341 + blacks[plane_at(x, y)]; });
     field.sample(32, 32) = 5000;
     field.run(orvel);
     EXPECT_EQ(field.gain(0, 0, 0), 3072); // 1023 / 341
@@ -84,8 +84,8 @@ double cap_level(double peak, double share, double corner_distance, double dista
 TEST(OrvelOtp, TargetIsACapThroughTheGbPeakAndTheShareOfItAtTheCorners) {
     FlatField field(100, 80, 16);
     field.param.shading_percent = 60;
-    field.param.bayer_pattern = 1; // Gb at position 2
-    field.paint([](int x, int y) { return position_of(x, y) == 2 ? 20 : 80; });
+    field.param.bayer_pattern = 1; // Gb is plane 2
+    field.paint([](int x, int y) { return plane_at(x, y) == 2 ? 20 : 80; });
     field.run(orvel);
     EXPECT_NEAR(field.gain(2, 0, 0), 614, 1);
     for (int j = 0; j < field.grid_h; ++j)
@@ -93,8 +93,8 @@ TEST(OrvelOtp, TargetIsACapThroughTheGbPeakAndTheShareOfItAtTheCorners) {
             // The last node stands one past the last sample: the image has 50 x 40.
             const double distance = std::hypot(std::min(16 * i, 50) - 25, std::min(16 * j, 40) - 20);
             const double gain = cap_level(20.0, 0.6, std::hypot(25, 20), distance) / 20.0 * 1024.0;
-            for (int position = 0; position < 4; ++position)
-                EXPECT_NEAR(field.gain(position, i, j), gain, 1.0) << i << ',' << j;
+            for (int plane = 0; plane < 4; ++plane)
+                EXPECT_NEAR(field.gain(plane, i, j), gain, 1.0) << i << ',' << j;
         }
 }
 
