@@ -41,15 +41,13 @@ double corner_ratio(const ColourPlane& plane, const GeneratorGeometry& geometry)
     return corners * 0.25 / centre;
 }
 
-// The smallest of the four; 0 as soon as one of them is not a number.
+// The smallest of those that are finite, 0 when none is.
 double smallest_ratio(const double (&ratios)[ZERKLSC_CHANNELS]) {
-    double smallest = ratios[0];
-    for (const double ratio : ratios) {
-        if (std::isnan(ratio))
-            return 0.0;
-        smallest = std::min(smallest, ratio);
-    }
-    return smallest;
+    double smallest = std::numeric_limits<double>::infinity();
+    for (const double ratio : ratios)
+        if (std::isfinite(ratio))
+            smallest = std::min(smallest, ratio);
+    return std::isfinite(smallest) ? smallest : 0.0;
 }
 
 // Between the measured ratio (0 percent asked for) and a flat image (100 percent).

@@ -15,14 +15,25 @@ int patch_level(int x, int y, int centre, int corner) {
     return x < 50 && y < 50 ? 2 * corner : corner;
 }
 
-TEST(Halvane, CornerRatioIsSixteenTimesTheSmallestOfTheFourColours) {
-    const double cases[][2] = {{800, 16 * 250.0 / 1000}, {1020, 16 * 250.0 / 1020}, {0, 0.0}};
-    for (const auto& [centre, ratio] : cases) {
+TEST(Halvane, CornerRatioIsSixteenTimesTheSmallestOfTheColoursWhoseCentreIsNotBlack) {
+    const struct {
+        int centres[4]; // by plane
+        double ratio;   // of corners of 250
+    } cases[] = {{{1000, 900, 920, 940}, 250.0 / 1000},
+                 {{900, 1000, 920, 940}, 250.0 / 1000},
+                 {{900, 920, 1000, 940}, 250.0 / 1000},
+                 {{900, 920, 940, 1000}, 250.0 / 1000},
+                 {{0, 900, 1000, 940}, 250.0 / 1000},
+                 {{1000, 0, 0, 0}, 250.0 / 1000},
+                 {{900, 1020, 0, 940}, 250.0 / 1020},
+                 {{900, 940, 920, 0}, 250.0 / 940},
+                 {{0, 0, 0, 0}, 0.0}};
+    for (const auto& [centres, ratio] : cases) {
         FlatField field(402, 322, 20);
-        const int levels[4] = {900, static_cast<int>(centre), 1000, 900};
-        field.paint([&](int x, int y) { return patch_level(x / 2, y / 2, levels[plane_at(x, y)], 200); });
+        field.paint(
+            [&c = centres](int x, int y) { return patch_level(x / 2, y / 2, c[plane_at(x, y)], 200); });
         EXPECT_EQ(field.run(halvane), "");
-        EXPECT_NEAR(field.param.corner_ratio, ratio, 1e-12);
+        EXPECT_NEAR(field.param.corner_ratio, 16 * ratio, 1e-12);
     }
 }
 
