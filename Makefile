@@ -1,7 +1,7 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test bench release packages
+.PHONY: help demo test bench release configured packages
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
@@ -11,11 +11,14 @@ help:
 packages:
 	@cmake/install-packages.sh build
 
-release: packages
+configured: packages
 	@cmake --preset release -Wno-dev > build.log 2>&1 || { cat build.log; rm -f build.log; exit 1; }; rm -f build.log
+
+release: configured
 	@cmake --build --preset release
 
-demo: release
+demo: configured
+	@cmake --build --preset release --target zerklsc_tool
 	@tool/demo.sh build/release/tool/zerklsc demo
 
 test: release

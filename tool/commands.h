@@ -2,18 +2,18 @@
 // main.cpp.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "commands/command_line.h"
 
 namespace zerklsc::tool {
 
 // Each adds its subcommand with its options, and sets the callback that runs it.
-void add_simulate(CLI::App& app);
-void add_calibrate(CLI::App& app);
-void add_correct(CLI::App& app);
-void add_compare(CLI::App& app);
-void add_measure(CLI::App& app);
-void add_preview(CLI::App& app);
-void add_resample(CLI::App& app);
-void add_otp(CLI::App& app);
+void add_simulate(Command app);
+void add_calibrate(Command app);
+void add_correct(Command app);
+void add_compare(Command app);
+void add_measure(Command app);
+void add_preview(Command app);
+void add_resample(Command app);
+void add_otp(Command app);
 
 } // namespace zerklsc::tool

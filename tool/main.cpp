@@ -23,32 +23,15 @@ constexpr const char* exit_codes =
     "  zerklsc correct flat.pgm --tables tables.json -o corrected.pgm\n"
     "  zerklsc measure corrected.pgm";
 
-std::string first_line(const std::string& text) {
-    return text.substr(0, text.find('\n'));
-}
-
-// The name of the subcommand that was meant, as "zerklsc calibrate".
-std::string command_of(const CLI::App& app) {
-    std::string name = app.get_name();
-    for (const CLI::App* sub : app.get_subcommands())
-        name += " " + command_of(*sub);
-    return name;
-}
-
-int run(CLI::App& app, int argc, char** argv) {
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0)
-            return app.exit(error);
-        // Of a word that is no command, CLI11 only says that a command is missing.
-        const bool unknown = argc > 1 && argv[1][0] != '-' && app.get_subcommands().empty();
-        const std::string what =
-            unknown ? fmt::format("{} is not a command", argv[1]) : first_line(error.what());
-        fmt::print(stderr, "{}: {} (see {} --help)\n", command_of(app), what, command_of(app));
-        return exit_usage;
-    }
-    return exit_success;
+void add_commands(Command program) {
+    add_simulate(program);
+    add_calibrate(program);
+    add_correct(program);
+    add_compare(program);
+    add_measure(program);
+    add_preview(program);
+    add_resample(program);
+    add_otp(program);
 }
 
 int finish(int code) {
@@ -62,27 +45,16 @@ int finish(int code) {
 } // namespace
 
 int main_program(int argc, char** argv) {
-    CLI::App app{"Lens-shading calibration, correction and OTP tables", "zerklsc"};
-    app.set_version_flag("--version", "zerklsc " ZERKLSC_VERSION);
-    app.require_subcommand(1);
-    app.footer(exit_codes);
-    add_simulate(app);
-    add_calibrate(app);
-    add_correct(app);
-    add_compare(app);
-    add_measure(app);
-    add_preview(app);
-    add_resample(app);
-    add_otp(app);
     try {
-        return finish(run(app, argc, argv));
+        return finish(run_command_line("Lens-shading calibration, correction and OTP tables", exit_codes,
+                                       add_commands, argc, argv));
     } catch (const Failure& failure) {
         fmt::print(stderr, "{}\n", failure.what());
         return failure.code();
     } catch (const std::bad_alloc&) {
         fmt::print(stderr, "zerklsc: not enough memory for a frame of this size\n");
     } catch (const std::exception& error) {
-        fmt::print(stderr, "zerklsc: {}\n", first_line(error.what()));
+        fmt::print(stderr, "zerklsc: {}\n", error.what());
     }
     return exit_data;
 }

@@ -1,4 +1,6 @@
 // zerklsc calibrate: gain tables from a flat field
+#include <memory>
+
 #include <fmt/format.h>
 
 #include "commands.h"
@@ -7,6 +9,7 @@
 #include "commands/report.h"
 #include "imaging/exposure.h"
 #include "imaging/levels.h"
+#include "io/json_value.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
@@ -84,23 +87,25 @@ void print_text(const RawFrame& frame, const GainTables& tables, const Channels&
 }
 
 void print_json(const RawFrame& frame, const GainTables& tables, const Channels& channels) {
-    nlohmann::ordered_json report{{"frame", frame.name},
-                                  {"size", {frame.width, frame.height}},
-                                  {"bayer_pattern", name_of(tables.pattern)},
-                                  {"bit_depth", tables.bits},
-                                  {"black_level", tables.black},
-                                  {"algorithm", tables.algorithm},
-                                  {"step", tables.step},
-                                  {"filter_radius", tables.filter_radius},
-                                  {"shading_percent", tables.shading_percent},
-                                  {"table_size", {tables.table_width, tables.table_height}},
-                                  {"channels", nlohmann::ordered_json::array()}};
+    JsonValue report =
+        JsonValue::object({{"frame", frame.name},
+                           {"size", JsonValue::array({frame.width, frame.height})},
+                           {"bayer_pattern", name_of(tables.pattern)},
+                           {"bit_depth", tables.bits},
+                           {"black_level", JsonValue::list(tables.black)},
+                           {"algorithm", tables.algorithm},
+                           {"step", tables.step},
+                           {"filter_radius", tables.filter_radius},
+                           {"shading_percent", tables.shading_percent},
+                           {"table_size", JsonValue::array({tables.table_width, tables.table_height})}});
+    JsonValue list = JsonValue::array();
     for (const auto& [colour, levels, gain] : channels)
-        report["channels"].push_back({{"colour", name_of(colour)},
-                                      {"centre", rounded(levels.centre())},
-                                      {"corner_to_centre", rounded(levels.corner_to_centre())},
-                                      {"largest_gain", rounded(gain)}});
-    fmt::print("{}\n", report.dump(2));
+        list.add(JsonValue::object({{"colour", name_of(colour)},
+                                    {"centre", rounded(levels.centre())},
+                                    {"corner_to_centre", rounded(levels.corner_to_centre())},
+                                    {"largest_gain", rounded(gain)}}));
+    report.add("channels", std::move(list));
+    fmt::print("{}\n", report.text());
 }
 
 void write_tables(const Options& options, const GainTables& tables) {
@@ -136,29 +141,28 @@ void run(const Options& options) {
 
 } // namespace
 
-void add_calibrate(CLI::App& app) {
+void add_calibrate(Command app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("calibrate", "Make gain tables from a flat-field capture");
-    add_raw_options(*command, options->raw, "flat");
-    command->add_option("-o,--output", options->output, "table file to write (JSON)")->required();
-    command->add_option("--text", options->text, "also write the four tables as plain text, in plane order");
+    Command command = app.subcommand("calibrate", "Make gain tables from a flat-field capture");
+    add_raw_options(command, options->raw, "flat");
+    command.option("-o,--output", options->output, "table file to write (JSON)").required();
+    command.option("--text", options->text, "also write the four tables as plain text, in plane order");
     command
-        ->add_option("--algorithm", options->algorithm,
-                     "0 halvane, 1 orvel-otp, 2 orvel, 3 beta, 4 orvel-weights, by number or name")
-        ->capture_default_str();
-    add_grid_options(*command, options->settings);
-    command
-        ->add_option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
-        ->check(CLI::Range(0.0, 100.0))
-        ->capture_default_str();
-    command->add_flag("--json", options->json, "print JSON");
-    command->footer(
+        .option("--algorithm", options->algorithm,
+                "0 halvane, 1 orvel-otp, 2 orvel, 3 beta, 4 orvel-weights, by number or name")
+        .show_default();
+    add_grid_options(command, options->settings);
+    command.option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
+        .range(0.0, 100.0)
+        .show_default();
+    command.flag("--json", options->json, "print JSON");
+    command.footer(
         "Algorithms 0 to 3 are for the tvessa2 ISP, 4 for vessal2. Algorithms 0 and 1 take 10-bit samples:\n"
         "they see deeper captures scaled to 10 bits.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc calibrate flat.pgm -o tables.json --text tables.txt");
-    command->callback([options] { run(*options); });
+    command.action([options] { run(*options); });
 }
 
 } // namespace zerklsc::tool

@@ -1,5 +1,6 @@
 // zerklsc compare: every calibration method on the same capture
 #include <algorithm>
+#include <memory>
 
 #include <fmt/format.h>
 
@@ -12,6 +13,7 @@
 #include "imaging/exposure.h"
 #include "imaging/levels.h"
 #include "imaging/otp_stream.h"
+#include "io/json_value.h"
 #include "terminal.h"
 #include "zerklsc.h"
 
@@ -109,19 +111,21 @@ void print_text(const CalibrationSettings& settings, const Shading& before, cons
 }
 
 void print_json(const RawFrame& frame, const Shading& before, const Outcomes& outcomes) {
-    nlohmann::ordered_json report{{"frame", frame.name},
-                                  {"corner_to_centre_before", rounded(before.corner_to_centre)},
-                                  {"flatness_before", rounded(before.flatness)},
-                                  {"methods", nlohmann::ordered_json::array()}};
+    JsonValue report = JsonValue::object({{"frame", frame.name},
+                                          {"corner_to_centre_before", rounded(before.corner_to_centre)},
+                                          {"flatness_before", rounded(before.flatness)}});
+    JsonValue list = JsonValue::array();
     for (const Outcome& o : outcomes)
-        report["methods"].push_back({{"algorithm", o.algorithm},
-                                     {"name", algorithm_name(o.algorithm)},
-                                     {"isp", name_of(isp_of_algorithm(o.algorithm))},
-                                     {"corner_to_centre_after", rounded(o.after.corner_to_centre)},
-                                     {"flatness_after", rounded(o.after.flatness)},
-                                     {"largest_gain", rounded(o.largest_gain)},
-                                     {"otp_loss", {rounded(o.otp_loss[0]), rounded(o.otp_loss[1])}}});
-    fmt::print("{}\n", report.dump(2));
+        list.add(JsonValue::object(
+            {{"algorithm", o.algorithm},
+             {"name", algorithm_name(o.algorithm)},
+             {"isp", name_of(isp_of_algorithm(o.algorithm))},
+             {"corner_to_centre_after", rounded(o.after.corner_to_centre)},
+             {"flatness_after", rounded(o.after.flatness)},
+             {"largest_gain", rounded(o.largest_gain)},
+             {"otp_loss", JsonValue::array({rounded(o.otp_loss[0]), rounded(o.otp_loss[1])})}}));
+    report.add("methods", std::move(list));
+    fmt::print("{}\n", report.text());
 }
 
 void run(const Options& options) {
@@ -144,20 +148,20 @@ void run(const Options& options) {
 
 } // namespace
 
-void add_compare(CLI::App& app) {
+void add_compare(Command app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("compare", "Calibrate a capture by every method, and compare what they leave");
-    add_raw_options(*command, options->raw, "flat");
-    add_grid_options(*command, options->settings);
-    command->add_flag("--json", options->json, "print JSON");
-    command->footer(
+    Command command =
+        app.subcommand("compare", "Calibrate a capture by every method, and compare what they leave");
+    add_raw_options(command, options->raw, "flat");
+    add_grid_options(command, options->settings);
+    command.flag("--json", options->json, "print JSON");
+    command.footer(
         "Each method's tables correct the capture as their ISP does. off flat: largest deviation of\n"
         "11 x 11 blocks from the channel's mean. OTP loss: largest gain error of the decoded stream.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc compare flat.pgm --step 32");
-    command->callback([options] { run(*options); });
+    command.action([options] { run(*options); });
 }
 
 } // namespace zerklsc::tool

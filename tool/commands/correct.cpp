@@ -1,4 +1,6 @@
 // zerklsc correct: a frame as the ISP would deliver it
+#include <memory>
+
 #include <fmt/format.h>
 
 #include "commands.h"
@@ -66,29 +68,27 @@ void run(const Options& options) {
 
 } // namespace
 
-void add_correct(CLI::App& app) {
+void add_correct(Command app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("correct", "Correct a frame with gain tables exactly as the ISP does");
-    add_raw_options(*command, options->raw, "raw");
-    command->add_option("--tables", options->tables, "table file of zerklsc calibrate")->required();
+    Command command = app.subcommand("correct", "Correct a frame with gain tables exactly as the ISP does");
+    add_raw_options(command, options->raw, "raw");
+    command.option("--tables", options->tables, "table file of zerklsc calibrate").required();
     command
-        ->add_option("-o,--output", options->output,
-                     "frame to write, in the form of the input or by its extension")
-        ->required();
-    command->add_option("--isp", options->isp,
-                        "tvessa2 or vessal2 (default: the one that the tables were made for)");
-    command->add_flag("--restore-black", options->restore_black,
-                      "put the black level back after the correction");
-    command->add_flag("--scale", options->scale, "scale samples deeper than 10 bits to 10 bits");
-    command->footer("The result has 10-bit samples, as the ISP's. A black level that neither --black-level "
-                    "nor the frame\n"
-                    "names is that of the tables.\n\n"
-                    "Example:\n"
-                    "  zerklsc simulate -o flat.pgm\n"
-                    "  zerklsc calibrate flat.pgm -o tables.json\n"
-                    "  zerklsc correct flat.pgm --tables tables.json --restore-black -o corrected.pgm");
-    command->callback([options] { run(*options); });
+        .option("-o,--output", options->output,
+                "frame to write, in the form of the input or by its extension")
+        .required();
+    command.option("--isp", options->isp,
+                   "tvessa2 or vessal2 (default: the one that the tables were made for)");
+    command.flag("--restore-black", options->restore_black, "put the black level back after the correction");
+    command.flag("--scale", options->scale, "scale samples deeper than 10 bits to 10 bits");
+    command.footer("The result has 10-bit samples, as the ISP's. A black level that neither --black-level "
+                   "nor the frame\n"
+                   "names is that of the tables.\n\n"
+                   "Example:\n"
+                   "  zerklsc simulate -o flat.pgm\n"
+                   "  zerklsc calibrate flat.pgm -o tables.json\n"
+                   "  zerklsc correct flat.pgm --tables tables.json --restore-black -o corrected.pgm");
+    command.action([options] { run(*options); });
 }
 
 } // namespace zerklsc::tool

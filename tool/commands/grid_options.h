@@ -1,13 +1,13 @@
 // The options that say where and how a calibration measures.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "commands/command_line.h"
 
 #include "imaging/calibration.h"
 
 namespace zerklsc::tool {
 
 // --step, --radius and --shading.
-void add_grid_options(CLI::App& command, CalibrationSettings& settings);
+void add_grid_options(Command command, CalibrationSettings& settings);
 
 } // namespace zerklsc::tool

@@ -1,4 +1,6 @@
 // zerklsc measure: how flat a frame is
+#include <memory>
+
 #include <fmt/format.h>
 
 #include "commands.h"
@@ -6,6 +8,7 @@
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/levels.h"
+#include "io/json_value.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -35,18 +38,19 @@ void print_text(const Channels& channels, int blocks) {
 }
 
 void print_json(const RawFrame& frame, const BlackLevel& black, const Channels& channels, int blocks) {
-    nlohmann::ordered_json report{{"frame", frame.name},
-                                  {"size", {frame.width, frame.height}},
-                                  {"black_level", black},
-                                  {"blocks", blocks},
-                                  {"channels", nlohmann::ordered_json::array()}};
+    JsonValue report = JsonValue::object({{"frame", frame.name},
+                                          {"size", JsonValue::array({frame.width, frame.height})},
+                                          {"black_level", JsonValue::list(black)},
+                                          {"blocks", blocks}});
+    JsonValue list = JsonValue::array();
     for (const auto& [colour, levels] : channels)
-        report["channels"].push_back({{"colour", name_of(colour)},
-                                      {"mean", rounded(levels.mean)},
-                                      {"centre", rounded(levels.centre())},
-                                      {"corner_to_centre", rounded(levels.corner_to_centre())},
-                                      {"flatness", rounded(levels.flatness())}});
-    fmt::print("{}\n", report.dump(2));
+        list.add(JsonValue::object({{"colour", name_of(colour)},
+                                    {"mean", rounded(levels.mean)},
+                                    {"centre", rounded(levels.centre())},
+                                    {"corner_to_centre", rounded(levels.corner_to_centre())},
+                                    {"flatness", rounded(levels.flatness())}}));
+    report.add("channels", std::move(list));
+    fmt::print("{}\n", report.text());
 }
 
 void check_limit(const RawFrame& frame, const Channels& channels, double limit) {
@@ -80,24 +84,20 @@ void run(const Options& options) {
 
 } // namespace
 
-void add_measure(CLI::App& app) {
+void add_measure(Command app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("measure", "Measure corner-to-centre ratio and flatness of a frame");
-    add_raw_options(*command, options->raw, "frame");
-    command->add_option("--blocks", options->blocks, "blocks in each direction")
-        ->check(CLI::Range(3, 1001))
-        ->capture_default_str();
-    command
-        ->add_option("--limit", options->limit, "exit with 1 when a channel is less flat than this, percent")
-        ->check(CLI::Range(0.0, 100.0));
-    command->add_flag("--json", options->json, "print JSON");
-    command->footer(
+    Command command = app.subcommand("measure", "Measure corner-to-centre ratio and flatness of a frame");
+    add_raw_options(command, options->raw, "frame");
+    command.option("--blocks", options->blocks, "blocks in each direction").range(3, 1001).show_default();
+    command.option("--limit", options->limit, "exit with 1 when a channel is less flat than this, percent")
+        .range(0.0, 100.0);
+    command.flag("--json", options->json, "print JSON");
+    command.footer(
         "corner/centre: mean of the four corner blocks over the centre block, black level taken off.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc measure flat.pgm --json");
-    command->callback([options] { run(*options); });
+    command.action([options] { run(*options); });
 }
 
 } // namespace zerklsc::tool

@@ -1,4 +1,7 @@
 // zerklsc otp: streams for a module's one-time-programmable memory
+#include <algorithm>
+#include <memory>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -168,86 +171,83 @@ void run_check(const CheckOptions& options) {
                          options.stream, options.tables, limit));
 }
 
-void add_encode(CLI::App& otp) {
+void add_encode(Command otp) {
     auto options = std::make_shared<EncodeOptions>();
-    CLI::App* command =
-        otp.add_subcommand("encode", "Pack tables into a stream, decode it again and report the loss");
-    command->add_option("tables", options->tables, "table file of zerklsc calibrate")->required();
-    command->add_option("-o,--output", options->output, "stream to write, bare bytes")->required();
-    command->add_option("--mode", options->mode, "0: 24 bits per node, 1: 14 bits per node")
-        ->check(CLI::Range(lowest_precision_mode, highest_precision_mode))
-        ->capture_default_str();
-    command->add_option("--c-array", options->c_array, "also write the stream as a C array");
+    Command command =
+        otp.subcommand("encode", "Pack tables into a stream, decode it again and report the loss");
+    command.option("tables", options->tables, "table file of zerklsc calibrate").required();
+    command.option("-o,--output", options->output, "stream to write, bare bytes").required();
+    command.option("--mode", options->mode, "0: 24 bits per node, 1: 14 bits per node")
+        .range(lowest_precision_mode, highest_precision_mode)
+        .show_default();
+    command.option("--c-array", options->c_array, "also write the stream as a C array");
     command
-        ->add_option("--max-error", options->max_error,
-                     "refuse a larger gain error, percent (mode 0: 1, mode 1: 4)")
-        ->check(CLI::Range(0.001, 1000.0));
-    command->add_flag("--force", options->force, "write a stream of a larger error all the same");
-    command->footer("Example:\n"
-                    "  zerklsc simulate -o flat.pgm\n"
-                    "  zerklsc calibrate flat.pgm -o tables.json\n"
-                    "  zerklsc otp encode tables.json -o stream.bin --c-array stream.h");
-    command->callback([options] { run_encode(*options); });
+        .option("--max-error", options->max_error,
+                "refuse a larger gain error, percent (mode 0: 1, mode 1: 4)")
+        .range(0.001, 1000.0);
+    command.flag("--force", options->force, "write a stream of a larger error all the same");
+    command.footer("Example:\n"
+                   "  zerklsc simulate -o flat.pgm\n"
+                   "  zerklsc calibrate flat.pgm -o tables.json\n"
+                   "  zerklsc otp encode tables.json -o stream.bin --c-array stream.h");
+    command.action([options] { run_encode(*options); });
 }
 
-void add_decode(CLI::App& otp) {
+void add_decode(Command otp) {
     auto options = std::make_shared<DecodeOptions>();
-    CLI::App* command = otp.add_subcommand("decode", "Unpack a stream into tables");
-    command->add_option("stream", options->stream, "stream of zerklsc otp encode")->required();
-    command->add_option("-o,--output", options->output, "table file to write (JSON)")->required();
-    CLI::Option* like = command->add_option("--like", options->like, "table file of the same geometry");
-    const CLI::Range side(2, 65534);
-    command->add_option("--width", options->width, "frame width in pixels")->check(side)->excludes(like);
-    command->add_option("--height", options->height, "frame height in pixels")->check(side)->excludes(like);
-    command->add_option("--step", options->step, "node spacing in plane samples")
-        ->check(CLI::Range(smallest_step, largest_step))
-        ->capture_default_str()
-        ->excludes(like);
-    command->add_option("--pattern", options->pattern, "RGGB, GRBG, GBRG or BGGR")
-        ->capture_default_str()
-        ->excludes(like);
-    command->add_option("--black-level", options->black, "black level of 10-bit captures, for the table file")
-        ->capture_default_str()
-        ->excludes(like);
-    command->footer("The mode follows from the length of the stream.\n\n"
-                    "Example:\n"
-                    "  zerklsc simulate -o flat.pgm\n"
-                    "  zerklsc calibrate flat.pgm -o tables.json\n"
-                    "  zerklsc otp encode tables.json -o stream.bin\n"
-                    "  zerklsc otp decode stream.bin --like tables.json -o decoded.json");
-    command->callback([options] { run_decode(*options); });
+    Command command = otp.subcommand("decode", "Unpack a stream into tables");
+    command.option("stream", options->stream, "stream of zerklsc otp encode").required();
+    command.option("-o,--output", options->output, "table file to write (JSON)").required();
+    Option like = command.option("--like", options->like, "table file of the same geometry");
+    command.option("--width", options->width, "frame width in pixels").range(2, 65534).excludes(like);
+    command.option("--height", options->height, "frame height in pixels").range(2, 65534).excludes(like);
+    command.option("--step", options->step, "node spacing in plane samples")
+        .range(smallest_step, largest_step)
+        .show_default()
+        .excludes(like);
+    command.option("--pattern", options->pattern, "RGGB, GRBG, GBRG or BGGR").show_default().excludes(like);
+    command.option("--black-level", options->black, "black level of 10-bit captures, for the table file")
+        .show_default()
+        .excludes(like);
+    command.footer("The mode follows from the length of the stream.\n\n"
+                   "Example:\n"
+                   "  zerklsc simulate -o flat.pgm\n"
+                   "  zerklsc calibrate flat.pgm -o tables.json\n"
+                   "  zerklsc otp encode tables.json -o stream.bin\n"
+                   "  zerklsc otp decode stream.bin --like tables.json -o decoded.json");
+    command.action([options] { run_decode(*options); });
 }
 
-void add_check(CLI::App& otp) {
+void add_check(Command otp) {
     auto options = std::make_shared<CheckOptions>();
-    CLI::App* command = otp.add_subcommand("check", "Compare what a stream decodes to with its tables");
-    command->add_option("stream", options->stream, "stream of zerklsc otp encode")->required();
-    command->add_option("--tables", options->tables, "the tables that it was made from")->required();
+    Command command = otp.subcommand("check", "Compare what a stream decodes to with its tables");
+    command.option("stream", options->stream, "stream of zerklsc otp encode").required();
+    command.option("--tables", options->tables, "the tables that it was made from").required();
     command
-        ->add_option("--max-error", options->max_error,
-                     "exit with 1 at a larger gain error, percent (as in encode)")
-        ->check(CLI::Range(0.001, 1000.0));
-    command->footer("Example:\n"
-                    "  zerklsc simulate -o flat.pgm\n"
-                    "  zerklsc calibrate flat.pgm -o tables.json\n"
-                    "  zerklsc otp encode tables.json --mode 1 --max-error 5 -o stream.bin\n"
-                    "  zerklsc otp check stream.bin --tables tables.json --max-error 5");
-    command->callback([options] { run_check(*options); });
+        .option("--max-error", options->max_error,
+                "exit with 1 at a larger gain error, percent (as in encode)")
+        .range(0.001, 1000.0);
+    command.footer("Example:\n"
+                   "  zerklsc simulate -o flat.pgm\n"
+                   "  zerklsc calibrate flat.pgm -o tables.json\n"
+                   "  zerklsc otp encode tables.json --mode 1 --max-error 5 -o stream.bin\n"
+                   "  zerklsc otp check stream.bin --tables tables.json --max-error 5");
+    command.action([options] { run_check(*options); });
 }
 
 } // namespace
 
-void add_otp(CLI::App& app) {
-    CLI::App* otp = app.add_subcommand("otp", "Streams for a module's one-time-programmable memory");
-    otp->require_subcommand(1);
-    add_encode(*otp);
-    add_decode(*otp);
-    add_check(*otp);
-    otp->footer("Example:\n"
-                "  zerklsc simulate -o flat.pgm\n"
-                "  zerklsc calibrate flat.pgm -o tables.json\n"
-                "  zerklsc otp encode tables.json -o stream.bin\n"
-                "  zerklsc otp check stream.bin --tables tables.json");
+void add_otp(Command app) {
+    Command otp = app.subcommand("otp", "Streams for a module's one-time-programmable memory");
+    otp.require_subcommand();
+    add_encode(otp);
+    add_decode(otp);
+    add_check(otp);
+    otp.footer("Example:\n"
+               "  zerklsc simulate -o flat.pgm\n"
+               "  zerklsc calibrate flat.pgm -o tables.json\n"
+               "  zerklsc otp encode tables.json -o stream.bin\n"
+               "  zerklsc otp check stream.bin --tables tables.json");
 }
 
 } // namespace zerklsc::tool

@@ -1,6 +1,7 @@
 // zerklsc preview: a picture of what the lens does to a frame, and of what a correction leaves
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include <fmt/format.h>
 
@@ -181,31 +182,27 @@ void run(const Options& options) {
 
 } // namespace
 
-void add_preview(CLI::App& app) {
+void add_preview(Command app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("preview", "Draw the shading of a frame, before and after correction");
-    add_raw_options(*command, options->raw, "raw");
-    command->add_option("-o,--output", options->output, "picture to write (PNG)")->required();
-    CLI::Option* tables =
-        command->add_option("--tables", options->tables, "correct the frame with this table file");
+    Command command = app.subcommand("preview", "Draw the shading of a frame, before and after correction");
+    add_raw_options(command, options->raw, "raw");
+    command.option("-o,--output", options->output, "picture to write (PNG)").required();
+    Option tables = command.option("--tables", options->tables, "correct the frame with this table file");
     command
-        ->add_option("--isp", options->isp,
-                     "tvessa2 or vessal2 (default: the one that the tables were made for)")
-        ->needs(tables);
-    CLI::Option* corrected =
-        command->add_option("--corrected", options->corrected, "compare with this corrected frame")
-            ->excludes(tables);
+        .option("--isp", options->isp, "tvessa2 or vessal2 (default: the one that the tables were made for)")
+        .needs(tables);
+    Option corrected = command.option("--corrected", options->corrected, "compare with this corrected frame")
+                           .excludes(tables);
     command
-        ->add_option("--corrected-black-level", options->corrected_black,
-                     "its black level (from the PGM comment, else 0)")
-        ->needs(corrected);
-    command->footer("Each channel is drawn relative to its own brightest place, smoothed.\n\n"
-                    "Example:\n"
-                    "  zerklsc simulate -o flat.pgm\n"
-                    "  zerklsc calibrate flat.pgm -o tables.json\n"
-                    "  zerklsc preview flat.pgm --tables tables.json -o preview.png");
-    command->callback([options] { run(*options); });
+        .option("--corrected-black-level", options->corrected_black,
+                "its black level (from the PGM comment, else 0)")
+        .needs(corrected);
+    command.footer("Each channel is drawn relative to its own brightest place, smoothed.\n\n"
+                   "Example:\n"
+                   "  zerklsc simulate -o flat.pgm\n"
+                   "  zerklsc calibrate flat.pgm -o tables.json\n"
+                   "  zerklsc preview flat.pgm --tables tables.json -o preview.png");
+    command.action([options] { run(*options); });
 }
 
 } // namespace zerklsc::tool

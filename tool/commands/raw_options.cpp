@@ -19,23 +19,20 @@ void check_black(const RawFrame& frame) {
 
 } // namespace
 
-void add_raw_options(CLI::App& command, RawOptions& options, const std::string& argument) {
-    command.add_option(argument, options.path, "raw frame: 16-bit PGM, or headerless 16-bit samples")
-        ->required();
-    command.add_option("--width", options.hints.width, "width of a headerless frame")
-        ->check(CLI::Range(1, largest_side));
-    command.add_option("--height", options.hints.height, "height of a headerless frame")
-        ->check(CLI::Range(1, largest_side));
-    command.add_option("--endian", options.endian, "byte order of a headerless frame: little or big")
-        ->check(CLI::IsMember({"little", "big"}))
-        ->capture_default_str();
+void add_raw_options(Command command, RawOptions& options, const char* argument) {
+    command.option(argument, options.path, "raw frame: 16-bit PGM, or headerless 16-bit samples").required();
+    command.option("--width", options.hints.width, "width of a headerless frame").range(1, largest_side);
+    command.option("--height", options.hints.height, "height of a headerless frame").range(1, largest_side);
+    command.option("--endian", options.endian, "byte order of a headerless frame: little or big")
+        .one_of({"little", "big"})
+        .show_default();
     command
-        .add_option("--bits", options.hints.bits,
-                    "bit depth of the samples (PGM: from its maxval; headerless: 10)")
-        ->check(CLI::Range(9, 16));
-    command.add_option("--pattern", options.pattern,
-                       "Bayer pattern: RGGB, GRBG, GBRG or BGGR (from the PGM comment)");
-    command.add_option(
+        .option("--bits", options.hints.bits,
+                "bit depth of the samples (PGM: from its maxval; headerless: 10)")
+        .range(9, 16);
+    command.option("--pattern", options.pattern,
+                   "Bayer pattern: RGGB, GRBG, GBRG or BGGR (from the PGM comment)");
+    command.option(
         "--black-level", options.black,
         "black level of all planes, or four levels by plane as 64,64,65,64 (from the PGM comment)");
 }

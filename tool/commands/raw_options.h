@@ -1,7 +1,7 @@
 // The options of every command that reads a raw frame.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "commands/command_line.h"
 
 #include "io/raw_format.h"
 
@@ -16,7 +16,7 @@ struct RawOptions {
 };
 
 // Adds the file argument under the name `argument`, and the options that say what the file itself does not.
-void add_raw_options(CLI::App& command, RawOptions& options, const std::string& argument);
+void add_raw_options(Command command, RawOptions& options, const char* argument);
 
 // Reads the frame; what the options say stands above what the file says.
 RawFrame read_raw(const RawOptions& options);

@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
 #include "imaging/bayer_pattern.h"
 #include "imaging/raw_frame.h"
 

@@ -1,4 +1,6 @@
 // zerklsc resample: tables for another grid step, crop or frame size
+#include <memory>
+
 #include <fmt/format.h>
 
 #include "commands.h"
@@ -59,26 +61,25 @@ void run(const Options& options) {
 
 } // namespace
 
-void add_resample(CLI::App& app) {
+void add_resample(Command app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("resample", "Carry tables over to another grid step, crop or frame size");
-    command->add_option("tables", options->tables, "table file of zerklsc calibrate")->required();
-    command->add_option("-o,--output", options->output, "table file to write (JSON)")->required();
-    command->add_option("--text", options->text, "also write the four tables as plain text, in plane order");
-    command->add_option("--step", options->step, "node spacing in plane samples (default: as it is)")
-        ->check(CLI::Range(smallest_step, largest_step));
-    command->add_option("--crop", options->crop,
-                        "X,Y,WIDTH,HEIGHT of a window in pixels of the calibrated frame");
-    command->add_option("--size", options->size,
-                        "WIDTH,HEIGHT of the new frame in pixels (default: that of the window)");
-    command->footer(
+    Command command =
+        app.subcommand("resample", "Carry tables over to another grid step, crop or frame size");
+    command.option("tables", options->tables, "table file of zerklsc calibrate").required();
+    command.option("-o,--output", options->output, "table file to write (JSON)").required();
+    command.option("--text", options->text, "also write the four tables as plain text, in plane order");
+    command.option("--step", options->step, "node spacing in plane samples (default: as it is)")
+        .range(smallest_step, largest_step);
+    command.option("--crop", options->crop, "X,Y,WIDTH,HEIGHT of a window in pixels of the calibrated frame");
+    command.option("--size", options->size,
+                   "WIDTH,HEIGHT of the new frame in pixels (default: that of the window)");
+    command.footer(
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc calibrate flat.pgm -o tables.json\n"
         "  zerklsc resample tables.json --step 32 -o finer.json\n"
         "  zerklsc resample tables.json --crop 184,480,3840,2160 --size 1920,1080 --step 32 -o video.json");
-    command->callback([options] { run(*options); });
+    command.action([options] { run(*options); });
 }
 
 } // namespace zerklsc::tool

@@ -1,5 +1,6 @@
 // zerklsc simulate: a plausible flat-field capture
 #include <algorithm>
+#include <memory>
 
 #include "commands.h"
 #include "commands/number_list.h"
@@ -39,65 +40,49 @@ void run(const Options& options) {
     write_file(options.output, encode_raw_frame(options.output, frame, ".raw"));
 }
 
-void add_sensor_options(CLI::App& command, Options& options) {
+void add_sensor_options(Command command, Options& options) {
     SimulationSettings& s = options.settings;
-    command.add_option("--width", s.width, "frame width in pixels")
-        ->check(CLI::Range(2, 65534))
-        ->capture_default_str();
-    command.add_option("--height", s.height, "frame height in pixels")
-        ->check(CLI::Range(2, 65534))
-        ->capture_default_str();
-    command.add_option("--pattern", options.pattern, "RGGB, GRBG, GBRG or BGGR")->capture_default_str();
-    command.add_option("--bits", s.bits, "bit depth of the samples")
-        ->check(CLI::Range(9, 16))
-        ->capture_default_str();
-    command.add_option("--black-level", s.black, "black level")
-        ->check(CLI::Range(0, 65535))
-        ->capture_default_str();
-    command.add_option("--full-well", s.full_well, "electrons at full scale; 0 for a frame without noise")
-        ->check(CLI::Range(0.0, 1e6))
-        ->capture_default_str();
-    command.add_option("--read-noise", s.read_noise, "read noise in electrons")
-        ->check(CLI::Range(0.0, 1e4))
-        ->capture_default_str();
-    command.add_option("--defects", s.defects, "pixels stuck at 0 or at full scale")
-        ->check(CLI::Range(0, 1000000))
-        ->capture_default_str();
-    command.add_option("--seed", s.seed, "another seed is another noise, dust and defects")
-        ->capture_default_str();
+    command.option("--width", s.width, "frame width in pixels").range(2, 65534).show_default();
+    command.option("--height", s.height, "frame height in pixels").range(2, 65534).show_default();
+    command.option("--pattern", options.pattern, "RGGB, GRBG, GBRG or BGGR").show_default();
+    command.option("--bits", s.bits, "bit depth of the samples").range(9, 16).show_default();
+    command.option("--black-level", s.black, "black level").range(0, 65535).show_default();
+    command.option("--full-well", s.full_well, "electrons at full scale; 0 for a frame without noise")
+        .range(0.0, 1e6)
+        .show_default();
+    command.option("--read-noise", s.read_noise, "read noise in electrons").range(0.0, 1e4).show_default();
+    command.option("--defects", s.defects, "pixels stuck at 0 or at full scale")
+        .range(0, 1000000)
+        .show_default();
+    command.option("--seed", s.seed, "another seed is another noise, dust and defects").show_default();
 }
 
-void add_lens_options(CLI::App& command, Options& options) {
+void add_lens_options(Command command, Options& options) {
     SimulationSettings& s = options.settings;
     command
-        .add_option("--level", s.level,
-                    "green at the optical centre, percent of the range; above 100 it clips")
-        ->check(CLI::Range(0.0, 1000.0))
-        ->capture_default_str();
-    command.add_option("--corners", options.corners, "corner brightness of R,Gr,Gb,B, percent of the centre")
-        ->capture_default_str();
-    command.add_option("--centre", options.centre, "optical centre X,Y, percent of width and height")
-        ->capture_default_str();
-    command.add_option("--dust", s.dust, "soft dark spots")
-        ->check(CLI::Range(0, 10000))
-        ->capture_default_str();
+        .option("--level", s.level, "green at the optical centre, percent of the range; above 100 it clips")
+        .range(0.0, 1000.0)
+        .show_default();
+    command.option("--corners", options.corners, "corner brightness of R,Gr,Gb,B, percent of the centre")
+        .show_default();
+    command.option("--centre", options.centre, "optical centre X,Y, percent of width and height")
+        .show_default();
+    command.option("--dust", s.dust, "soft dark spots").range(0, 10000).show_default();
 }
 
 } // namespace
 
-void add_simulate(CLI::App& app) {
+void add_simulate(Command app) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("simulate", "Make a flat-field capture of a module that does not exist");
-    command->add_option("-o,--output", options->output, "frame to write: .pgm, or .raw for headerless")
-        ->required();
-    add_sensor_options(*command, *options);
-    add_lens_options(*command, *options);
-    command->footer("The same options give the same bytes on every machine.\n\n"
-                    "Example:\n"
-                    "  zerklsc simulate -o flat.pgm\n"
-                    "  zerklsc simulate --width 2104 --height 1560 --dust 20 --seed 7 -o dusty.pgm");
-    command->callback([options] { run(*options); });
+    Command command = app.subcommand("simulate", "Make a flat-field capture of a module that does not exist");
+    command.option("-o,--output", options->output, "frame to write: .pgm, or .raw for headerless").required();
+    add_sensor_options(command, *options);
+    add_lens_options(command, *options);
+    command.footer("The same options give the same bytes on every machine.\n\n"
+                   "Example:\n"
+                   "  zerklsc simulate -o flat.pgm\n"
+                   "  zerklsc simulate --width 2104 --height 1560 --dust 20 --seed 7 -o dusty.pgm");
+    command.action([options] { run(*options); });
 }
 
 } // namespace zerklsc::tool

@@ -1,0 +1,66 @@
+// The command line as the commands see it: options that fill variables, with their ranges and defaults.
+//
+// The parser behind it is CLI11. Its headers take several seconds to compile, so only command_line.cpp sees
+// them.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <string>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace zerklsc::tool {
+
+// One option or positional argument of a command.
+class Option {
+  public:
+    explicit Option(CLI::Option* option) : option_(option) {}
+
+    Option& required();
+    // Refuses every value outside, and what is not a number.
+    Option& range(int lowest, int highest);
+    Option& range(double lowest, double highest);
+    Option& one_of(std::initializer_list<const char*> words);
+    // Shows the variable's present value as the default in the help text.
+    Option& show_default();
+    Option& needs(const Option& other);
+    Option& excludes(const Option& other);
+
+  private:
+    CLI::Option* option_;
+};
+
+// A command or a group of commands. It is a handle: copies stand for the same command.
+class Command {
+  public:
+    explicit Command(CLI::App* app) : app_(app) {}
+
+    // `names` is as "-o,--output", or a bare word for a positional argument. The variable is set when the
+    // option is given, and must live until the command has run.
+    Option option(const char* names, int& variable, const std::string& description);
+    Option option(const char* names, uint64_t& variable, const std::string& description);
+    Option option(const char* names, double& variable, const std::string& description);
+    Option option(const char* names, std::string& variable, const std::string& description);
+    Option flag(const char* names, bool& variable, const std::string& description);
+
+    Command subcommand(const char* name, const char* description);
+    void require_subcommand();
+    void footer(const std::string& text);
+    // What the command does once its options are set.
+    void action(std::function<void()> run);
+
+  private:
+    CLI::App* app_;
+};
+
+// The whole program: `add_commands` fills it, then the command that is named runs. What the user asked for
+// wrongly becomes one line on standard error and exit_usage; what a command throws passes through.
+int run_command_line(const char* description, const char* footer, void (*add_commands)(Command), int argc,
+                     char** argv);
+
+} // namespace zerklsc::tool
