@@ -3,25 +3,25 @@
 # The instruction sets above the base of each processor family. Their names are the namespaces of the kernels
 # (src/cpu/dispatch.h) and the words of src/cpu/instruction_set.h.
 set(ZERKLSC_INSTRUCTION_SETS base)
-set(ZERKLSC_NARROW_INSTRUCTION_SETS base)
+set(ZERKLSC_NARROW_INSTRUCTION_SET base)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$")
     list(APPEND ZERKLSC_INSTRUCTION_SETS avx2 avx512)
     set(ZERKLSC_FLAGS_avx2 -mavx2)
     set(ZERKLSC_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq)
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
     list(APPEND ZERKLSC_INSTRUCTION_SETS neon)
-    list(APPEND ZERKLSC_NARROW_INSTRUCTION_SETS neon)
+    set(ZERKLSC_NARROW_INSTRUCTION_SET neon)
     set(ZERKLSC_FLAGS_neon -mfpu=neon)
 endif()
 
-# Compiles `source` once for every instruction set, which ZERKLSC_INSTRUCTION_SET names. With NARROW only for those
-# whose vectors have 16 bytes.
+# Compiles `source` once for every instruction set, which ZERKLSC_INSTRUCTION_SET names. With NARROW only for the
+# lowest one whose vectors have 16 bytes.
 function(zerklsc_add_kernel source)
     cmake_parse_arguments(PARSE_ARGV 1 kernel NARROW "" "")
     get_filename_component(name ${source} NAME_WE)
     set(instruction_sets ${ZERKLSC_INSTRUCTION_SETS})
     if(kernel_NARROW)
-        set(instruction_sets ${ZERKLSC_NARROW_INSTRUCTION_SETS})
+        set(instruction_sets ${ZERKLSC_NARROW_INSTRUCTION_SET})
     endif()
     foreach(instruction_set IN LISTS instruction_sets)
         set(object zerklsc_${name}_${instruction_set})

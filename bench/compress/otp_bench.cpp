@@ -3,7 +3,7 @@
 
 #include <fmt/core.h>
 
-#include "compress/rows.h"
+#include "compress/forms.h"
 #include "frames.h"
 #include "workload.h"
 
@@ -46,10 +46,10 @@ std::string compare(testing::Random& random) {
         for (size_t i = 0; i < fast.gains[c].size(); ++i)
             fast.gains[c][i] = plain.gains[c][i] = static_cast<uint16_t>(random.between(0, 65535));
     compress_rows(fast.info);
-    compress_planes(plain.info);
+    plain::compress(plain.info);
     bool equal = fast.stream == plain.stream;
     decompress_rows(fast.info);
-    decompress_planes(plain.info);
+    plain::decompress(plain.info);
     for (int c = 0; c < ZERKLSC_CHANNELS; ++c)
         equal = equal && fast.gains[c] == plain.gains[c];
     return equal ? "" : fmt::format("{} x {} nodes, pattern {}, mode {}", width, height, pattern, mode);
@@ -66,8 +66,8 @@ Workload workload(int32_t width, int32_t height, double goal) {
                 },
             .plain =
                 [=] {
-                    compress_planes(module->info);
-                    decompress_planes(module->info);
+                    plain::compress(module->info);
+                    plain::decompress(module->info);
                 },
             .at_most = {},
             .at_least = {goal, goal, goal}};

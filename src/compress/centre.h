@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "compress/channel_roles.h"
+#include "compress/precision_mode.h"
 
 namespace zerklsc {
 
@@ -24,7 +24,8 @@ constexpr bool has_lowered_half(int32_t width, int32_t height) {
 
 // What the decoder adds to the anchors of a centre row. With an odd width and an even height it takes unity
 // gain from the lower anchors a second time instead of giving it back, so that a caller meets the lower half
-// of every table 2 * unity_offset() too low: the decoders in the field do so, and streams are made for them.
+// of every table 2 * unity_offset() too low. The format is defined by this: other decoders do it too, and a
+// stream must give the same gains everywhere.
 constexpr int decoded_unity_offset(int32_t row, int32_t width, int32_t height, uint8_t mode) {
     const bool lowered = has_lowered_half(width, height) && row == centre_of(height).last;
     return lowered ? -unity_offset(mode) : unity_offset(mode);

@@ -1,6 +1,6 @@
 // intra_cnl_diff, deintra_cnl_diff
 #include "compress/centre.h"
-#include "compress/channel_roles.h"
+#include "compress/precision_mode.h"
 #include "frame/convert.h"
 #include "frame/view.h"
 #include "zerklsc.h"
@@ -8,7 +8,7 @@
 namespace zerklsc {
 namespace {
 
-// The type of the plane whose anchors hold gains. Any other type is a plane of differences between channels,
+// The type of the plane whose anchors hold gains. Any other type is a plane of differences between colours,
 // whose anchors are small numbers already.
 constexpr int32_t base_plane = 1;
 

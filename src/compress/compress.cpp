@@ -1,8 +1,8 @@
 // lsc_compress
 #include <algorithm>
 
-#include "compress/channel_roles.h"
-#include "compress/rows.h"
+#include "compress/forms.h"
+#include "compress/precision_mode.h"
 #include "frame/convert.h"
 #include "frame/scratch.h"
 #include "zerklsc.h"
@@ -15,45 +15,45 @@ int quantise(int gain, int dropped) {
     return (gain + ((1 << dropped) >> 1)) >> dropped;
 }
 
-// Fills row j of the planes: the base, and the base less each of the other channels.
-void quantise_row(const lsc_otp_info& info, int32_t j, int16_t* const planes[role_count], int32_t width) {
-    const uint16_t* gains[role_count];
-    for (int k = 0; k < role_count; ++k)
-        gains[k] = inner_row(info, k, j);
+// Fills row j of the planes: the base, and the base less each of the other colours.
+void quantise_row(const lsc_otp_info& info, int32_t j, const ByColour<int16_t*>& planes, int32_t width) {
+    ByColour<const uint16_t*> gains;
+    for (int k = 0; k < colour_count; ++k)
+        gains.of[k] = inner_row(info, k, j);
     const int dropped = dropped_bits(info.precision_mode);
     const ptrdiff_t to = ptrdiff_t{j} * width;
     for (int32_t i = 0; i < width; ++i) {
-        const int base = quantise(gains[role_a][i], dropped);
-        planes[role_a][to + i] = wrap16(base);
-        for (int k = role_b; k < role_count; ++k)
-            planes[k][to + i] = wrap16(base - quantise(gains[k][i], dropped));
+        const int base = quantise(gains.of[Gb][i], dropped);
+        planes.of[Gb][to + i] = wrap16(base);
+        for (int k = B; k < colour_count; ++k)
+            planes.of[k][to + i] = wrap16(base - quantise(gains.of[k][i], dropped));
     }
 }
 
 } // namespace
 
-int32_t compress_planes(const lsc_otp_info& info) {
+int32_t plain::compress(const lsc_otp_info& info) {
     const int32_t width = info.grid_width - 2;
     const int32_t height = info.grid_height - 2;
     const int64_t count = int64_t{width} * height;
-    const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * role_count);
+    const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * colour_count);
     if (!memory)
         return -1;
     // One plane behind the other, each dense, as the passes take them.
-    int16_t* planes[role_count];
-    for (int k = 0; k < role_count; ++k)
-        planes[k] = memory.get() + k * count;
+    ByColour<int16_t*> planes;
+    for (int k = 0; k < colour_count; ++k)
+        planes.of[k] = memory.get() + k * count;
 
-    // A pattern that does not exist has no channels: its stream is that of four planes of zeros.
+    // A pattern that does not exist has no colours: its stream is that of four planes of zeros.
     if (info.bayer_pattern > highest_bayer_pattern)
-        std::fill_n(memory.get(), count * role_count, int16_t{0});
+        std::fill_n(memory.get(), count * colour_count, int16_t{0});
     else
         for (int32_t j = 0; j < height; ++j)
             quantise_row(info, j, planes, width);
-    for (int k = 0; k < role_count; ++k)
-        intra_cnl_diff(planes[k], width, height, k == role_a ? 1 : 0, info.precision_mode);
-    return store_data(info.stream, planes[role_a], planes[role_b], planes[role_c], planes[role_d], width,
-                      height, info.precision_mode);
+    for (int k = 0; k < colour_count; ++k)
+        intra_cnl_diff(planes.of[k], width, height, k == Gb ? 1 : 0, info.precision_mode);
+    return store_data(info.stream, planes.of[Gb], planes.of[B], planes.of[R], planes.of[Gr], width, height,
+                      info.precision_mode);
 }
 
 } // namespace zerklsc
@@ -62,5 +62,5 @@ int32_t lsc_compress(lsc_otp_info* info) {
     using namespace zerklsc;
     if (info->grid_width < 3 || info->grid_height < 3)
         return 0;
-    return has_fast_form(*info) ? compress_rows(*info) : compress_planes(*info);
+    return has_fast_form(*info) ? compress_rows(*info) : plain::compress(*info);
 }

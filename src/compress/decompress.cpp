@@ -1,8 +1,8 @@
 // lsc_decompress
 #include <algorithm>
 
-#include "compress/channel_roles.h"
-#include "compress/rows.h"
+#include "compress/forms.h"
+#include "compress/precision_mode.h"
 #include "frame/convert.h"
 #include "frame/scratch.h"
 #include "table/wrapping_border.h"
@@ -17,42 +17,41 @@ uint16_t restore_gain(int quantised, int dropped) {
     return low16(int64_t{quantised} * (1 << dropped));
 }
 
-// Fills inner row j of the tables from the planes: the base, and for the other channels the base less their
+// Fills inner row j of the tables from the planes: the base, and for the other colours the base less their
 // difference from it.
-void restore_row(const lsc_otp_info& info, int32_t j, const int16_t* const planes[role_count],
-                 int32_t width) {
-    uint16_t* gains[role_count];
-    for (int k = 0; k < role_count; ++k)
-        gains[k] = inner_row(info, k, j);
+void restore_row(const lsc_otp_info& info, int32_t j, const ByColour<int16_t*>& planes, int32_t width) {
+    ByColour<uint16_t*> gains;
+    for (int k = 0; k < colour_count; ++k)
+        gains.of[k] = inner_row(info, k, j);
     const int dropped = dropped_bits(info.precision_mode);
     const ptrdiff_t from = ptrdiff_t{j} * width;
     for (int32_t i = 0; i < width; ++i) {
-        const int base = planes[role_a][from + i];
-        gains[role_a][i] = restore_gain(base, dropped);
-        for (int k = role_b; k < role_count; ++k)
-            gains[k][i] = restore_gain(base - planes[k][from + i], dropped);
+        const int base = planes.of[Gb][from + i];
+        gains.of[Gb][i] = restore_gain(base, dropped);
+        for (int k = B; k < colour_count; ++k)
+            gains.of[k][i] = restore_gain(base - planes.of[k][from + i], dropped);
     }
 }
 
 } // namespace
 
-int32_t decompress_planes(const lsc_otp_info& info) {
+int32_t plain::decompress(const lsc_otp_info& info) {
     const int32_t width = info.grid_width - 2;
     const int32_t height = info.grid_height - 2;
     const int64_t count = int64_t{width} * height;
-    const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * role_count);
+    const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * colour_count);
     if (!memory)
         return -1;
     // The nodes that mode 1 does not store decode from differences of 0.
-    std::fill_n(memory.get(), count * role_count, int16_t{0});
-    int16_t* planes[role_count];
-    for (int k = 0; k < role_count; ++k)
-        planes[k] = memory.get() + k * count;
+    std::fill_n(memory.get(), count * colour_count, int16_t{0});
+    ByColour<int16_t*> planes;
+    for (int k = 0; k < colour_count; ++k)
+        planes.of[k] = memory.get() + k * count;
 
-    load_data(info.stream, planes[role_a], planes[role_b], planes[role_c], planes[role_d], width, height,
+    load_data(info.stream, planes.of[Gb], planes.of[B], planes.of[R], planes.of[Gr], width, height,
               info.precision_mode);
-    for (int k = 0; k < role_count; ++k)
-        deintra_cnl_diff(planes[k], width, height, k == role_a ? 1 : 0, info.precision_mode);
+    for (int k = 0; k < colour_count; ++k)
+        deintra_cnl_diff(planes.of[k], width, height, k == Gb ? 1 : 0, info.precision_mode);
     if (info.bayer_pattern <= highest_bayer_pattern)
         for (int32_t j = 0; j < height; ++j)
             restore_row(info, j, planes, width);
@@ -65,7 +64,7 @@ int32_t lsc_decompress(lsc_otp_info* info) {
     using namespace zerklsc;
     if (info->grid_width < 3 || info->grid_height < 3)
         return 0;
-    const int32_t status = has_fast_form(*info) ? decompress_rows(*info) : decompress_planes(*info);
+    const int32_t status = has_fast_form(*info) ? decompress_rows(*info) : plain::decompress(*info);
     if (status != 0)
         return status;
     for (uint16_t* const table : info->lsc_table)

@@ -1,5 +1,4 @@
 // store_data, load_data
-#include "compress/channel_roles.h"
 #include "compress/node_fields.h"
 #include "zerklsc.h"
 
@@ -12,21 +11,20 @@ constexpr int64_t group_nodes = 4; // may span the end of a row
 
 // The planes of a stream; T is const for packing.
 template <class T>
-struct Planes {
-    T *a, *b, *c, *d;
-};
+using Planes = ByColour<T*>;
 
 // The node word of node i of the planes.
 uint32_t pack(const NodeLayout& layout, const Planes<const int16_t>& planes, int64_t i) {
-    return pack_node(layout, planes.a[i], planes.b[i], planes.c[i], planes.d[i]);
+    uint32_t word = 0;
+    for (int c = 0; c < colour_count; ++c)
+        word |= to_field(planes.of[c][i], layout.of[c]);
+    return word;
 }
 
 // Node i of the planes from a node word.
 void unpack(const NodeLayout& layout, uint32_t word, const Planes<int16_t>& planes, int64_t i) {
-    planes.a[i] = from_field(word, layout.a);
-    planes.b[i] = from_field(word, layout.b);
-    planes.c[i] = from_field(word, layout.c);
-    planes.d[i] = from_field(word, layout.d);
+    for (int c = 0; c < colour_count; ++c)
+        planes.of[c][i] = from_field(word, layout.of[c]);
 }
 
 uint8_t byte(uint32_t word, int n) {
@@ -85,10 +83,10 @@ int32_t store_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t*
     using namespace zerklsc;
     const int64_t count = node_count(width, height);
     if (mode == mode_24_bit)
-        store_nodes(stream, {a, b, c, d}, count);
+        store_nodes(stream, {{a, b, c, d}}, count);
     else if (mode == mode_14_bit)
         // The nodes behind the last whole group are not stored: the stream has no short group.
-        store_groups(stream, {a, b, c, d}, count / group_nodes);
+        store_groups(stream, {{a, b, c, d}}, count / group_nodes);
     return 0;
 }
 
@@ -97,8 +95,8 @@ int32_t load_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t* 
     using namespace zerklsc;
     const int64_t count = node_count(width, height);
     if (mode == mode_24_bit)
-        load_nodes(stream, {a, b, c, d}, count);
+        load_nodes(stream, {{a, b, c, d}}, count);
     else if (mode == mode_14_bit)
-        load_groups(stream, {a, b, c, d}, count / group_nodes);
+        load_groups(stream, {{a, b, c, d}}, count / group_nodes);
     return 0;
 }

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "compress/channel_roles.h"
+#include "compress/precision_mode.h"
 
 namespace zerklsc {
 namespace {

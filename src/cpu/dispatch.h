@@ -44,8 +44,8 @@ Kernel* kernel_of_three(Kernel* base, Kernel* avx2, Kernel* avx512) {
 #define ZERKLSC_KERNEL(name)                                                                                 \
     (zerklsc::instruction_set() == zerklsc::InstructionSet::neon ? &zerklsc::neon::name                      \
                                                                  : &zerklsc::base::name)
-#define ZERKLSC_DECLARE_NARROW_KERNEL ZERKLSC_DECLARE_KERNEL
-#define ZERKLSC_NARROW_KERNEL ZERKLSC_KERNEL
+#define ZERKLSC_DECLARE_NARROW_KERNEL(name, ...) ZERKLSC_DECLARE_IN(neon, name, __VA_ARGS__)
+#define ZERKLSC_NARROW_KERNEL(name) (&zerklsc::neon::name)
 
 #else
 #define ZERKLSC_DECLARE_KERNEL(name, ...) ZERKLSC_DECLARE_IN(base, name, __VA_ARGS__)

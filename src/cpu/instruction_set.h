@@ -24,4 +24,13 @@ constexpr InstructionSet highest_of(const X86Features& has) {
 // calls; another word ends the program.
 InstructionSet instruction_set();
 
+// Whether kernels may use vectors of 16 bytes. They are in the base of every family but 32-bit ARM.
+inline bool has_vectors() {
+#if defined(__arm__)
+    return instruction_set() == InstructionSet::neon;
+#else
+    return true;
+#endif
+}
+
 } // namespace zerklsc

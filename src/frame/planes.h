@@ -25,6 +25,13 @@ bool all_given(T* const tables[ZERKLSC_CHANNELS]) {
 
 // In the order in which the ISP goes through them; the first one is its reference.
 enum Colour : uint8_t { Gb, B, R, Gr };
+inline constexpr int colour_count = 4;
+
+// One of something for each colour.
+template <class T>
+struct ByColour {
+    T of[colour_count];
+};
 
 inline constexpr uint8_t highest_bayer_pattern = 3;
 
