@@ -17,16 +17,15 @@ int quantise(int gain, int dropped) {
 
 // Fills row j of the planes: the base, and the base less each of the other colours.
 void quantise_row(const lsc_otp_info& info, int32_t j, const ByColour<int16_t*>& planes, int32_t width) {
-    ByColour<const uint16_t*> gains;
-    for (int k = 0; k < colour_count; ++k)
-        gains.of[k] = inner_row(info, k, j);
+    const ByColour<uint16_t*> gains = inner_nodes(info);
     const int dropped = dropped_bits(info.precision_mode);
+    const ptrdiff_t from = ptrdiff_t{j} * info.grid_width;
     const ptrdiff_t to = ptrdiff_t{j} * width;
     for (int32_t i = 0; i < width; ++i) {
-        const int base = quantise(gains.of[Gb][i], dropped);
+        const int base = quantise(gains.of[Gb][from + i], dropped);
         planes.of[Gb][to + i] = wrap16(base);
         for (int k = B; k < colour_count; ++k)
-            planes.of[k][to + i] = wrap16(base - quantise(gains.of[k][i], dropped));
+            planes.of[k][to + i] = wrap16(base - quantise(gains.of[k][from + i], dropped));
     }
 }
 

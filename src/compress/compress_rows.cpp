@@ -50,20 +50,24 @@ void compress_half(const lsc_otp_info& info, Workspace& work, int32_t first, int
     const bool wide = info.precision_mode == mode_24_bit;
     const auto compress_row =
         wide ? ZERKLSC_NARROW_KERNEL(compress_row_24_bit) : ZERKLSC_NARROW_KERNEL(compress_row_14_bit);
+    const ByColour<uint16_t*> gains = inner_nodes(info);
     const int32_t width = info.grid_width - 2;
     const Centre centre = centre_of(width);
     for (uint16_t* const previous : work.previous.of) {
         std::fill_n(previous, width, uint16_t{0});
         previous[centre.first] = previous[centre.last] = unity_offset(info.precision_mode);
     }
+    CompressedRow row{};
+    row.from_right = work.from_right;
+    row.from_left = work.from_left;
+    row.width = width;
     for (int32_t r = first; r != end; r += step) {
-        CompressedRow row{
-            {},   {}, work.current, work.from_right, work.from_left, work.words.get() + ptrdiff_t{r} * width,
-            width};
         for (int k = 0; k < colour_count; ++k) {
-            row.gains.of[k] = inner_row(info, k, r);
+            row.gains.of[k] = gains.of[k] + ptrdiff_t{r} * info.grid_width;
             row.previous.of[k] = work.previous.of[k];
+            row.current.of[k] = work.current.of[k];
         }
+        row.words = work.words.get() + ptrdiff_t{r} * width;
         compress_row(row);
         std::swap(work.previous, work.current);
     }

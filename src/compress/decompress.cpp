@@ -20,16 +20,15 @@ uint16_t restore_gain(int quantised, int dropped) {
 // Fills inner row j of the tables from the planes: the base, and for the other colours the base less their
 // difference from it.
 void restore_row(const lsc_otp_info& info, int32_t j, const ByColour<int16_t*>& planes, int32_t width) {
-    ByColour<uint16_t*> gains;
-    for (int k = 0; k < colour_count; ++k)
-        gains.of[k] = inner_row(info, k, j);
+    const ByColour<uint16_t*> gains = inner_nodes(info);
     const int dropped = dropped_bits(info.precision_mode);
     const ptrdiff_t from = ptrdiff_t{j} * width;
+    const ptrdiff_t to = ptrdiff_t{j} * info.grid_width;
     for (int32_t i = 0; i < width; ++i) {
         const int base = planes.of[Gb][from + i];
-        gains.of[Gb][i] = restore_gain(base, dropped);
+        gains.of[Gb][to + i] = restore_gain(base, dropped);
         for (int k = B; k < colour_count; ++k)
-            gains.of[k][i] = restore_gain(base - planes.of[k][from + i], dropped);
+            gains.of[k][to + i] = restore_gain(base - planes.of[k][from + i], dropped);
     }
 }
 

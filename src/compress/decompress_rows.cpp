@@ -21,14 +21,16 @@ void decompress_half(const lsc_otp_info& info, const uint32_t* words, const ByCo
     const bool wide = info.precision_mode == mode_24_bit;
     const auto decompress_row =
         wide ? ZERKLSC_NARROW_KERNEL(decompress_row_24_bit) : ZERKLSC_NARROW_KERNEL(decompress_row_14_bit);
+    const ByColour<uint16_t*> gains = inner_nodes(info);
     const int32_t width = info.grid_width - 2;
     const int unity = decoded_unity_offset(first, width, info.grid_height - 2, info.precision_mode);
     for (uint16_t* const sum : sums.of)
         std::fill_n(sum, width, low16(unity));
+    DecompressedRow row{nullptr, sums, {}, width, centre_of(width)};
     for (int32_t r = first; r != end; r += step) {
-        DecompressedRow row{words + ptrdiff_t{r} * width, sums, {}, width, centre_of(width)};
+        row.words = words + ptrdiff_t{r} * width;
         for (int k = 0; k < colour_count; ++k)
-            row.gains.of[k] = inner_row(info, k, r);
+            row.gains.of[k] = gains.of[k] + ptrdiff_t{r} * info.grid_width;
         decompress_row(row);
     }
 }

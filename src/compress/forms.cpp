@@ -14,4 +14,11 @@ bool has_fast_form(const lsc_otp_info& info) {
            && has_vectors();
 }
 
+ByColour<uint16_t*> inner_nodes(const lsc_otp_info& info) {
+    ByColour<uint16_t*> nodes;
+    for (const Colour colour : {Gb, B, R, Gr})
+        nodes.of[colour] = info.lsc_table[plane_of(colour, info.bayer_pattern)] + info.grid_width + 1;
+    return nodes;
+}
+
 } // namespace zerklsc

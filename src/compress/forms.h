@@ -25,10 +25,7 @@ bool has_fast_form(const lsc_otp_info& info);
 int32_t compress_rows(const lsc_otp_info& info);
 int32_t decompress_rows(const lsc_otp_info& info);
 
-// Row r of the inner nodes of a colour's table.
-inline uint16_t* inner_row(const lsc_otp_info& info, int colour, int32_t r) {
-    const int32_t plane = plane_of(static_cast<Colour>(colour), info.bayer_pattern);
-    return info.lsc_table[plane] + (ptrdiff_t{r} + 1) * info.grid_width + 1;
-}
+// The first inner nodes of the colours' tables; a pattern that exists. The next row is grid_width further on.
+ByColour<uint16_t*> inner_nodes(const lsc_otp_info& info);
 
 } // namespace zerklsc
