@@ -6,17 +6,23 @@
 #include <exception>
 #include <new>
 
-#include <fmt/core.h>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
 
 #include "commands.h"
+#include "commands/report.h"
 #include "failure.h"
+#include "io/raw_format.h"
+#include "terminal.h"
 
 namespace zerklsc::tool {
 namespace {
 
-constexpr const char* exit_codes =
-    "Exit codes: 0 success, 1 a file or its data cannot be used, 2 wrong usage.\n"
-    "Every command has its own help: zerklsc calibrate --help\n\n"
+constexpr const char* footer =
+    "Exit codes: 0 success, warnings included; 1 the module failed its limits; 2 wrong usage;\n"
+    "3 an input is unusable; 4 reading or writing failed, or an internal error.\n"
+    "Every command has its own help: zerklsc calibrate --help, or zerklsc help calibrate\n\n"
     "Example:\n"
     "  zerklsc simulate -o flat.pgm\n"
     "  zerklsc calibrate flat.pgm -o tables.json\n"
@@ -34,31 +40,62 @@ void add_commands(Command program) {
     add_otp(program);
 }
 
-int finish(int code) {
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        fmt::print(stderr, "standard output: cannot be written: {}\n", std::strerror(errno));
-        return exit_data;
+// A file that is opened must not land on a standard stream that the caller closed: what is meant for the
+// stream would be written into the file. Writing to the stand-in fails as it would to the closed stream.
+void fill_closed_streams() {
+    for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd)
+        if (fcntl(fd, F_GETFD) < 0)
+            open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+struct Ending {
+    ExitCode code = exit_success;
+    std::string message;
+};
+
+// Carries out what the command line asks for.
+Ending run(Request& request, Report& report, int argc, char** argv) {
+    const Program program{"Lens-shading calibration, correction and OTP tables", footer,
+                          fmt::format("zerklsc {}\nraw formats: {}", ZERKLSC_VERSION, raw_format_names()),
+                          add_commands};
+    try {
+        request = parse_command_line(program, argc, argv);
+        if (request.quiet)
+            be_quiet();
+        if (request.run)
+            request.run(report);
+        return {};
+    } catch (const Failure& failure) {
+        return {failure.code(), failure.what()};
+    } catch (const std::bad_alloc&) {
+        return {exit_system, "zerklsc: not enough memory for a frame of this size"};
+    } catch (const std::exception& error) {
+        return {exit_system, fmt::format("zerklsc: {}", error.what())};
     }
-    return code;
+}
+
+// Whether the document is asked for by a command line that could not be understood.
+bool asks_for_json(int argc, char** argv) {
+    return std::any_of(argv, argv + argc, [](const char* word) { return std::strcmp(word, "--json") == 0; });
+}
+
+int main_program(int argc, char** argv) {
+    fill_closed_streams();
+    Request request;
+    Report report;
+    Ending ending = run(request, report, argc, argv);
+    if (request.json || (ending.code == exit_usage && asks_for_json(argc, argv)))
+        std::fputs(report.json(ending.code, ending.message).c_str(), stdout);
+    else if (!request.quiet)
+        std::fputs(report.text().c_str(), stdout);
+    if ((std::fflush(stdout) != 0 || std::ferror(stdout) != 0) && ending.code == exit_success)
+        ending = {exit_system, fmt::format("standard output: cannot be written: {}", std::strerror(errno))};
+    if (ending.code != exit_success)
+        say(ending.message);
+    return ending.code;
 }
 
 } // namespace
-
-int main_program(int argc, char** argv) {
-    try {
-        return finish(run_command_line("Lens-shading calibration, correction and OTP tables", exit_codes,
-                                       add_commands, argc, argv));
-    } catch (const Failure& failure) {
-        fmt::print(stderr, "{}\n", failure.what());
-        return failure.code();
-    } catch (const std::bad_alloc&) {
-        fmt::print(stderr, "zerklsc: not enough memory for a frame of this size\n");
-    } catch (const std::exception& error) {
-        fmt::print(stderr, "zerklsc: {}\n", error.what());
-    }
-    return exit_data;
-}
-
 } // namespace zerklsc::tool
 
 int main(int argc, char** argv) {

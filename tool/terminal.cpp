@@ -1,4 +1,4 @@
-// warn, Progress
+// one_line, say, warn, warnings, be_quiet, Progress
 #include "terminal.h"
 
 #include <cstdio>
@@ -7,14 +7,48 @@
 #include <unistd.h>
 
 namespace zerklsc::tool {
+namespace {
 
-void warn(const std::string& message) {
-    fmt::print(stderr, "warning: {}\n", message);
+bool quiet = false;
+std::vector<std::string> kept_warnings;
+
+} // namespace
+
+std::string one_line(const std::string& text) {
+    std::string line;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '\n')
+            line += "\\n";
+        else if (byte < 0x20 || byte == 0x7F)
+            line += fmt::format("\\x{:02x}", byte);
+        else
+            line += c;
+    }
+    return line;
 }
 
-Progress::Progress(const std::string& activity) : shown_(isatty(STDERR_FILENO) == 1) {
+void say(const std::string& message) {
+    std::fputs((one_line(message) + '\n').c_str(), stderr);
+}
+
+void warn(const std::string& message) {
+    kept_warnings.push_back(message);
+    if (!quiet)
+        say("warning: " + message);
+}
+
+const std::vector<std::string>& warnings() {
+    return kept_warnings;
+}
+
+void be_quiet() {
+    quiet = true;
+}
+
+Progress::Progress(const std::string& activity) : shown_(!quiet && isatty(STDERR_FILENO) == 1) {
     if (shown_) {
-        fmt::print(stderr, "{} ...", activity);
+        std::fputs((one_line(activity) + " ...").c_str(), stderr);
         std::fflush(stderr);
     }
 }

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/frame_text.h"
 #include "commands/grid_options.h"
 #include "commands/raw_options.h"
 #include "commands/report.h"
@@ -25,7 +26,6 @@ struct Options {
     std::string algorithm = "orvel";
     double clip_limit = usual_clip_limit;
     std::string output, text;
-    bool json = false;
 };
 
 struct Channel {
@@ -74,30 +74,27 @@ void warn_about_gains(const std::string& name, const GainTables& tables) {
                          capped));
 }
 
-void print_text(const RawFrame& frame, const GainTables& tables, const Channels& channels) {
-    fmt::print("{}algorithm {} ({}), step {}, radius {}, shading {} %, tables of {} x {}\n",
-               describe(frame, tables.pattern, tables.black), tables.algorithm,
-               algorithm_name(tables.algorithm), tables.step, tables.filter_radius, tables.shading_percent,
-               tables.table_width, tables.table_height);
+void print_table(Report& report, const GainTables& tables, const Channels& channels) {
+    report.print(fmt::format("algorithm {} ({}), step {}, radius {}, shading {} %, tables of {} x {}\n",
+                             tables.algorithm, algorithm_name(tables.algorithm), tables.step,
+                             tables.filter_radius, tables.shading_percent, tables.table_width,
+                             tables.table_height));
     std::vector<std::vector<std::string>> rows{{"channel", "centre", "corner/centre", "largest gain"}};
     for (const auto& [colour, levels, gain] : channels)
         rows.push_back({name_of(colour), fmt::format("{:.1f}", levels.centre()),
                         percent(levels.corner_to_centre()), fmt::format("{:.3f}", gain)});
-    fmt::print("{}", text_table(rows));
+    report.print(text_table(rows));
 }
 
-void print_json(const RawFrame& frame, const GainTables& tables, const Channels& channels) {
-    JsonValue report =
-        JsonValue::object({{"frame", frame.name},
-                           {"size", JsonValue::array({frame.width, frame.height})},
-                           {"bayer_pattern", name_of(tables.pattern)},
-                           {"bit_depth", tables.bits},
-                           {"black_level", JsonValue::list(tables.black)},
-                           {"algorithm", tables.algorithm},
-                           {"step", tables.step},
-                           {"filter_radius", tables.filter_radius},
-                           {"shading_percent", tables.shading_percent},
-                           {"table_size", JsonValue::array({tables.table_width, tables.table_height})}});
+void add_tables(Report& report, const GainTables& tables) {
+    report.add("algorithm", tables.algorithm);
+    report.add("step", tables.step);
+    report.add("filter_radius", tables.filter_radius);
+    report.add("shading_percent", tables.shading_percent);
+    report.add("table_size", JsonValue::array({tables.table_width, tables.table_height}));
+}
+
+void add_channels(Report& report, const Channels& channels) {
     JsonValue list = JsonValue::array();
     for (const auto& [colour, levels, gain] : channels)
         list.add(JsonValue::object({{"colour", name_of(colour)},
@@ -105,7 +102,6 @@ void print_json(const RawFrame& frame, const GainTables& tables, const Channels&
                                     {"corner_to_centre", rounded(levels.corner_to_centre())},
                                     {"largest_gain", rounded(gain)}}));
     report.add("channels", std::move(list));
-    fmt::print("{}\n", report.text());
 }
 
 void write_tables(const Options& options, const GainTables& tables) {
@@ -116,12 +112,14 @@ void write_tables(const Options& options, const GainTables& tables) {
     outputs.commit();
 }
 
-void run(const Options& options) {
+void run(const Options& options, Report& report) {
     CalibrationSettings settings = options.settings;
     settings.algorithm = algorithm_from(options.algorithm);
     const RawFrame frame = read_raw(options.raw);
     const BayerPattern pattern = pattern_or_warning(frame);
     const BlackLevel black = black_or_warning(frame);
+    add_frame(report, frame, pattern, black);
+    report.print(describe(frame, pattern, black));
     check_exposure(frame, pattern, black, options.clip_limit);
     RawFrame light = frame;
     subtract_black(light, black);
@@ -130,13 +128,12 @@ void run(const Options& options) {
         const Progress progress("calibrating " + frame.name);
         return calibrate(light, pattern, black, settings);
     }();
+    add_tables(report, tables);
     warn_about_gains(frame.name, tables);
     write_tables(options, tables);
     const Channels channels = measure(light, tables);
-    if (options.json)
-        print_json(frame, tables, channels);
-    else
-        print_text(frame, tables, channels);
+    add_channels(report, channels);
+    print_table(report, tables, channels);
 }
 
 } // namespace
@@ -155,14 +152,13 @@ void add_calibrate(Command app) {
     command.option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
         .range(0.0, 100.0)
         .show_default();
-    command.flag("--json", options->json, "print JSON");
     command.footer(
         "Algorithms 0 to 3 are for the tvessa2 ISP, 4 for vessal2. Algorithms 0 and 1 take 10-bit samples:\n"
         "they see deeper captures scaled to 10 bits.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc calibrate flat.pgm -o tables.json --text tables.txt");
-    command.action([options] { run(*options); });
+    command.action([options](Report& report) { run(*options, report); });
 }
 
 } // namespace zerklsc::tool

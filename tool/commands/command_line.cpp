@@ -1,5 +1,9 @@
-// Option, Command, run_command_line
+// Option, Command, parse_command_line
 #include "commands/command_line.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
@@ -21,6 +25,15 @@ CLI::Validator within(T lowest, T highest) {
     return {check, fmt::format("[{} - {}]", lowest, highest)};
 }
 
+// A whole number that fits; CLI11 lets the sign and the overflow wrap.
+std::string check_unsigned(const std::string& text) {
+    uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc{} && end == text.data() + text.size())
+        return "";
+    return fmt::format("{} is not a whole number from 0 to {}", text, std::numeric_limits<uint64_t>::max());
+}
+
 std::string first_line(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
@@ -31,6 +44,16 @@ std::string command_of(const CLI::App& app) {
     for (const CLI::App* sub : app.get_subcommands())
         name += " " + command_of(*sub);
     return name;
+}
+
+// The command line; "help COMMAND" is "COMMAND --help".
+std::vector<std::string> words_of(int argc, char** argv) {
+    std::vector<std::string> words(argv + 1, argv + argc);
+    if (!words.empty() && words[0] == "help") {
+        words.erase(words.begin());
+        words.emplace_back("--help");
+    }
+    return words;
 }
 
 } // namespace
@@ -75,7 +98,7 @@ Option Command::option(const char* names, int& variable, const std::string& desc
 }
 
 Option Command::option(const char* names, uint64_t& variable, const std::string& description) {
-    return Option(app_->add_option(names, variable, description));
+    return Option(app_->add_option(names, variable, description)->check(check_unsigned));
 }
 
 Option Command::option(const char* names, double& variable, const std::string& description) {
@@ -91,7 +114,7 @@ Option Command::flag(const char* names, bool& variable, const std::string& descr
 }
 
 Command Command::subcommand(const char* name, const char* description) {
-    return Command(app_->add_subcommand(name, description));
+    return {app_->add_subcommand(name, description), request_};
 }
 
 void Command::require_subcommand() {
@@ -102,30 +125,38 @@ void Command::footer(const std::string& text) {
     app_->footer(text);
 }
 
-void Command::action(std::function<void()> run) {
-    app_->callback(std::move(run));
+void Command::action(std::function<void(Report&)> run) {
+    app_->add_flag("--json", request_->json,
+                   "print JSON: verdict, numbers and warnings, also when it refuses");
+    app_->add_flag("-q,--quiet", request_->quiet, "print neither results nor warnings, only why it fails");
+    app_->callback([request = request_, run = std::move(run)] { request->run = run; });
 }
 
-int run_command_line(const char* description, const char* footer, void (*add_commands)(Command), int argc,
-                     char** argv) {
-    CLI::App app{description, "zerklsc"};
-    app.set_version_flag("--version", "zerklsc " ZERKLSC_VERSION);
+Request parse_command_line(const Program& program, int argc, char** argv) {
+    Request request;
+    CLI::App app{program.description, "zerklsc"};
+    app.set_version_flag("-V,--version", program.version);
     app.require_subcommand(1);
-    app.footer(footer);
-    add_commands(Command(&app));
+    app.footer(program.footer);
+    program.add_commands({&app, &request});
+    // CLI11 takes the words from the last to the first.
+    std::vector<std::string> words = words_of(argc, argv);
+    const std::string first = words.empty() ? "" : words.front();
+    std::ranges::reverse(words);
     try {
-        app.parse(argc, argv);
+        app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0)
-            return app.exit(error);
-        // Of a word that is no command, CLI11 only says that a command is missing.
-        const bool unknown = argc > 1 && argv[1][0] != '-' && app.get_subcommands().empty();
-        const std::string what =
-            unknown ? fmt::format("{} is not a command", argv[1]) : first_line(error.what());
-        fmt::print(stderr, "{}: {} (see {} --help)\n", command_of(app), what, command_of(app));
-        return exit_usage;
+        // Of a word that is no command, CLI11 only says that a command is missing, or prints the general
+        // help.
+        const bool unknown = !first.empty() && first[0] != '-' && app.get_subcommands().empty();
+        if (error.get_exit_code() == 0 && !unknown) {
+            app.exit(error);
+            return {};
+        }
+        const std::string what = unknown ? first + " is not a command" : first_line(error.what());
+        usage_failure("{}: {} (see {} --help)", command_of(app), what, command_of(app));
     }
-    return exit_success;
+    return request;
 }
 
 } // namespace zerklsc::tool

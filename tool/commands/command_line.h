@@ -16,6 +16,15 @@ class Option;
 
 namespace zerklsc::tool {
 
+class Report;
+
+// What a command line asks for.
+struct Request {
+    std::function<void(Report&)> run;
+    bool json = false;  // print the report's document, not its text
+    bool quiet = false; // no text, no warnings
+};
+
 // One option or positional argument of a command.
 class Option {
   public:
@@ -38,7 +47,7 @@ class Option {
 // A command or a group of commands. It is a handle: copies stand for the same command.
 class Command {
   public:
-    explicit Command(CLI::App* app) : app_(app) {}
+    Command(CLI::App* app, Request* request) : app_(app), request_(request) {}
 
     // `names` is as "-o,--output", or a bare word for a positional argument. The variable is set when the
     // option is given, and must live until the command has run.
@@ -51,16 +60,24 @@ class Command {
     Command subcommand(const char* name, const char* description);
     void require_subcommand();
     void footer(const std::string& text);
-    // What the command does once its options are set.
-    void action(std::function<void()> run);
+    // What the command does once its options are set. Every command with an action takes --json and --quiet.
+    void action(std::function<void(Report&)> run);
 
   private:
     CLI::App* app_;
+    Request* request_; // filled when the command is named
 };
 
-// The whole program: `add_commands` fills it, then the command that is named runs. What the user asked for
-// wrongly becomes one line on standard error and exit_usage; what a command throws passes through.
-int run_command_line(const char* description, const char* footer, void (*add_commands)(Command), int argc,
-                     char** argv);
+// The program as its own help describes it.
+struct Program {
+    const char* description;
+    const char* footer;
+    std::string version; // what --version prints
+    void (*add_commands)(Command);
+};
+
+// Finds the command and sets its options. The request has nothing to run where help or the version was asked
+// for and has been printed. A wrong command line is a usage failure.
+Request parse_command_line(const Program& program, int argc, char** argv);
 
 } // namespace zerklsc::tool

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/frame_text.h"
 #include "commands/grid_options.h"
 #include "commands/raw_options.h"
 #include "commands/report.h"
@@ -23,7 +24,6 @@ namespace {
 struct Options {
     RawOptions raw;
     CalibrationSettings settings;
-    bool json = false;
 };
 
 // The capture, black level taken off.
@@ -96,9 +96,10 @@ Outcomes try_all(const Capture& capture, CalibrationSettings settings) {
     return outcomes;
 }
 
-void print_text(const CalibrationSettings& settings, const Shading& before, const Outcomes& outcomes) {
-    fmt::print("step {}, radius {}, shading {} %; the worst of the four channels each\n", settings.step,
-               settings.radius, settings.shading_percent);
+void print_table(Report& report, const CalibrationSettings& settings, const Shading& before,
+                 const Outcomes& outcomes) {
+    report.print(fmt::format("step {}, radius {}, shading {} %; the worst of the four channels each\n",
+                             settings.step, settings.radius, settings.shading_percent));
     std::vector<std::vector<std::string>> rows{{"algorithm", "ISP", "corner/centre before", "after",
                                                 "off flat", "largest gain", "OTP loss, mode 0", "mode 1"}};
     for (const Outcome& o : outcomes)
@@ -107,13 +108,12 @@ void print_text(const CalibrationSettings& settings, const Shading& before, cons
                         percent(o.after.corner_to_centre), percent(o.after.flatness),
                         fmt::format("{:.3f}", o.largest_gain), percent(o.otp_loss[0]),
                         percent(o.otp_loss[1])});
-    fmt::print("{}", text_table(rows));
+    report.print(text_table(rows));
 }
 
-void print_json(const RawFrame& frame, const Shading& before, const Outcomes& outcomes) {
-    JsonValue report = JsonValue::object({{"frame", frame.name},
-                                          {"corner_to_centre_before", rounded(before.corner_to_centre)},
-                                          {"flatness_before", rounded(before.flatness)}});
+void add_outcomes(Report& report, const Shading& before, const Outcomes& outcomes) {
+    report.add("corner_to_centre_before", rounded(before.corner_to_centre));
+    report.add("flatness_before", rounded(before.flatness));
     JsonValue list = JsonValue::array();
     for (const Outcome& o : outcomes)
         list.add(JsonValue::object(
@@ -125,25 +125,21 @@ void print_json(const RawFrame& frame, const Shading& before, const Outcomes& ou
              {"largest_gain", rounded(o.largest_gain)},
              {"otp_loss", JsonValue::array({rounded(o.otp_loss[0]), rounded(o.otp_loss[1])})}}));
     report.add("methods", std::move(list));
-    fmt::print("{}\n", report.text());
 }
 
-void run(const Options& options) {
+void run(const Options& options, Report& report) {
     Capture capture{read_raw(options.raw), {}, {}};
     RawFrame& frame = capture.light;
     capture.pattern = pattern_or_warning(frame);
     capture.black = black_level_of(frame, {});
+    add_frame(report, frame, capture.pattern, capture.black);
     check_exposure(frame, capture.pattern, capture.black, usual_clip_limit);
-    const std::string about = describe(frame, capture.pattern, capture.black);
+    report.print(describe(frame, capture.pattern, capture.black));
     subtract_black(frame, capture.black);
     const Shading before = shading_of(frame);
     const Outcomes outcomes = try_all(capture, options.settings);
-    if (options.json) {
-        print_json(frame, before, outcomes);
-    } else {
-        fmt::print("{}", about);
-        print_text(options.settings, before, outcomes);
-    }
+    add_outcomes(report, before, outcomes);
+    print_table(report, options.settings, before, outcomes);
 }
 
 } // namespace
@@ -154,14 +150,13 @@ void add_compare(Command app) {
         app.subcommand("compare", "Calibrate a capture by every method, and compare what they leave");
     add_raw_options(command, options->raw, "flat");
     add_grid_options(command, options->settings);
-    command.flag("--json", options->json, "print JSON");
     command.footer(
         "Each method's tables correct the capture as their ISP does. off flat: largest deviation of\n"
         "11 x 11 blocks from the channel's mean. OTP loss: largest gain error of the decoded stream.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc compare flat.pgm --step 32");
-    command.action([options] { run(*options); });
+    command.action([options](Report& report) { run(*options, report); });
 }
 
 } // namespace zerklsc::tool

@@ -4,7 +4,9 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/frame_text.h"
 #include "commands/raw_options.h"
+#include "commands/report.h"
 #include "failure.h"
 #include "imaging/correction.h"
 #include "io/output_set.h"
@@ -41,7 +43,7 @@ void bring_to_10_bits(RawFrame& frame, bool scale) {
     scale_to_10_bits(frame);
 }
 
-void run(const Options& options) {
+void run(const Options& options, Report& report) {
     const GainTables tables = read_table_json(options.tables);
     const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
     RawFrame frame = read_raw(options.raw);
@@ -54,6 +56,7 @@ void run(const Options& options) {
             "{}: is for the Bayer pattern {}, but {} is {}: take the tables of this module and orientation",
             options.tables, name_of(tables.pattern), frame.name, name_of(*frame.pattern));
     const BlackLevel black = *frame.black;
+    add_frame(report, frame, *frame.pattern, black);
     {
         const Progress progress("correcting " + frame.name);
         subtract_black(frame, black);
@@ -62,8 +65,10 @@ void run(const Options& options) {
             add_black(frame, black);
         write_file(options.output, encode_raw_frame(options.output, frame, frame.name));
     }
-    fmt::print("{}: corrected for {}, black level {} taken off{}\n", options.output, name_of(isp),
-               text_of(black), options.restore_black ? " and put back" : "");
+    report.add("output", options.output);
+    report.add("isp", name_of(isp));
+    report.print(fmt::format("{}: corrected for {}, black level {} taken off{}\n", one_line(options.output),
+                             name_of(isp), text_of(black), options.restore_black ? " and put back" : ""));
 }
 
 } // namespace
@@ -88,7 +93,7 @@ void add_correct(Command app) {
                    "  zerklsc simulate -o flat.pgm\n"
                    "  zerklsc calibrate flat.pgm -o tables.json\n"
                    "  zerklsc correct flat.pgm --tables tables.json --restore-black -o corrected.pgm");
-    command.action([options] { run(*options); });
+    command.action([options](Report& report) { run(*options, report); });
 }
 
 } // namespace zerklsc::tool

@@ -6,6 +6,7 @@
 #include <fmt/ranges.h>
 
 #include "commands.h"
+#include "commands/frame_text.h"
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/otp_stream.h"
@@ -55,16 +56,25 @@ std::string c_array_of(const std::string& stream, const GainTables& tables, int 
     return text + "};\n";
 }
 
-void print_loss(const GainTables& tables, int mode, size_t size, const StreamLoss& loss) {
-    fmt::print("mode {}, {} bytes for {} nodes, {} of them not stored\n", mode, size, inner_nodes(tables),
-               unstored_nodes(tables, mode));
+void add_loss(Report& report, const GainTables& tables, int mode, size_t size, const StreamLoss& loss) {
+    report.print(fmt::format("mode {}, {} bytes for {} nodes, {} of them not stored\n", mode, size,
+                             inner_nodes(tables), unstored_nodes(tables, mode)));
     std::vector<std::vector<std::string>> rows{{"channel", "saturated fields", "largest gain error"}};
+    JsonValue channels = JsonValue::array();
     for (const Colour colour : all_colours) {
         const auto i = static_cast<size_t>(colour);
         rows.push_back(
             {name_of(colour), fmt::format("{}", loss.saturated[i]), percent(loss.largest_error[i])});
+        channels.add(JsonValue::object({{"colour", name_of(colour)},
+                                        {"saturated_fields", loss.saturated[i]},
+                                        {"largest_gain_error", rounded(loss.largest_error[i])}}));
     }
-    fmt::print("{}", text_table(rows));
+    report.print(text_table(rows));
+    report.add("mode", mode);
+    report.add("stream_size", size);
+    report.add("nodes", inner_nodes(tables));
+    report.add("unstored_nodes", unstored_nodes(tables, mode));
+    report.add("channels", std::move(channels));
 }
 
 // Why a stream loses more than rounding does, and what helps.
@@ -87,19 +97,20 @@ double limit_of(double max_error, int mode) {
     return max_error > 0 ? max_error : usual_max_error[static_cast<size_t>(mode)];
 }
 
-void run_encode(const EncodeOptions& options) {
+void run_encode(const EncodeOptions& options, Report& report) {
     const GainTables tables = read_table_json(options.tables);
     const std::string stream = encode_stream(tables, options.mode);
     GainTables decoded = tables;
     decode_stream(stream, options.output, decoded);
     const StreamLoss loss = loss_of(tables, decoded, options.mode);
+    add_loss(report, tables, options.mode, stream.size(), loss);
     const double limit = limit_of(options.max_error, options.mode);
     if (100 * loss.worst() > limit) {
         const std::string what =
             fmt::format("{}: the stream is off by {} at worst (limit {} %): {}", options.tables,
                         percent(loss.worst()), limit, reason_of(tables, options.mode, loss));
         if (!options.force)
-            throw Failure(exit_data, what + "; --force writes it all the same");
+            throw Failure(exit_limit, what + "; --force writes it all the same");
         warn(what);
     }
     OutputSet outputs;
@@ -107,7 +118,6 @@ void run_encode(const EncodeOptions& options) {
     if (!options.c_array.empty())
         outputs.add(options.c_array, c_array_of(stream, tables, options.mode));
     outputs.commit();
-    print_loss(tables, options.mode, stream.size(), loss);
 }
 
 // Tables without gains, of the geometry that the options say.
@@ -140,7 +150,7 @@ GainTables described(const DecodeOptions& options) {
     return tables;
 }
 
-void run_decode(const DecodeOptions& options) {
+void run_decode(const DecodeOptions& options, Report& report) {
     GainTables tables = described(options);
     decode_stream(read_file(options.stream), options.stream, tables);
     if (decodes_wrong(tables))
@@ -148,24 +158,23 @@ void run_decode(const DecodeOptions& options) {
                          options.stream, tables.table_width - 2 * ZERKLSC_BORDER,
                          tables.table_height - 2 * ZERKLSC_BORDER));
     write_file(options.output, encode_table_json(tables));
-    fmt::print("{}: tables of {} x {} for frames of {} x {}, step {}\n", options.output, tables.table_width,
-               tables.table_height, tables.raw_width, tables.raw_height, tables.step);
+    add_written_tables(report, options.output, tables);
 }
 
-void run_check(const CheckOptions& options) {
+void run_check(const CheckOptions& options, Report& report) {
     const GainTables tables = read_table_json(options.tables);
     const std::string stream = read_file(options.stream);
     GainTables decoded = tables;
     decode_stream(stream, options.stream, decoded);
     const int mode = stream.size() == stream_size(tables, 0) ? 0 : 1;
     const StreamLoss loss = loss_of(tables, decoded, mode);
-    print_loss(tables, mode, stream.size(), loss);
+    add_loss(report, tables, mode, stream.size(), loss);
     const double limit = limit_of(options.max_error, mode);
     const bool own = stream == encode_stream(tables, mode);
     if (100 * loss.worst() > limit)
-        data_failure("{}: differs from {} by {} at worst (limit {} %): {}", options.stream, options.tables,
-                     percent(loss.worst()), limit,
-                     own ? reason_of(tables, mode, loss) : "it is not the stream of these tables");
+        limit_failure("{}: differs from {} by {} at worst (limit {} %): {}", options.stream, options.tables,
+                      percent(loss.worst()), limit,
+                      own ? reason_of(tables, mode, loss) : "it is not the stream of these tables");
     if (!own)
         warn(fmt::format("{}: is not the stream of {}, but as close as the limit of {} % asks",
                          options.stream, options.tables, limit));
@@ -190,7 +199,7 @@ void add_encode(Command otp) {
                    "  zerklsc simulate -o flat.pgm\n"
                    "  zerklsc calibrate flat.pgm -o tables.json\n"
                    "  zerklsc otp encode tables.json -o stream.bin --c-array stream.h");
-    command.action([options] { run_encode(*options); });
+    command.action([options](Report& report) { run_encode(*options, report); });
 }
 
 void add_decode(Command otp) {
@@ -215,7 +224,7 @@ void add_decode(Command otp) {
                    "  zerklsc calibrate flat.pgm -o tables.json\n"
                    "  zerklsc otp encode tables.json -o stream.bin\n"
                    "  zerklsc otp decode stream.bin --like tables.json -o decoded.json");
-    command.action([options] { run_decode(*options); });
+    command.action([options](Report& report) { run_decode(*options, report); });
 }
 
 void add_check(Command otp) {
@@ -232,7 +241,7 @@ void add_check(Command otp) {
                    "  zerklsc calibrate flat.pgm -o tables.json\n"
                    "  zerklsc otp encode tables.json --mode 1 --max-error 5 -o stream.bin\n"
                    "  zerklsc otp check stream.bin --tables tables.json --max-error 5");
-    command.action([options] { run_check(*options); });
+    command.action([options](Report& report) { run_check(*options, report); });
 }
 
 } // namespace

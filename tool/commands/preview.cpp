@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/frame_text.h"
 #include "commands/raw_options.h"
 #include "commands/report.h"
 #include "failure.h"
@@ -143,10 +144,11 @@ RawFrame read_corrected(const Options& options, const RawFrame& before) {
     return frame;
 }
 
-Canvas draw(const Options& options) {
+Canvas draw(const Options& options, Report& report) {
     RawFrame frame = read_raw(options.raw);
     const BayerPattern pattern = pattern_or_warning(frame);
     const BlackLevel black = black_level_of(frame, {});
+    add_frame(report, frame, pattern, black);
     std::vector<std::string> heading{describe(frame, pattern, black)};
     heading[0].pop_back();
     subtract_black(frame, black);
@@ -175,9 +177,10 @@ Canvas draw(const Options& options) {
     return draw_sheet(heading, rows);
 }
 
-void run(const Options& options) {
+void run(const Options& options, Report& report) {
     const Progress progress("drawing " + options.output);
-    write_file(options.output, encode_png(draw(options)));
+    report.add("output", options.output);
+    write_file(options.output, encode_png(draw(options, report)));
 }
 
 } // namespace
@@ -202,7 +205,7 @@ void add_preview(Command app) {
                    "  zerklsc simulate -o flat.pgm\n"
                    "  zerklsc calibrate flat.pgm -o tables.json\n"
                    "  zerklsc preview flat.pgm --tables tables.json -o preview.png");
-    command.action([options] { run(*options); });
+    command.action([options](Report& report) { run(*options, report); });
 }
 
 } // namespace zerklsc::tool

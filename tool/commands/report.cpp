@@ -1,49 +1,35 @@
-// pattern_or_warning, describe, text_table, percent, rounded
+// Report
 #include "commands/report.h"
-
-#include <algorithm>
-#include <cmath>
-
-#include <fmt/format.h>
 
 #include "terminal.h"
 
 namespace zerklsc::tool {
+namespace {
 
-BayerPattern pattern_or_warning(const RawFrame& frame) {
-    if (frame.pattern)
-        return *frame.pattern;
-    warn(fmt::format("{}: the Bayer pattern is not known: RGGB is taken (--pattern says another)",
-                     frame.name));
-    return BayerPattern::rggb;
-}
-
-std::string describe(const RawFrame& frame, BayerPattern pattern, const BlackLevel& black) {
-    return fmt::format("{}: {} x {}, {}, {} bits, black level {}\n", frame.name, frame.width, frame.height,
-                       name_of(pattern), frame.bits, text_of(black));
-}
-
-std::string text_table(const std::vector<std::vector<std::string>>& rows) {
-    std::vector<size_t> widths(rows.front().size());
-    for (const auto& row : rows)
-        for (size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], row[i].size());
-    std::string text;
-    for (const auto& row : rows) {
-        text += fmt::format("{:<{}}", row[0], widths[0]);
-        for (size_t i = 1; i < row.size(); ++i)
-            text += fmt::format("  {:>{}}", row[i], widths[i]);
-        text += '\n';
+const char* verdict_of(ExitCode code) {
+    switch (code) {
+    case exit_success:
+        return warnings().empty() ? "pass" : "warn";
+    case exit_limit:
+        return "fail";
+    case exit_input:
+        return "refuse";
+    case exit_usage:
+    case exit_system:
+        break;
     }
-    return text;
+    return "error";
 }
 
-std::string percent(double fraction) {
-    return fmt::format("{:.2f} %", 100 * fraction);
-}
+} // namespace
 
-double rounded(double value) {
-    return std::round(value * 1e4) / 1e4;
+std::string Report::json(ExitCode code, const std::string& message) const {
+    JsonValue whole = JsonValue::object({{"verdict", verdict_of(code)}, {"exit_code", code}});
+    if (code != exit_success)
+        whole.add("message", message);
+    whole.add("warnings", JsonValue::list(warnings()));
+    whole.append(document_);
+    return whole.text() + "\n";
 }
 
 } // namespace zerklsc::tool

@@ -1,27 +1,29 @@
-// Numbers about the four planes of a frame, as a table for people or JSON for programs.
+// What a command has found: text for people, and the same as a JSON document for programs.
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "imaging/bayer_pattern.h"
-#include "imaging/raw_frame.h"
+#include "failure.h"
+#include "io/json_value.h"
 
 namespace zerklsc::tool {
 
-// The frame's pattern; RGGB with a warning when it is not known.
-BayerPattern pattern_or_warning(const RawFrame& frame);
+// A command adds what it knows as soon as it knows it, so that a refusal still comes with the numbers.
+class Report {
+  public:
+    // Lines for people, each with its line break.
+    void print(const std::string& lines) { text_ += lines; }
+    // A field of the document.
+    void add(const char* name, JsonValue value) { document_.add(name, std::move(value)); }
 
-// One line about a frame: size, pattern, depth and black level.
-std::string describe(const RawFrame& frame, BayerPattern pattern, const BlackLevel& black);
+    const std::string& text() const { return text_; }
+    // The document: "verdict", "exit_code", "message" where the command gave up, "warnings", then the fields.
+    // The verdict is "pass", "warn", "fail" (a limit), "refuse" (the input) or "error" (usage, system).
+    std::string json(ExitCode code, const std::string& message) const;
 
-// Lines of cells, each column as wide as it needs to be; all columns but the first stand to the right.
-std::string text_table(const std::vector<std::vector<std::string>>& rows);
-
-// A fraction as "38.21 %".
-std::string percent(double fraction);
-
-// A number with four digits after the point, for JSON.
-double rounded(double value);
+  private:
+    std::string text_;
+    JsonValue document_ = JsonValue::object();
+};
 
 } // namespace zerklsc::tool

@@ -4,7 +4,9 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/frame_text.h"
 #include "commands/number_list.h"
+#include "commands/report.h"
 #include "failure.h"
 #include "imaging/resampling.h"
 #include "io/output_set.h"
@@ -48,15 +50,14 @@ GainTables resample(const Options& options, const GainTables& tables) {
     return resample_crop(tables, options.tables, window, width, height, step);
 }
 
-void run(const Options& options) {
+void run(const Options& options, Report& report) {
     const GainTables result = resample(options, read_table_json(options.tables));
     OutputSet outputs;
     outputs.add(options.output, encode_table_json(result));
     if (!options.text.empty())
         outputs.add(options.text, encode_table_text(result));
     outputs.commit();
-    fmt::print("{}: tables of {} x {} for frames of {} x {}, step {}\n", options.output, result.table_width,
-               result.table_height, result.raw_width, result.raw_height, result.step);
+    add_written_tables(report, options.output, result);
 }
 
 } // namespace
@@ -79,7 +80,7 @@ void add_resample(Command app) {
         "  zerklsc calibrate flat.pgm -o tables.json\n"
         "  zerklsc resample tables.json --step 32 -o finer.json\n"
         "  zerklsc resample tables.json --crop 184,480,3840,2160 --size 1920,1080 --step 32 -o video.json");
-    command.action([options] { run(*options); });
+    command.action([options](Report& report) { run(*options, report); });
 }
 
 } // namespace zerklsc::tool

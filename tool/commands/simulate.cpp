@@ -3,7 +3,9 @@
 #include <memory>
 
 #include "commands.h"
+#include "commands/frame_text.h"
 #include "commands/number_list.h"
+#include "commands/report.h"
 #include "failure.h"
 #include "imaging/simulation.h"
 #include "io/output_set.h"
@@ -21,7 +23,7 @@ struct Options {
     std::string output;
 };
 
-void run(const Options& options) {
+void run(const Options& options, Report& report) {
     SimulationSettings settings = options.settings;
     const auto pattern = bayer_pattern_from(options.pattern);
     if (!pattern)
@@ -37,6 +39,8 @@ void run(const Options& options) {
                       settings.black, (1 << settings.bits) - 1);
     const Progress progress("simulating " + options.output);
     const RawFrame frame = simulate(settings);
+    report.add("output", options.output);
+    add_frame(report, frame, settings.pattern, *frame.black);
     write_file(options.output, encode_raw_frame(options.output, frame, ".raw"));
 }
 
@@ -82,7 +86,7 @@ void add_simulate(Command app) {
                    "Example:\n"
                    "  zerklsc simulate -o flat.pgm\n"
                    "  zerklsc simulate --width 2104 --height 1560 --dust 20 --seed 7 -o dusty.pgm");
-    command.action([options] { run(*options); });
+    command.action([options](Report& report) { run(*options, report); });
 }
 
 } // namespace zerklsc::tool

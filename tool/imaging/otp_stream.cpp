@@ -99,8 +99,8 @@ std::string encode_stream(const GainTables& tables, int mode) {
     std::string stream(stream_size(tables, mode), '\0');
     lsc_otp_info info = otp_info(source, stream, mode);
     if (lsc_compress(&info) != 0)
-        data_failure("not enough memory to compress tables of {} x {}", tables.table_width,
-                     tables.table_height);
+        system_failure("not enough memory to compress tables of {} x {}", tables.table_width,
+                       tables.table_height);
     return stream;
 }
 
@@ -115,7 +115,7 @@ void decode_stream(const std::string& stream, const std::string& name, GainTable
     std::string bytes = stream;
     lsc_otp_info info = otp_info(tables, bytes, mode);
     if (lsc_decompress(&info) != 0)
-        data_failure("{}: not enough memory to decompress it", name);
+        system_failure("{}: not enough memory to decompress it", name);
 }
 
 double StreamLoss::worst() const {

@@ -19,7 +19,7 @@ struct CloseFile {
 };
 
 [[noreturn]] void cannot_read(const std::string& path) {
-    data_failure("{}: cannot be read: {}", path, std::strerror(errno));
+    system_failure("{}: cannot be read: {}", path, std::strerror(errno));
 }
 
 } // namespace

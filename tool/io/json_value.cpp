@@ -93,6 +93,11 @@ void JsonValue::add(JsonValue element) {
     parts_.push_back(std::move(element));
 }
 
+void JsonValue::append(const JsonValue& object) {
+    names_.insert(names_.end(), object.names_.begin(), object.names_.end());
+    parts_.insert(parts_.end(), object.parts_.begin(), object.parts_.end());
+}
+
 std::string JsonValue::text() const {
     std::string out;
     write(out, "\n");

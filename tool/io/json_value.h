@@ -34,6 +34,8 @@ class JsonValue {
     // To an object or an array, at its end.
     void add(const std::string& name, JsonValue value);
     void add(JsonValue element);
+    // The parts of another object.
+    void append(const JsonValue& object);
 
     // Objects and arrays of them take a line for each part; an array of plain values stands in one line.
     std::string text() const;

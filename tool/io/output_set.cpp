@@ -47,7 +47,7 @@ void doom(size_t slot, const std::string& name) {
 }
 
 [[noreturn]] void cannot_write(const std::string& path, int error) {
-    data_failure("{}: cannot be written: {}", path, std::strerror(error));
+    system_failure("{}: cannot be written: {}", path, std::strerror(error));
 }
 
 // 0, or the error number.
@@ -100,7 +100,7 @@ void OutputSet::add(const std::string& path, const std::string& bytes) {
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) {
         if (S_ISDIR(status.st_mode))
-            data_failure("{}: is a directory, not a file to write: give a file name inside it", path);
+            usage_failure("{}: is a directory, not a file to write: give a file name inside it", path);
         if (!S_ISREG(status.st_mode))
             return write_special(path, bytes);
     }

@@ -33,6 +33,9 @@ struct RawFormat {
 extern const RawFormat pgm_format;
 extern const RawFormat headerless_format;
 
+// The formats in words: "PGM, headerless".
+std::string raw_format_names();
+
 // Reads a frame of any format. It has an even size, and no sample above its full scale.
 RawFrame read_raw_frame(const std::string& path, const RawHints& hints);
 

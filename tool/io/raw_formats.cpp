@@ -1,4 +1,4 @@
-// read_raw_frame, encode_raw_frame
+// raw_format_names, read_raw_frame, encode_raw_frame
 #include <algorithm>
 #include <array>
 
@@ -42,6 +42,14 @@ void check_frame(const RawFrame& frame) {
 }
 
 } // namespace
+
+std::string raw_format_names() {
+    std::string names;
+    for (const RawFormat* format : formats)
+        names += std::string(names.empty() ? "" : ", ") + format->name
+                 + (format->write == nullptr ? " (read only)" : "");
+    return names;
+}
 
 RawFrame read_raw_frame(const std::string& path, const RawHints& hints) {
     const std::string bytes = read_file(path);

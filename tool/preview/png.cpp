@@ -18,10 +18,10 @@ std::string encode_png(const Canvas& canvas) {
     png_alloc_size_t size = 0;
     std::string bytes;
     if (png_image_write_to_memory(&image, nullptr, &size, 0, canvas.pixels().data(), 0, nullptr) == 0)
-        data_failure("the picture cannot be encoded: {}", image.message);
+        system_failure("the picture cannot be encoded: {}", image.message);
     bytes.resize(size);
     if (png_image_write_to_memory(&image, bytes.data(), &size, 0, canvas.pixels().data(), 0, nullptr) == 0)
-        data_failure("the picture cannot be encoded: {}", image.message);
+        system_failure("the picture cannot be encoded: {}", image.message);
     bytes.resize(size);
     return bytes;
 }

@@ -1,0 +1,67 @@
+// pattern_or_warning, describe, add_frame, add_written_tables, text_table, percent, rounded
+#include "commands/frame_text.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <fmt/format.h>
+
+#include "terminal.h"
+
+namespace zerklsc::tool {
+
+BayerPattern pattern_or_warning(const RawFrame& frame) {
+    if (frame.pattern)
+        return *frame.pattern;
+    warn(fmt::format("{}: the Bayer pattern is not known: RGGB is taken (--pattern says another)",
+                     frame.name));
+    return BayerPattern::rggb;
+}
+
+std::string describe(const RawFrame& frame, BayerPattern pattern, const BlackLevel& black) {
+    return fmt::format("{}: {} x {}, {}, {} bits, black level {}\n", one_line(frame.name), frame.width,
+                       frame.height, name_of(pattern), frame.bits, text_of(black));
+}
+
+void add_frame(Report& report, const RawFrame& frame, BayerPattern pattern, const BlackLevel& black) {
+    report.add("frame", frame.name);
+    report.add("size", JsonValue::array({frame.width, frame.height}));
+    report.add("bayer_pattern", name_of(pattern));
+    report.add("bit_depth", frame.bits);
+    report.add("black_level", JsonValue::list(black));
+}
+
+void add_written_tables(Report& report, const std::string& path, const GainTables& tables) {
+    report.print(fmt::format("{}: tables of {} x {} for frames of {} x {}, step {}\n", one_line(path),
+                             tables.table_width, tables.table_height, tables.raw_width, tables.raw_height,
+                             tables.step));
+    report.add("output", path);
+    report.add("size", JsonValue::array({tables.raw_width, tables.raw_height}));
+    report.add("step", tables.step);
+    report.add("table_size", JsonValue::array({tables.table_width, tables.table_height}));
+}
+
+std::string text_table(const std::vector<std::vector<std::string>>& rows) {
+    std::vector<size_t> widths(rows.front().size());
+    for (const auto& row : rows)
+        for (size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size());
+    std::string text;
+    for (const auto& row : rows) {
+        text += fmt::format("{:<{}}", row[0], widths[0]);
+        for (size_t i = 1; i < row.size(); ++i)
+            text += fmt::format("  {:>{}}", row[i], widths[i]);
+        text += '\n';
+    }
+    return text;
+}
+
+std::string percent(double fraction) {
+    return fmt::format("{:.2f} %", 100 * fraction);
+}
+
+double rounded(double value) {
+    return std::round(value * 1e4) / 1e4;
+}
+
+} // namespace zerklsc::tool
