@@ -366,7 +366,7 @@ ZERKLSC_API int32_t img_filter(const uint16_t* src, uint16_t* dst, int32_t s1, i
 /**
  * Measures the gains that flatten a plane: the level of the brightest point of the centre cluster
  * (init_center_points()) over the level of each node (img_sample_grid(), a mirrored box). A level below 1 counts as 1.
- * There is no upper limit, no border and no fixed point; a plane too small for a cluster has the reference level 0.
+ * There is no upper limit, no border and no fixed point.
  *
  * Each successful call leaves out_w * out_h * 4 bytes of heap allocated.
  *
@@ -376,8 +376,9 @@ ZERKLSC_API int32_t img_filter(const uint16_t* src, uint16_t* dst, int32_t s1, i
  * @param step_x, step_y  node spacing in samples
  * @param out_w, out_h    nodes per row and rows of nodes (lsc2d_grid_samples()); 0 measures and leaves nothing
  * @param radius          of the box, 0 .. 11584, below the width and the height
- * @return                0; -1 with nothing written or left when img_sample_grid() or img_sample() refuses, for a size
- *                        below 0, or without memory
+ * @return                0; -1 with nothing written or left when img_sample_grid() or img_sample() refuses, for a plane
+ *                        too small for a cluster (fewer than 10 samples in either direction), for out_w or out_h below
+ *                        0, or without memory
  */
 ZERKLSC_API int32_t calc_otp_table(const uint16_t* plane, float* gains, int32_t width, int32_t height, int32_t step_x,
                                    int32_t step_y, int32_t out_w, int32_t out_h, int32_t radius);
@@ -434,7 +435,8 @@ ZERKLSC_API int32_t lsc2d_calibration_wrapper(const uint16_t* raw, lsc2d_info* i
  * @param stride_w, stride_h  table size (lsc2d_table_size() of the plane size and param->grid)
  * @param param               step, window and border modes; a Gaussian window is refused, as it would have no sigma;
  *                            the shading fields are not read
- * @return                    0; -1 with nothing written or left when the sampling refuses the window or the plane, when
+ * @return                    0; -1 with nothing written or left when the sampling refuses the window or the plane, for
+ *                            planes too small for a centre cluster (fewer than 10 samples in either direction), when
  *                            update_table_border() refuses the step or the grid, or without memory
  */
 ZERKLSC_API int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_t height, uint16_t** tables,
@@ -610,11 +612,11 @@ ZERKLSC_API int32_t calc_shading_table(float* table, int32_t width, int32_t heig
  * The border is rebuilt (linear edge, quadratic fill) and the gains are limited to ZERKLSC_HIGHEST_GAIN. Takes two
  * float tables of the destination's size from the heap while it runs.
  *
- * @param src            the table to read; its border is read too
+ * @param src            the table to read, with its border; its grid_h is not read and may be left unset
  * @param dst            its `table` is written whole, border included; may be the memory of the source's table
  * @param width, height  plane size in samples
  * @return               0; -1 and the destination untouched for a step below 1, a destination of fewer than 3 x 3
- *                       nodes, a source with too few nodes for the plane, or when memory cannot be had
+ *                       nodes, source rows with too few nodes for the plane, or when memory cannot be had
  */
 ZERKLSC_API int32_t lsc2d_grid_convert(const lsc2d_grid* src, const lsc2d_grid* dst, int32_t width, int32_t height);
 

@@ -35,13 +35,13 @@ std::string compare(testing::Random& random) {
                                                  static_cast<testing::Spread>(random.between(0, 2)));
     Job fast(width, height, samples), plain(width, height, samples);
     bayer_split_channel(fast.raw.data(), fast.planes, width, height);
-    plain_split(plain.raw.data(), plain.planes, width, height);
+    plain::split_channel(plain.raw.data(), plain.planes, width, height);
     bool equal = fast.memory == plain.memory;
     isp_blc_process(fast.raw.data(), &fast.black);
-    plain_black_level(plain.raw.data(), plain.black);
+    plain::subtract_black(plain.raw.data(), plain.black);
     equal = equal && fast.raw == plain.raw;
     bayer_merge_channel(fast.raw.data(), fast.planes, width, height);
-    plain_merge(plain.raw.data(), plain.planes, width, height);
+    plain::merge_channel(plain.raw.data(), plain.planes, width, height);
     equal = equal && fast.raw == plain.raw;
     return equal ? "" : fmt::format("{} x {} pixels", width, height);
 }
@@ -54,19 +54,19 @@ std::vector<Workload> bayer_workloads() {
     return {{.name = "bayer_split_channel",
              .frame_bytes = bytes,
              .fast = [=] { bayer_split_channel(job->raw.data(), job->planes, job->width, job->height); },
-             .plain = [=] { plain_split(job->raw.data(), job->planes, job->width, job->height); },
+             .plain = [=] { plain::split_channel(job->raw.data(), job->planes, job->width, job->height); },
              .at_most = {1.2, 1.2, 1.2},
              .at_least = {2, 2, 2}},
             {.name = "bayer_merge_channel",
              .frame_bytes = bytes,
              .fast = [=] { bayer_merge_channel(job->raw.data(), job->planes, job->width, job->height); },
-             .plain = [=] { plain_merge(job->raw.data(), job->planes, job->width, job->height); },
+             .plain = [=] { plain::merge_channel(job->raw.data(), job->planes, job->width, job->height); },
              .at_most = {1.2, 1.2, 1.2},
              .at_least = {2, 2, 2}},
             {.name = "isp_blc_process",
              .frame_bytes = bytes,
              .fast = [=] { isp_blc_process(job->raw.data(), &job->black); },
-             .plain = [=] { plain_black_level(job->raw.data(), job->black); },
+             .plain = [=] { plain::subtract_black(job->raw.data(), job->black); },
              .at_most = {0.75, 0.75, 0.75},
              .at_least = {10, 10, 10}}};
 }

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace zerklsc::bench {
+namespace zerklsc::plain {
 namespace {
 
 // Calls work(raw index, plane number, plane index) for every pixel of a frame of even size.
@@ -15,19 +15,19 @@ void each_pixel(int32_t width, int32_t height, Work work) {
 
 } // namespace
 
-void plain_split(const uint16_t* raw, uint16_t* const* planes, int32_t width, int32_t height) {
+void split_channel(const uint16_t* raw, uint16_t* const* planes, int32_t width, int32_t height) {
     each_pixel(width, height, [=](ptrdiff_t i, int32_t c, ptrdiff_t k) { planes[c][k] = raw[i]; });
 }
 
-void plain_merge(uint16_t* raw, const uint16_t* const* planes, int32_t width, int32_t height) {
+void merge_channel(uint16_t* raw, const uint16_t* const* planes, int32_t width, int32_t height) {
     each_pixel(width, height, [=](ptrdiff_t i, int32_t c, ptrdiff_t k) { raw[i] = planes[c][k]; });
 }
 
-void plain_black_level(uint16_t* raw, const isp_blc_param& param) {
+void subtract_black(uint16_t* raw, const isp_blc_param& param) {
     each_pixel(param.width, param.height, [raw, &param](ptrdiff_t i, int32_t c, ptrdiff_t) {
         const int32_t above = raw[i] - param.blc[c];
         raw[i] = static_cast<uint16_t>(above > 0 ? above : 0);
     });
 }
 
-} // namespace zerklsc::bench
+} // namespace zerklsc::plain

@@ -3,10 +3,10 @@
 
 #include "zerklsc.h"
 
-namespace zerklsc::bench {
+namespace zerklsc::plain {
 
-void plain_split(const uint16_t* raw, uint16_t* const* planes, int32_t width, int32_t height);
-void plain_merge(uint16_t* raw, const uint16_t* const* planes, int32_t width, int32_t height);
-void plain_black_level(uint16_t* raw, const isp_blc_param& param);
+void split_channel(const uint16_t* raw, uint16_t* const* planes, int32_t width, int32_t height);
+void merge_channel(uint16_t* raw, const uint16_t* const* planes, int32_t width, int32_t height);
+void subtract_black(uint16_t* raw, const isp_blc_param& param);
 
-} // namespace zerklsc::bench
+} // namespace zerklsc::plain

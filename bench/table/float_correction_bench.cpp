@@ -4,7 +4,7 @@
 #include <fmt/core.h>
 
 #include "frames.h"
-#include "table/float_correction.h"
+#include "table/float_correction_plain.h"
 #include "workload.h"
 
 namespace zerklsc::bench {
@@ -27,7 +27,7 @@ std::string compare(testing::Random& random) {
         return FloatCorrection{src.data(), dst, width, height, table.data(), step_x, step_y, table_w};
     };
     lsc2d_bicubic_correction(src.data(), fast.data(), width, height, table.data(), step_x, step_y, table_w);
-    correct_plainly(job(plain.data()));
+    plain::bicubic_correction(job(plain.data()));
     if (fast.copy() == plain.copy() && fast.intact())
         return {};
     return fmt::format("{} x {} samples, steps {} and {}", width, height, step_x, step_y);
@@ -54,8 +54,8 @@ std::vector<Workload> table_workloads() {
                  },
              .plain =
                  [=] {
-                     correct_plainly({job->src.data(), job->dst.data(), Job::width, Job::height, table,
-                                      Job::step, Job::step, job->tables.table_w});
+                     plain::bicubic_correction({job->src.data(), job->dst.data(), Job::width, Job::height,
+                                                table, Job::step, Job::step, job->tables.table_w});
                  },
              .at_most = {5, 2.3, 1.8},
              .at_least = {25, 55, 70}}};

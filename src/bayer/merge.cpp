@@ -18,7 +18,7 @@ void merge_row(uint16_t* __restrict row, const uint16_t* __restrict even, const 
 
 int32_t bayer_merge_channel(uint16_t* raw, uint16_t** planes, int32_t width, int32_t height) {
     const int32_t plane_width = width >> 1;
-    for (ptrdiff_t y = 0; y < height >> 1; ++y) {
+    for (ptrdiff_t y = 0; plane_width > 0 && y < height >> 1; ++y) {
         uint16_t* const row = raw + 2 * y * width;
         const ptrdiff_t from = y * plane_width;
         merge_row(row, planes[0] + from, planes[1] + from, plane_width);

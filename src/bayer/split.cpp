@@ -18,6 +18,8 @@ void split_row(const uint16_t* __restrict row, uint16_t* __restrict even, uint16
 
 void bayer_split_channel(const uint16_t* raw, uint16_t** planes, int32_t width, int32_t height) {
     const int32_t plane_width = width >> 1;
+    if (plane_width < 1)
+        return;
     for (ptrdiff_t y = 0; y < height >> 1; ++y) {
         const uint16_t* const row = raw + 2 * y * width;
         const ptrdiff_t to = y * plane_width;

@@ -37,8 +37,8 @@ bool invert_or_warn(System& system, int32_t unknowns) {
 }
 
 bool calibrate(const FlatField& flat, uint16_t** tables, const NodeGrid& grid, int32_t step, int32_t start) {
-    const FitLines columns = fit_lines(flat.field.width, step, start);
-    const FitLines rows = fit_lines(flat.field.height, step, start);
+    const FitLines columns = fit_lines(flat.planes.width, step, start);
+    const FitLines rows = fit_lines(flat.planes.height, step, start);
     if (columns.at == nullptr || rows.at == nullptr || !lines_fit(flat, columns, rows))
         return false;
     const Scratch<float> inner =

@@ -2,15 +2,15 @@
 
 #include <algorithm>
 
-#include "sampling/center_points.h"
+#include "sampling/brightest_level.h"
 
 namespace zerklsc {
 
 FlatField make_flat_field(const uint16_t* image, int32_t width, int32_t height, const imfilter_t& filter) {
-    FlatField flat = {mosaic_field(image, width, height), make_window(filter), {}, false};
+    FlatField flat = {mosaic_planes(image, width, height), make_window(filter), {}, false};
     const CentreCluster cluster = centre_cluster(width / 2, height / 2);
-    flat.measurable = flat.window && cluster.points() > 0 && cluster_fits(flat.field, flat.window, cluster)
-                      && brightest_levels(flat.field, flat.window, cluster, flat.peaks);
+    flat.measurable = flat.window && cluster_fits(flat.planes, flat.window, cluster)
+                      && brightest_levels(flat.planes, flat.window, cluster, flat.peaks);
     return flat;
 }
 
@@ -18,15 +18,15 @@ bool lines_fit(const FlatField& flat, const FitLines& columns, const FitLines& r
     const auto fits = [&flat](int32_t extent) {
         return [&flat, extent](int16_t at) { return window_fits(flat.window, extent, at, at); };
     };
-    return std::all_of(columns.begin(), columns.end(), fits(flat.field.width))
-           && std::all_of(rows.begin(), rows.end(), fits(flat.field.height));
+    return std::all_of(columns.begin(), columns.end(), fits(flat.planes.width))
+           && std::all_of(rows.begin(), rows.end(), fits(flat.planes.height));
 }
 
 void gains_at(const FlatField& flat, int32_t x, int32_t y, float gains[ZERKLSC_CHANNELS]) {
     uint64_t sums[ZERKLSC_CHANNELS];
-    sum_window(flat.field, flat.window, x, y, sums);
+    sum_window(flat.planes, flat.window, x, y, sums);
     for (int k = 0; k < ZERKLSC_CHANNELS; ++k) {
-        // A black point takes part with a gain of ten million times the peak: there is no other guard.
+        // A black point takes parity with a gain of ten million times the peak: there is no other guard.
         const float level = std::max(static_cast<float>(rounded_level(sums[k], flat.window)), 1e-7f);
         gains[k] = static_cast<float>(flat.peaks[k]) / level;
     }

@@ -4,14 +4,14 @@
 #include <cstdint>
 
 #include "calibration/fit_points.h"
-#include "sampling/field.h"
+#include "sampling/plane_set.h"
 #include "sampling/window.h"
 #include "zerklsc.h"
 
 namespace zerklsc {
 
 struct FlatField {
-    Field field;
+    PlaneSet planes;
     Window window;
     uint16_t
         peaks[ZERKLSC_CHANNELS]; // the level that each plane is raised to: the brightest around its centre

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "frame/scratch.h"
-#include "sampling/center_points.h"
+#include "sampling/brightest_level.h"
 #include "sampling/grid_sampling.h"
 #include "sampling/measurement.h"
 #include "table/border.h"
@@ -19,7 +19,7 @@ struct Buffers {
     Scratch<float> gains;                     // one gain per node
     Scratch<float> bordered;                  // the gains of one channel with their border
 
-    explicit Buffers(const NodeGrid& grid)
+    explicit Buffers(const SampleGrid& grid)
         : gains(allocate<float>(grid.columns, grid.rows)),
           bordered(allocate<float>(grid.columns + border, grid.rows + border)) {
         for (Scratch<float>& channel : samples)
@@ -33,20 +33,21 @@ struct Buffers {
     }
 };
 
-bool border_can_be_built(const Field& field, const NodeGrid& grid, const lsc2d_calib_param& param) {
-    return border_possible({field.width, field.height, grid.step_x, grid.step_y}, grid.columns, grid.rows,
+bool border_can_be_built(const PlaneSet& planes, const SampleGrid& grid, const lsc2d_calib_param& param) {
+    return border_possible({planes.width, planes.height, grid.step_x, grid.step_y}, grid.columns, grid.rows,
                            param.border_mode, param.border_aux);
 }
 
 // Samples every channel, turns the levels into gains and the gains into tables. False when there is no
 // memory, with no table written.
-bool calibrate(const Field& field, const Window& window, const NodeGrid& grid, const CentreCluster& cluster,
-               const lsc2d_calib_param& param, const Buffers& buffers, uint16_t** tables) {
+bool calibrate(const PlaneSet& planes, const Window& window, const SampleGrid& grid,
+               const CentreCluster& cluster, const lsc2d_calib_param& param, const Buffers& buffers,
+               uint16_t** tables) {
     float* const samples[] = {buffers.samples[0].get(), buffers.samples[1].get(), buffers.samples[2].get(),
                               buffers.samples[3].get()};
-    sample_grid(field, window, grid, samples);
+    sample_grid(planes, window, grid, samples);
     uint16_t references[ZERKLSC_CHANNELS];
-    if (!brightest_levels(field, window, cluster, references))
+    if (!brightest_levels(planes, window, cluster, references))
         return false;
 
     const int32_t table_w = grid.columns + border;
@@ -57,7 +58,7 @@ bool calibrate(const Field& field, const Window& window, const NodeGrid& grid, c
     std::fill_n(bordered, int64_t{table_w} * table_h, 0.0f);
     for (int32_t c = 0; c < ZERKLSC_CHANNELS; ++c) {
         gains_from_samples(samples[c], gains, int64_t{grid.columns} * grid.rows, references[c]);
-        update_table_border(gains, bordered, field.width, field.height, grid.step_x, grid.step_y,
+        update_table_border(gains, bordered, planes.width, planes.height, grid.step_x, grid.step_y,
                             grid.columns, grid.rows, param.border_mode, param.border_aux);
         lsc_table_ftoi(bordered, tables[c], table_w, table_h);
     }
@@ -74,14 +75,14 @@ int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_t height, ui
                                        .filter_radius = param->filter_radius,
                                        .boundary_mode = param->boundary_mode,
                                        .sigma = nullptr});
-    const Field field = mosaic_field(raw, width, height);
-    const NodeGrid grid = {param->grid, param->grid, stride_w - border, stride_h - border};
-    const CentreCluster cluster = centre_cluster(field.width, field.height);
-    if (!window || !grid_fits(field, window, grid) || !cluster_fits(field, window, cluster)
-        || !border_can_be_built(field, grid, *param))
+    const PlaneSet planes = mosaic_planes(raw, width, height);
+    const SampleGrid grid = {param->grid, param->grid, stride_w - border, stride_h - border};
+    const CentreCluster cluster = centre_cluster(planes.width, planes.height);
+    if (!window || !grid_fits(planes, window, grid) || !cluster_fits(planes, window, cluster)
+        || !border_can_be_built(planes, grid, *param))
         return -1;
     Buffers buffers(grid);
-    if (!buffers || !calibrate(field, window, grid, cluster, *param, buffers, tables))
+    if (!buffers || !calibrate(planes, window, grid, cluster, *param, buffers, tables))
         return -1;
     // The samples stay allocated: callers budget their memory for what each calibration leaves behind.
     for (Scratch<float>& channel : buffers.samples)

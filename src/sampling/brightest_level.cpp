@@ -1,52 +1,104 @@
 // The brightest level of the centre cluster.
-#include <algorithm>
+#include "sampling/brightest_level.h"
 
-#include "sampling/center_points.h"
-#include "sampling/cluster_sums.h"
+#include <algorithm>
+#include <cstddef>
+
+#include "sampling/column_sums.h"
 
 namespace zerklsc {
-
-bool cluster_fits(const Field& field, const Window& window, const CentreCluster& cluster) {
-    if (cluster.points() == 0)
-        return true;
-    for (int32_t i = 0; i < 2 * cluster.columns; ++i) {
-        if (!window_fits(window, field.width, cluster.column(i), cluster.column(i)))
-            return false;
-    }
-    for (int32_t j = 0; j < 2 * cluster.rows; ++j) {
-        if (!window_fits(window, field.height, cluster.row(j), cluster.row(j)))
-            return false;
-    }
-    return true;
-}
-
 namespace {
 
-// Window by window, wherever the windows lie.
-void raise_to_points(const Field& field, const Window& window, const CentreCluster& cluster,
-                     uint64_t most[4]) {
+// Raises the largest sums to those of all points, window by window, wherever the windows lie.
+void search_windows(const PlaneSet& planes, const Window& window, const CentreCluster& cluster,
+                    uint64_t max_sums[4]) {
     for (int32_t j = 0; j < 2 * cluster.rows; ++j) {
         for (int32_t i = 0; i < 2 * cluster.columns; ++i) {
             uint64_t sums[4];
-            sum_window(field, window, cluster.column(i), cluster.row(j), sums);
-            for (int32_t c = 0; c < field.planes(); ++c)
-                most[c] = std::max(most[c], sums[c]);
+            sum_window(planes, window, cluster.column(i), cluster.row(j), sums);
+            for (int32_t c = 0; c < planes.count(); ++c)
+                max_sums[c] = std::max(max_sums[c], sums[c]);
         }
     }
 }
 
+// Whether the windows around the first and the last of the raster positions lie inside, and none wrapped.
+bool lies_inside(int32_t extent, int32_t first, int32_t last, int32_t radius) {
+    return extent <= INT16_MAX && first >= radius && last < extent - radius;
+}
+
+// Whether the windows overlap enough to share their columns, and are boxes inside the plane whose sums fit 32
+// bits.
+bool columns_should_be_shared(const PlaneSet& planes, const Window& window, const CentreCluster& cluster) {
+    const int32_t r = window.radius;
+    return window.box && r >= cluster.step && r <= max_shared_radius
+           && lies_inside(planes.width, cluster.column(0), cluster.column(2 * cluster.columns - 1), r)
+           && lies_inside(planes.height, cluster.row(0), cluster.row(2 * cluster.rows - 1), r);
+}
+
+// The column sums of the planes in the buffer rows of one parity, from the left edge of the leftmost window
+// to the right edge of the rightmost.
+ColumnSums cluster_columns(const PlaneSet& planes, const Window& window, const CentreCluster& cluster,
+                           int32_t parity) {
+    const int32_t left = cluster.column(0) - window.radius;
+    const int32_t right = cluster.column(2 * cluster.columns - 1) + window.radius;
+    return ColumnSums(planes.row(0, parity) + static_cast<ptrdiff_t>(left) * planes.interleave,
+                      planes.stride * planes.interleave, (right - left + 1) * planes.interleave,
+                      2 * window.radius + 1, planes.interleave);
+}
+
+// Raises the largest sums to those of one row of points.
+void search_row(const uint32_t* running, const Window& window, const CentreCluster& cluster,
+                int32_t interleave, uint64_t* max_sums) {
+    for (int32_t i = 0; i < 2 * cluster.columns; ++i) {
+        const uint32_t* const left = running + (cluster.column(i) - cluster.column(0)) * interleave;
+        const uint32_t* const right = left + (2 * window.radius + 1) * interleave;
+        for (int32_t c = 0; c < interleave; ++c)
+            max_sums[c] = std::max<uint64_t>(max_sums[c], right[c] - left[c]);
+    }
+}
+
+// As search_windows(), with the column sums shared between the windows. False when there is no memory for
+// them.
+bool search_shared_columns(const PlaneSet& planes, const Window& window, const CentreCluster& cluster,
+                           uint64_t max_sums[4]) {
+    for (int32_t parity = 0; parity < planes.interleave; ++parity) {
+        ColumnSums sums = cluster_columns(planes, window, cluster, parity);
+        if (!sums)
+            return false;
+        for (int32_t j = 0; j < 2 * cluster.rows; ++j) {
+            sums.move_to(cluster.row(j) - window.radius);
+            search_row(sums.running_sums(), window, cluster, planes.interleave,
+                       max_sums + planes.interleave * parity);
+        }
+    }
+    return true;
+}
+
 } // namespace
 
+bool cluster_fits(const PlaneSet& planes, const Window& window, const CentreCluster& cluster) {
+    for (int32_t i = 0; i < 2 * cluster.columns; ++i) {
+        if (!window_fits(window, planes.width, cluster.column(i), cluster.column(i)))
+            return false;
+    }
+    for (int32_t j = 0; j < 2 * cluster.rows; ++j) {
+        if (!window_fits(window, planes.height, cluster.row(j), cluster.row(j)))
+            return false;
+    }
+    return cluster.points() > 0;
+}
+
 // The level rises with the sum, so that the largest sum stands for the brightest point.
-bool brightest_levels(const Field& field, const Window& window, const CentreCluster& cluster,
+bool brightest_levels(const PlaneSet& planes, const Window& window, const CentreCluster& cluster,
                       uint16_t levels[4]) {
-    uint64_t most[4] = {};
-    if (!columns_should_be_shared(field, window, cluster))
-        raise_to_points(field, window, cluster, most);
-    else if (!raise_to_cluster(field, window, cluster, most))
+    uint64_t max_sums[4] = {};
+    if (!columns_should_be_shared(planes, window, cluster))
+        search_windows(planes, window, cluster, max_sums);
+    else if (!search_shared_columns(planes, window, cluster, max_sums))
         return false;
-    for (int32_t c = 0; c < field.planes(); ++c)
-        levels[c] = rounded_level(most[c], window);
+    for (int32_t c = 0; c < planes.count(); ++c)
+        levels[c] = rounded_level(max_sums[c], window);
     return true;
 }
 

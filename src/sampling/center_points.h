@@ -1,10 +1,7 @@
-// The cluster of points around the optical centre of a plane, and its brightest level.
+// The cluster of points around the optical centre of a plane.
 #pragma once
 
 #include <cstdint>
-
-#include "sampling/field.h"
-#include "sampling/window.h"
 
 namespace zerklsc {
 
@@ -31,13 +28,5 @@ struct CentreCluster {
 };
 
 CentreCluster centre_cluster(int32_t width, int32_t height);
-
-// Whether the windows around all points of the cluster can be read.
-bool cluster_fits(const Field& field, const Window& window, const CentreCluster& cluster);
-
-// The level of the brightest point of each plane; 0 for a plane too small for a cluster. The windows fit.
-// False when there is no memory.
-bool brightest_levels(const Field& field, const Window& window, const CentreCluster& cluster,
-                      uint16_t levels[4]);
 
 } // namespace zerklsc

@@ -5,12 +5,12 @@
 #include <cstdint>
 
 #include "frame/scratch.h"
-#include "sampling/row_sum.h"
+#include "sampling/sum_kernels.h"
 
 namespace zerklsc {
 
 // The largest radius of a box whose full-scale samples sum up within 32 bits.
-constexpr int32_t most_shared_radius = 127;
+constexpr int32_t max_shared_radius = 127;
 
 // Row y of the plane starts at first + y * stride. Where `interleave` planes share the rows, their columns
 // stand side by side.

@@ -39,8 +39,8 @@ void filter_by_windows(const Region& region, const Window& window) {
 
 // Small boxes share the sums of their columns.
 bool columns_can_be_shared(const Region& region, const Window& window) {
-    return window.box && window.radius <= most_shared_radius && region.rows > 0 && region.columns > 0
-           && region.columns < INT32_MAX - 2 * most_shared_radius;
+    return window.box && window.radius <= max_shared_radius && region.rows > 0 && region.columns > 0
+           && region.columns < INT32_MAX - 2 * max_shared_radius;
 }
 
 bool filter_by_columns(const Region& region, const Window& window) {

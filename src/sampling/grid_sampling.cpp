@@ -10,21 +10,22 @@ int32_t node_position(int32_t i, int32_t step, int32_t n) {
     return static_cast<int32_t>(std::clamp<int64_t>(int64_t{i} * step, 0, int64_t{n} - 1));
 }
 
-bool grid_fits(const Field& field, const Window& window, const NodeGrid& grid) {
+bool grid_fits(const PlaneSet& planes, const Window& window, const SampleGrid& grid) {
     if (grid.columns < 1 || grid.rows < 1)
         return true;
-    return window_fits(window, field.width, 0, int64_t{field.width} - 1)
-           && window_fits(window, field.height, 0, int64_t{field.height} - 1);
+    return window_fits(window, planes.width, 0, int64_t{planes.width} - 1)
+           && window_fits(window, planes.height, 0, int64_t{planes.height} - 1);
 }
 
-void sample_grid(const Field& field, const Window& window, const NodeGrid& grid, float* const samples[]) {
+void sample_grid(const PlaneSet& planes, const Window& window, const SampleGrid& grid,
+                 float* const samples[]) {
     ptrdiff_t node = 0;
     for (int32_t j = 0; j < grid.rows; ++j) {
-        const int32_t y = node_position(j, grid.step_y, field.height);
+        const int32_t y = node_position(j, grid.step_y, planes.height);
         for (int32_t i = 0; i < grid.columns; ++i, ++node) {
             uint64_t sums[4];
-            sum_window(field, window, node_position(i, grid.step_x, field.width), y, sums);
-            for (int32_t c = 0; c < field.planes(); ++c)
+            sum_window(planes, window, node_position(i, grid.step_x, planes.width), y, sums);
+            for (int32_t c = 0; c < planes.count(); ++c)
                 samples[c][node] = mean_level(sums[c], window);
         }
     }
@@ -36,10 +37,10 @@ int32_t img_sample_grid(const uint16_t* plane, float* samples, int32_t width, in
                         int32_t step_y, int32_t out_w, int32_t out_h, const imfilter_t* filter) {
     using namespace zerklsc;
     const Window window = make_window(*filter);
-    const Field field = plane_field(plane, width, height);
-    const NodeGrid grid = {step_x, step_y, out_w, out_h};
-    if (!window || !grid_fits(field, window, grid))
+    const PlaneSet planes = single_plane(plane, width, height);
+    const SampleGrid grid = {step_x, step_y, out_w, out_h};
+    if (!window || !grid_fits(planes, window, grid))
         return -1;
-    sample_grid(field, window, grid, &samples);
+    sample_grid(planes, window, grid, &samples);
     return 0;
 }

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 
-#include "sampling/field.h"
+#include "sampling/plane_set.h"
 #include "sampling/window.h"
 
 namespace zerklsc {
 
-struct NodeGrid {
+struct SampleGrid {
     int32_t step_x;
     int32_t step_y;
     int32_t columns;
@@ -19,9 +19,10 @@ struct NodeGrid {
 int32_t node_position(int32_t i, int32_t step, int32_t n);
 
 // Whether the windows around all nodes can be read. A grid without nodes asks for nothing.
-bool grid_fits(const Field& field, const Window& window, const NodeGrid& grid);
+bool grid_fits(const PlaneSet& planes, const Window& window, const SampleGrid& grid);
 
 // Writes the mean level of each plane around each node, row by row: samples[c] of plane c.
-void sample_grid(const Field& field, const Window& window, const NodeGrid& grid, float* const samples[]);
+void sample_grid(const PlaneSet& planes, const Window& window, const SampleGrid& grid,
+                 float* const samples[]);
 
 } // namespace zerklsc

@@ -5,31 +5,32 @@
 #include <cstddef>
 
 #include "frame/scratch.h"
-#include "sampling/center_points.h"
+#include "sampling/brightest_level.h"
 #include "sampling/grid_sampling.h"
 #include "zerklsc.h"
 
 namespace zerklsc {
 namespace {
 
-int32_t measure_gains(const Field& field, const NodeGrid& grid, const imfilter_t& filter, float* gains) {
+int32_t measure_gains(const PlaneSet& planes, const SampleGrid& grid, const imfilter_t& filter,
+                      float* gains) {
     const Window window = make_window(filter);
-    const CentreCluster cluster = centre_cluster(field.width, field.height);
-    if (!window || grid.columns < 0 || grid.rows < 0 || !grid_fits(field, window, grid)
-        || !cluster_fits(field, window, cluster))
+    const CentreCluster cluster = centre_cluster(planes.width, planes.height);
+    if (!window || grid.columns < 0 || grid.rows < 0 || !grid_fits(planes, window, grid)
+        || !cluster_fits(planes, window, cluster))
         return -1;
     if (grid.columns == 0 || grid.rows == 0)
         return 0;
     Scratch<float> samples = allocate<float>(grid.columns, grid.rows);
     if (samples == nullptr)
         return -1;
-    float* const planes[] = {samples.get()};
-    sample_grid(field, window, grid, planes);
+    float* const levels[] = {samples.get()};
+    sample_grid(planes, window, grid, levels);
     uint16_t reference[4];
-    if (!brightest_levels(field, window, cluster, reference))
+    if (!brightest_levels(planes, window, cluster, reference))
         return -1;
     gains_from_samples(samples.get(), gains, int64_t{grid.columns} * grid.rows, reference[0]);
-    // The samples stay allocated: callers budget their memory for what each call leaves behind.
+    // The samples stay allocated, by intent: the call has always left them, and callers count with it.
     static_cast<void>(samples.release());
     return 0;
 }
@@ -63,5 +64,5 @@ int32_t calc_correction_table(const uint16_t* plane, float* gains, int32_t width
                               int32_t step_x, int32_t step_y, int32_t out_w, int32_t out_h,
                               const imfilter_t* filter) {
     using namespace zerklsc;
-    return measure_gains(plane_field(plane, width, height), {step_x, step_y, out_w, out_h}, *filter, gains);
+    return measure_gains(single_plane(plane, width, height), {step_x, step_y, out_w, out_h}, *filter, gains);
 }

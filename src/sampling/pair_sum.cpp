@@ -1,10 +1,8 @@
-// The sums of pairs of columns, on vectors of 32-bit lanes: a pair fills a lane, its first sample the low
-// half.
-#include "sampling/pair_sum.h"
+// The sums of pairs of columns, on vectors of 32-bit lanes: a pair fills a lane, its first sample the half
+// that stands first in memory.
+#include "sampling/sum_kernels.h"
 
 #include "cpu/vectors.h"
-
-static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
@@ -37,9 +35,10 @@ void add_rows(const uint16_t* first, ptrdiff_t stride, int32_t pairs, int32_t ro
         low += v & 0xFFFFu;
         high += v >> 16;
     }
+    constexpr int32_t first_half = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? 0 : 1;
     for (int32_t i = 0; i < lane_count; ++i) {
-        sums[0] += low[i];
-        sums[1] += high[i];
+        sums[first_half] += low[i];
+        sums[1 - first_half] += high[i];
     }
 }
 

@@ -1,5 +1,5 @@
 // The sums of rows, column by column.
-#include "sampling/row_sum.h"
+#include "sampling/sum_kernels.h"
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 

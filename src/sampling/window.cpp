@@ -28,22 +28,14 @@ int64_t measure_reach(const imfilter_t& filter, int32_t* reach) {
     return taps;
 }
 
-// Adds the samples of a run of rows by a run of columns.
-void add_runs(const Field& field, const Run& columns, const Run& rows, uint64_t sums[4]) {
-    uint64_t block[4] = {};
-    add_block(field, columns.first, rows.first, columns.count, rows.count, block);
-    const uint64_t weight = static_cast<uint64_t>(columns.weight) * static_cast<uint64_t>(rows.weight);
-    for (int32_t c = 0; c < field.planes(); ++c)
-        sums[c] += block[c] * weight;
-}
-
 // Adds the samples of the rows top .. bottom, all of which reach equally far.
-void add_band(const Field& field, int32_t mode, int64_t top, int64_t bottom, int64_t left, int64_t right,
+void add_band(const PlaneSet& planes, int32_t mode, int64_t top, int64_t bottom, int64_t left, int64_t right,
               uint64_t sums[4]) {
-    const Runs columns = tap_runs(field.width, left, right, mode);
-    for (const Run& rows : tap_runs(field.height, top, bottom, mode)) {
-        for (const Run& run : columns)
-            add_runs(field, run, rows, sums);
+    const Runs columns = tap_runs(planes.width, left, right, mode);
+    for (const Run& row : tap_runs(planes.height, top, bottom, mode)) {
+        for (const Run& column : columns)
+            add_block(planes, {column.first, row.first, column.count, row.count},
+                      static_cast<uint64_t>(column.weight) * static_cast<uint64_t>(row.weight), sums);
     }
 }
 
@@ -71,18 +63,18 @@ bool window_fits(const Window& window, int32_t n, int64_t first, int64_t last) {
     return taps_fit(n, first - window.radius, last + window.radius, window.boundary_mode);
 }
 
-void sum_window(const Field& field, const Window& window, int64_t x, int64_t y, uint64_t sums[4]) {
-    for (int32_t c = 0; c < field.planes(); ++c)
+void sum_window(const PlaneSet& planes, const Window& window, int64_t x, int64_t y, uint64_t sums[4]) {
+    for (int32_t c = 0; c < planes.count(); ++c)
         sums[c] = 0;
     const int32_t r = window.radius;
     if (window.box) {
-        add_band(field, window.boundary_mode, y - r, y + r, x - r, x + r, sums);
+        add_band(planes, window.boundary_mode, y - r, y + r, x - r, x + r, sums);
         return;
     }
     for (int32_t dy = -r; dy <= r; ++dy) {
         const int32_t reach = window.reach_of(dy);
         if (reach >= 0)
-            add_band(field, window.boundary_mode, y + dy, y + dy, x - reach, x + reach, sums);
+            add_band(planes, window.boundary_mode, y + dy, y + dy, x - reach, x + reach, sums);
     }
 }
 

@@ -5,7 +5,7 @@
 
 #include "frame/convert.h"
 #include "frame/scratch.h"
-#include "sampling/field.h"
+#include "sampling/plane_set.h"
 #include "zerklsc.h"
 
 namespace zerklsc {
@@ -33,7 +33,7 @@ Window make_window(const imfilter_t& filter);
 bool window_fits(const Window& window, int32_t n, int64_t first, int64_t last);
 
 // The sums of each plane under the window around (x, y), which fits.
-void sum_window(const Field& field, const Window& window, int64_t x, int64_t y, uint64_t sums[4]);
+void sum_window(const PlaneSet& planes, const Window& window, int64_t x, int64_t y, uint64_t sums[4]);
 
 inline float mean_level(uint64_t sum, const Window& window) {
     return static_cast<float>(static_cast<int64_t>(sum)) * window.scale;

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "table/cubic.h"
 #include "table/extrapolation.h"
-#include "table/kernel.h"
 #include "zerklsc.h"
 
 namespace zerklsc {

@@ -18,9 +18,6 @@ struct FloatCorrection {
     ptrdiff_t row_length;
 };
 
-// The correction as it is stated, one table lookup per sample: what the fast form is held to.
-void correct_plainly(const FloatCorrection& job);
-
 // The weights of adjoining columns. The first stands `phase` columns behind its node, the nodes are `step`
 // apart.
 struct ColumnTaps {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "table/kernel.h"
+#include "table/cubic.h"
 
 namespace zerklsc {
 

@@ -32,4 +32,14 @@ TEST(Split, PlaneIsNamedByTheParityOfColumnAndRow) {
     }
 }
 
+TEST(Split, SizesWithoutAPlaneTouchNothing) {
+    uint16_t* planes[4] = {};
+    for (const int32_t none : {INT32_MIN, -5, 0, 1}) {
+        bayer_split_channel(nullptr, planes, none, 8);
+        bayer_split_channel(nullptr, planes, 8, none);
+        EXPECT_EQ(bayer_merge_channel(nullptr, planes, none, 8), 4);
+        EXPECT_EQ(bayer_merge_channel(nullptr, planes, 8, none), 4);
+    }
+}
+
 } // namespace

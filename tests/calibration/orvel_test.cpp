@@ -17,14 +17,13 @@ lsc2d_calib_param usual(int32_t grid, int32_t radius) {
     return param;
 }
 
-// Odd frames, windows over the edges, planes without a centre cluster, borders of all kinds, an unknown one
-// too.
+// Odd frames, windows over the edges, borders of all kinds, an unknown one too.
 TEST(Orvel, EqualsThePlainForm) {
     Random random(20);
     const struct {
         int32_t width, height, grid, radius;
     } cases[] = {{81, 61, 16, 3}, {64, 65, 10, 0},   {41, 40, 7, 19},
-                 {16, 90, 3, 7},  {400, 300, 64, 8}, {226, 200, 60, 91}};
+                 {20, 90, 3, 7},  {400, 300, 64, 8}, {226, 200, 60, 91}};
     for (const auto& c : cases) {
         int32_t w, h;
         lsc2d_table_size(c.width / 2, c.height / 2, c.grid, c.grid, &w, &h);
@@ -72,6 +71,8 @@ TEST(Orvel, RefusalsWriteAndLeaveNothing) {
         lsc2d_calib_param param;
     } cases[] = {
         {"no plane", 1, 80, 7, 7, usual(10, 0)},
+        {"planes too narrow for a centre cluster", 19, 80, 5, 7, usual(10, 0)},
+        {"planes too low for a centre cluster", 80, 19, 7, 5, usual(10, 0)},
         {"negative size", -80, 80, 7, 7, usual(10, 0)},
         {"mirrored taps outside", 80, 80, 7, 7, usual(10, 40)},
         {"negative radius", 80, 80, 7, 7, usual(10, -1)},

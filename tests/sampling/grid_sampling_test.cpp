@@ -68,8 +68,10 @@ TEST(GridSampling, RefusalsWriteNothing) {
     const imfilter_t clamped = box(0, ZERKLSC_BOUNDARY_CLAMP);
     for (const auto& [w, h] : {std::pair{0, 5}, std::pair{5, 0}, std::pair{-4, 4}})
         EXPECT_EQ(img_sample_grid(plane.data(), &sample, w, h, 1, 1, 1, 1, &clamped), -1);
-    for (const auto& [w, h] : {std::pair{0, 1}, std::pair{1, -1}})
-        EXPECT_EQ(img_sample_grid(plane.data(), &sample, 20, 12, 1, 1, w, h, &clamped), 0);
+    const imfilter_t too_wide = box(12);
+    for (const auto& [w, h] : {std::pair{0, 1}, std::pair{1, 0}, std::pair{1, -1}})
+        for (const imfilter_t& filter : {clamped, too_wide})
+            EXPECT_EQ(img_sample_grid(plane.data(), &sample, 20, 12, 1, 1, w, h, &filter), 0) << "no node";
     const AllocationScope scope(0);
     EXPECT_EQ(img_sample_grid(plane.data(), &sample, 20, 12, 1, 1, 1, 1, &clamped), -1);
     EXPECT_EQ(sample, 7);

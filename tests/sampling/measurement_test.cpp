@@ -38,8 +38,37 @@ TEST(Measurement, GainIsBrightestCentreOverNodeAndSamplesAreLeft) {
     EXPECT_EQ(scope.leftovers(), std::vector<size_t>(2, 24));
     EXPECT_EQ(otp.copy(), (std::vector<float>{3.0f, 0.5f, 900.0f, 900.0f, 900.0f, 900.0f}));
     EXPECT_EQ(correction.copy(), otp.copy());
-    EXPECT_EQ(calc_otp_table(plane.data(), otp.data(), 9, 20, 10, 10, 3, 2, 0), 0);
-    EXPECT_EQ(otp.copy(), std::vector<float>(6, 0.0f)) << "no room for a centre cluster";
+}
+
+// A plane that rises by 3 to the right and by 40 downwards, with unequal steps and sizes.
+TEST(Measurement, NodesStandAtTheirOwnSteps) {
+    std::vector<uint16_t> plane(30 * 24);
+    for (size_t k = 0; k < plane.size(); ++k)
+        plane[k] = static_cast<uint16_t>(100 + 3 * (k % 30) + 40 * (k / 30));
+    const float reference = 100 + 3 * 18 + 40 * 14; // the cluster ends at column 18 and row 14
+    Guarded<float> gains(3 * 4);
+    const imfilter_t filter = box(1);
+    ASSERT_EQ(calc_correction_table(plane.data(), gains.data(), 30, 24, 11, 6, 3, 4, &filter), 0);
+    for (size_t j = 1; j < 4; ++j)
+        EXPECT_FLOAT_EQ(gains[3 * j + 1], reference / static_cast<float>(100 + 3 * 11 + 40 * 6 * j)) << j;
+    for (size_t i = 1; i < 3; ++i)
+        EXPECT_FLOAT_EQ(gains[3 + i], reference / static_cast<float>(100 + 3 * 11 * i + 40 * 6)) << i;
+}
+
+TEST(Measurement, NoRoomForACentreClusterIsRefused) {
+    const std::vector<uint16_t> plane(20 * 20, uint16_t{100});
+    const imfilter_t filter = box(0);
+    const AllocationScope scope;
+    for (const auto& [w, h] : {std::pair{9, 20}, std::pair{20, 9}, std::pair{1, 1}}) {
+        float gain = 7;
+        EXPECT_EQ(calc_otp_table(plane.data(), &gain, w, h, 10, 10, 1, 1, 0), -1) << w;
+        EXPECT_EQ(calc_correction_table(plane.data(), &gain, w, h, 10, 10, 1, 1, &filter), -1) << w;
+        EXPECT_EQ(gain, 7.0f);
+    }
+    EXPECT_TRUE(scope.leftovers().empty());
+    float gain = 7;
+    EXPECT_EQ(calc_otp_table(plane.data(), &gain, 10, 10, 10, 10, 1, 1, 0), 0)
+        << "the smallest plane with one";
 }
 
 TEST(Measurement, RefusalsWriteAndLeaveNothing) {
@@ -50,8 +79,10 @@ TEST(Measurement, RefusalsWriteAndLeaveNothing) {
     for (const imfilter_t& filter : filters)
         EXPECT_EQ(calc_correction_table(plane.data(), &gain, 20, 12, 10, 6, 1, 1, &filter), -1);
     EXPECT_EQ(calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, 1, 1, 12), -1);
-    EXPECT_EQ(calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, -2, 2, 1), -1);
-    EXPECT_EQ(calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, 0, 2, 1), 0);
+    for (const auto& [columns, rows] : {std::pair{-2, 2}, std::pair{2, -2}, std::pair{0, -1}})
+        EXPECT_EQ(calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, columns, rows, 1), -1) << rows;
+    for (const auto& [columns, rows] : {std::pair{0, 2}, std::pair{2, 0}})
+        EXPECT_EQ(calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, columns, rows, 1), 0) << rows;
     EXPECT_TRUE(scope.leftovers().empty());
     EXPECT_EQ(gain, 7.0f);
 }

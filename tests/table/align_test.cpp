@@ -32,6 +32,10 @@ TEST(Align, ThenExpandEqualsUpdateTableBorderToTheBit) {
         else
             (edge == 2 ? align_table_cubic_c1 : align_table_cubic_c2)(roomy.data(), grid_w, grid_h, room,
                                                                       width, height, step_x, step_y);
+        for (int32_t k = 0; k < room * (grid_h + 2); ++k) {
+            const bool inside = k / room % (grid_h + 1) != 0 && k % room > 0 && k % room <= grid_w;
+            ASSERT_TRUE(inside || roomy[static_cast<size_t>(k)] == 0.0f) << "the caller's border";
+        }
         for (int32_t y = 0; y < grid_h + 2; ++y)
             std::copy_n(&roomy[static_cast<size_t>(y * room)], row, packed.data() + y * row);
         if (fill == 0)

@@ -68,6 +68,16 @@ TEST(Border, CubicQuadraticEdgeSumsDifferentlyAlongRowsAndColumns) {
     EXPECT_EQ(Bordered(20, 20, 10, 10, 2, 1, along_column).at(0, 2), 0x1.1a1174p+1);
 }
 
+TEST(Border, UnknownEdgeModesLeaveTheLastNodesAsMeasured) {
+    const auto bent = [](int32_t i, int32_t j) { return 1 + i * i * 0.5 + j * 0.25; };
+    for (const int32_t edge : {INT32_MIN, -1, 0, 4, 7}) {
+        Bordered b(16, 25, 10, 9, edge, 1, bent);
+        for (int32_t j = 0; j < b.grid_h; ++j)
+            for (int32_t i = 0; i < b.grid_w; ++i)
+                ASSERT_EQ(b.at(i, j), bent(i, j)) << edge;
+    }
+}
+
 TEST(Border, RefusesWhatTheStencilsCannotReach) {
     const struct {
         int32_t step_x, step_y, grid_w, grid_h, edge, fill, status;

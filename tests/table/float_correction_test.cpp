@@ -8,7 +8,7 @@
 #include "support/allocations.h"
 #include "support/guarded.h"
 #include "support/random.h"
-#include "table/float_correction.h"
+#include "table/float_correction_plain.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ void expect_equal_to_plain(Random& random, int32_t width, int32_t height, int32_
                                            spread == Spread::any ? Spread::any : Spread::high),
                             side);
     Guarded<uint16_t> plain(count, side), fast(count, side);
-    zerklsc::correct_plainly(
+    zerklsc::plain::bicubic_correction(
         {src.data(), plain.data(), width, height, table.data(), step_x, step_y, table_w});
     for (const char* level : {"base", "neon", "avx2", "avx512"})
         for (const size_t fail_at : {size_t{0}, AllocationScope::never}) {

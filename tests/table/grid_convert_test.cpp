@@ -1,5 +1,7 @@
 #include "zerklsc.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "support/allocations.h"
@@ -38,6 +40,20 @@ TEST(GridConvert, AnInclineComesOutTheSameAtEveryStepUpToTheHighestGain) {
         }
 }
 
+TEST(GridConvert, TheSourceMayLeaveItsRowsUncounted) {
+    Guarded<uint16_t> from(2000), to(2000);
+    lsc2d_grid src = inclined(from, 16, 25);
+    const lsc2d_grid dst = inclined(to, 30, 20);
+    ASSERT_EQ(lsc2d_grid_convert(&src, &dst, 207, 150), 0);
+    const std::vector<uint16_t> expected = to.copy();
+    for (const int32_t unset : {0, 1, INT32_MIN, INT32_MAX}) {
+        src.grid_h = unset;
+        std::fill(to.begin(), to.end(), uint16_t{0});
+        EXPECT_EQ(lsc2d_grid_convert(&src, &dst, 207, 150), 0) << unset;
+        EXPECT_TRUE(std::equal(dst.table, to.end(), expected.end() - (to.end() - dst.table))) << unset;
+    }
+}
+
 TEST(GridConvert, RefusalsAndFailedAllocationsLeaveTheDestination) {
     Guarded<uint16_t> from(2000), to(2000);
     lsc2d_grid src = inclined(from, 10, 10), dst = inclined(to, 10, 10);
@@ -45,10 +61,10 @@ TEST(GridConvert, RefusalsAndFailedAllocationsLeaveTheDestination) {
         lsc2d_grid* grid;
         int32_t lsc2d_grid::*field;
         int32_t value;
-    } cases[] = {{&src, &lsc2d_grid::step_x, 0},  {&src, &lsc2d_grid::step_y, -1},
-                 {&dst, &lsc2d_grid::step_x, 0},  {&dst, &lsc2d_grid::step_y, INT32_MIN},
-                 {&dst, &lsc2d_grid::grid_w, 2},  {&dst, &lsc2d_grid::grid_h, INT32_MIN},
-                 {&src, &lsc2d_grid::grid_w, 21}, {&src, &lsc2d_grid::grid_h, 15}};
+    } cases[] = {{&src, &lsc2d_grid::step_x, 0}, {&src, &lsc2d_grid::step_y, -1},
+                 {&dst, &lsc2d_grid::step_x, 0}, {&dst, &lsc2d_grid::step_y, INT32_MIN},
+                 {&dst, &lsc2d_grid::grid_w, 2}, {&dst, &lsc2d_grid::grid_h, INT32_MIN},
+                 {&src, &lsc2d_grid::grid_w, 21}};
     const std::vector<uint16_t> before = to.copy();
     for (const auto& c : cases) {
         const lsc2d_grid sound = *c.grid;

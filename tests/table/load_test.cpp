@@ -1,5 +1,8 @@
 #include "zerklsc.h"
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -22,7 +25,10 @@ TEST(LoadTable, ReadsWhatScanfReadsAndRepeatsTheLastValueAfterAFailure) {
                  {"65536 -65537 99999999999999999999999999999999", {0, 65535, 65535}},
                  {"none", {0, 0}},
                  {"5", {}}};
-    const std::string path = ::testing::TempDir() + "zerklsc_load_table.txt";
+    std::string path = ::testing::TempDir() + "zerklsc_load_table_XXXXXX";
+    const int descriptor = mkstemp(path.data());
+    ASSERT_NE(descriptor, -1);
+    close(descriptor);
     for (const auto& c : cases) {
         std::ofstream(path) << c.text;
         Guarded<uint16_t> table(c.values.size());

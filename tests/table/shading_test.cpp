@@ -54,13 +54,18 @@ TEST(Shading, ProductsOutsideSixteenBitsWrapAndAFactorThatIsNoNumberStoresZero) 
 }
 
 TEST(Shading, ExtremeSizesAreArithmeticOnly) {
-    uint16_t gain = 0;
-    float shown;
     for (const int32_t type : {0, 1, 2})
         for (const int32_t size : {0, INT32_MIN, INT32_MAX}) {
+            Guarded<uint16_t> gain(1);
+            Guarded<float> factor(1);
+            gain[0] = 0;
+            factor[0] = 7;
             const shading_t shading{type, INT32_MIN, 0};
-            apply_shading_table(&gain, size, 0, size, INT32_MAX, 1, 1, &shading);
-            calc_shading_table(&shown, size, 0, size, INT32_MIN, 1, 1, &shading);
+            apply_shading_table(gain.data(), size, 0, size, INT32_MAX, 1, 1, &shading);
+            EXPECT_EQ(gain[0], 0) << "no factor lifts a gain of 0";
+            EXPECT_EQ(calc_shading_table(factor.data(), size, 0, size, INT32_MIN, 1, 1, &shading), 0);
+            EXPECT_NE(factor[0], 7.0f) << "written";
+            EXPECT_TRUE(gain.intact() && factor.intact());
         }
 }
 

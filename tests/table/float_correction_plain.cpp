@@ -1,10 +1,11 @@
-// lsc2d_bicubic_correction() as it is stated.
+// lsc2d_bicubic_correction(), one table lookup per sample.
+#include "table/float_correction_plain.h"
+
 #include "frame/convert.h"
 #include "frame/gain.h"
-#include "table/float_correction.h"
 #include "table/lookup.h"
 
-namespace zerklsc {
+namespace zerklsc::plain {
 namespace {
 
 // The product keeps its low 16 bits: a bright sample under a high gain wraps.
@@ -15,7 +16,7 @@ uint16_t corrected(uint16_t sample, float gain) {
 
 } // namespace
 
-void correct_plainly(const FloatCorrection& job) {
+void bicubic_correction(const FloatCorrection& job) {
     const uint16_t* src = job.src;
     uint16_t* dst = job.dst;
     for (int32_t j = 0; j < job.height; ++j) {
@@ -25,4 +26,4 @@ void correct_plainly(const FloatCorrection& job) {
     }
 }
 
-} // namespace zerklsc
+} // namespace zerklsc::plain

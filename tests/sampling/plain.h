@@ -1,5 +1,5 @@
-// The samplers as their arithmetic is stated: a full mask, laid tap by tap over a plane. What the fast ones
-// must equal to the bit.
+// The samplers in their plain form: a full mask, laid tap by tap over a plane. The fast ones equal it to the
+// bit.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Calibration by sampling as its steps are stated, what lsc2d_calibration_orvel() must equal to the bit.
+// The plain form of lsc2d_calibration_orvel(), which equals it to the bit.
 #pragma once
 
 #include <cstdint>

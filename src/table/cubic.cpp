@@ -1,5 +1,5 @@
 // get_cubic_coef
-#include "table/kernel.h"
+#include "table/cubic.h"
 
 #include <cmath>
 
