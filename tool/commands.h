@@ -11,6 +11,7 @@ void add_simulate(Command app);
 void add_calibrate(Command app);
 void add_correct(Command app);
 void add_compare(Command app);
+void add_info(Command app);
 void add_measure(Command app);
 void add_preview(Command app);
 void add_resample(Command app);

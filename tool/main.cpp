@@ -34,6 +34,7 @@ void add_commands(Command program) {
     add_calibrate(program);
     add_correct(program);
     add_compare(program);
+    add_info(program);
     add_measure(program);
     add_preview(program);
     add_resample(program);

@@ -1,63 +1,99 @@
-// add_raw_options, read_raw, black_level_of
+// add_raw_options, read_raw_and_description, read_raw, black_level_of
 #include "commands/raw_options.h"
+
+#include <utility>
+
+#include <fmt/format.h>
 
 #include "failure.h"
 #include "io/black_level_text.h"
+#include "terminal.h"
 
 namespace zerklsc::tool {
 namespace {
 
 constexpr int largest_side = 65534;
 
-void check_black(const RawFrame& frame) {
-    for (const int level : *frame.black)
-        if (level >= frame.full_scale())
-            data_failure("{}: a black level of {} leaves no range below the full scale of {}: give the right "
-                         "--black-level or --bits",
-                         frame.name, level, frame.full_scale());
+std::optional<BayerPattern> pattern_from(const std::string& text) {
+    const auto pattern = bayer_pattern_from(text);
+    if (!pattern && !text.empty())
+        usage_failure("--pattern: {} is not known: expected RGGB, GRBG, GBRG or BGGR", text);
+    return pattern;
+}
+
+std::optional<BlackLevel> black_from(const std::string& text) {
+    const auto black = black_level_from(text);
+    if (!black && !text.empty())
+        usage_failure(
+            "--black-level: {} is not a level from 0 to 65535, nor four of them with commas between", text);
+    return black;
+}
+
+std::optional<Packing> packing_from(const std::string& text) {
+    if (text.empty())
+        return std::nullopt;
+    return text == "raw10" ? Packing::raw10 : text == "raw12" ? Packing::raw12 : Packing::words;
+}
+
+void add_headerless_options(Command command, RawOptions& options) {
+    RawHints& hints = options.hints;
+    command.option("--width", hints.width, "width of a headerless frame").range(1, largest_side);
+    command.option("--height", hints.height, "height of a headerless frame").range(1, largest_side);
+    command
+        .option("--packing", options.packing,
+                "words, raw10 or raw12: how a headerless frame is packed (from the extension, else words)")
+        .one_of({"words", "raw10", "raw12"});
+    command.option("--stride", hints.stride, "bytes from row to row of a headerless frame, padding included")
+        .range(1, 1 << 20);
+    command.option("--offset", hints.offset, "bytes before the first row of a headerless frame")
+        .range(0, 1 << 30);
+    command.option("--endian", options.endian, "byte order of headerless words: little or big")
+        .one_of({"little", "big"})
+        .show_default();
 }
 
 } // namespace
 
 void add_raw_options(Command command, RawOptions& options, const char* argument) {
-    command.option(argument, options.path, "raw frame: 16-bit PGM, or headerless 16-bit samples").required();
-    command.option("--width", options.hints.width, "width of a headerless frame").range(1, largest_side);
-    command.option("--height", options.hints.height, "height of a headerless frame").range(1, largest_side);
-    command.option("--endian", options.endian, "byte order of a headerless frame: little or big")
-        .one_of({"little", "big"})
-        .show_default();
+    command.option(argument, options.path, "raw frame: " + raw_format_names()).required();
+    add_headerless_options(command, options);
     command
         .option("--bits", options.hints.bits,
-                "bit depth of the samples (PGM: from its maxval; headerless: 10)")
-        .range(9, 16);
-    command.option("--pattern", options.pattern,
-                   "Bayer pattern: RGGB, GRBG, GBRG or BGGR (from the PGM comment)");
-    command.option(
-        "--black-level", options.black,
-        "black level of all planes, or four levels by plane as 64,64,65,64 (from the PGM comment)");
+                "bit depth of the samples (from the file; headerless words: 10)")
+        .range(8, 16);
+    command
+        .option("--align", options.alignment,
+                "right, or left where the samples fill the high bits of their words")
+        .one_of({"left", "right"})
+        .show_default();
+    command.option("--pattern", options.pattern, "Bayer pattern: RGGB, GRBG, GBRG or BGGR (from the file)");
+    command.option("--black-level", options.black,
+                   "black level of all planes, or four levels by plane as 64,64,65,64 (from the file)");
+    command
+        .option("--white-level", options.white,
+                "level at which samples are clipped (from the file, else full scale)")
+        .range(1, 65535);
+}
+
+RawReading read_raw_and_description(const RawOptions& options) {
+    RawHints hints = options.hints;
+    hints.big_endian = options.endian == "big";
+    hints.left_aligned = options.alignment == "left";
+    hints.packing = packing_from(options.packing);
+    hints.pattern = pattern_from(options.pattern);
+    hints.black = black_from(options.black);
+    if (options.white != 0)
+        hints.white = options.white;
+    if ((hints.width == 0) != (hints.height == 0))
+        usage_failure("--width and --height: only one of them was given: a headerless frame needs both");
+    return read_raw_frame(options.path, hints);
 }
 
 RawFrame read_raw(const RawOptions& options) {
-    RawHints hints = options.hints;
-    hints.big_endian = options.endian == "big";
-    if ((hints.width == 0) != (hints.height == 0))
-        usage_failure("--width and --height: only one of them was given: a headerless frame needs both");
-    RawFrame frame = read_raw_frame(options.path, hints);
-    if (!options.pattern.empty()) {
-        frame.pattern = bayer_pattern_from(options.pattern);
-        if (!frame.pattern)
-            usage_failure("--pattern: {} is not known: expected RGGB, GRBG, GBRG or BGGR", options.pattern);
-    }
-    if (!options.black.empty()) {
-        frame.black = black_level_from(options.black);
-        if (!frame.black)
-            usage_failure(
-                "--black-level: {} is not a level from 0 to 65535, nor four of them with commas between",
-                options.black);
-    }
-    if (frame.black)
-        check_black(frame);
-    return frame;
+    RawReading reading = read_raw_and_description(options);
+    for (const std::string& remark : overridden(reading))
+        warn(fmt::format("{}: options override what the file says: {}", options.path, remark));
+    return std::move(reading.frame);
 }
 
 BlackLevel black_level_of(const RawFrame& frame, const BlackLevel& otherwise) {

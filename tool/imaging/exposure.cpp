@@ -51,7 +51,7 @@ void check_exposure(const RawFrame& frame, BayerPattern pattern, const BlackLeve
         const PlaneLevels levels = measure_plane(light, plane, blocks);
         check_dark_corners(frame, colour, levels);
         brightest =
-            std::max(brightest, levels.centre() / (frame.full_scale() - black[static_cast<size_t>(plane)]));
+            std::max(brightest, levels.centre() / (frame.white_level() - black[static_cast<size_t>(plane)]));
     }
     if (brightest < dark_centre)
         warn(fmt::format(

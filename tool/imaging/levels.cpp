@@ -75,7 +75,7 @@ double clipped_fraction(const RawFrame& frame, int plane) {
     int64_t clipped = 0;
     for (int y = plane >> 1; y < frame.height; y += 2)
         for (int x = plane & 1; x < frame.width; x += 2)
-            clipped += frame.at(x, y) >= frame.full_scale() ? 1 : 0;
+            clipped += frame.at(x, y) >= frame.white_level() ? 1 : 0;
     return static_cast<double>(clipped) / (double(frame.width / 2) * double(frame.height / 2));
 }
 

@@ -1,4 +1,4 @@
-// text_of, subtract_black, add_black, scale_to_10_bits
+// largest_sample, text_of, subtract_black, add_black, scale_to_10_bits
 #include "imaging/raw_frame.h"
 
 #include <algorithm>
@@ -22,6 +22,13 @@ void transform_samples(RawFrame& frame, F f) {
 
 } // namespace
 
+int largest_sample(const RawFrame& frame) {
+    uint16_t largest = 0;
+    for (const uint16_t sample : frame.samples)
+        largest = std::max(largest, sample);
+    return largest;
+}
+
 std::string text_of(const BlackLevel& black) {
     const bool equal = std::ranges::all_of(black, [&](int b) { return b == black[0]; });
     return equal ? fmt::format("{}", black[0]) : fmt::format("{}", fmt::join(black, ","));
@@ -30,12 +37,16 @@ std::string text_of(const BlackLevel& black) {
 void subtract_black(RawFrame& frame, const BlackLevel& black) {
     transform_samples(frame, [&](int v, size_t plane) { return std::max(v - black[plane], 0); });
     frame.black = BlackLevel{};
+    if (frame.white)
+        *frame.white = std::max(*frame.white - std::ranges::max(black), 1);
 }
 
 void add_black(RawFrame& frame, const BlackLevel& black) {
     const int top = frame.full_scale();
     transform_samples(frame, [&](int v, size_t plane) { return std::min(v + black[plane], top); });
     frame.black = black;
+    if (frame.white)
+        *frame.white = std::min(*frame.white + std::ranges::max(black), top);
 }
 
 void scale_to_10_bits(RawFrame& frame) {
@@ -47,6 +58,8 @@ void scale_to_10_bits(RawFrame& frame) {
         if (frame.black)
             for (int& b : *frame.black)
                 b = (b + half) >> shift;
+        if (frame.white)
+            *frame.white = std::min((*frame.white + half) >> shift, (1 << isp_bits) - 1);
     }
     frame.bits = isp_bits;
 }

@@ -15,17 +15,27 @@ namespace zerklsc::tool {
 // Black levels by plane number, at the frame's own bit depth.
 using BlackLevel = std::array<int, 4>;
 
-struct RawFrame {
-    std::string name; // the path as the user wrote it, for messages
-    int width = 0;    // even, at most 65534
+// Everything about a frame but its samples.
+struct RawDescription {
+    std::string name;   // the path as the user wrote it, for messages
+    std::string format; // of the file, for people
+    int width = 0;      // even, at most 65534
     int height = 0;
-    int bits = 0; // samples are 0 .. 2^bits - 1
+    int bits = 0;      // samples are 0 .. 2^bits - 1
+    int word_bits = 0; // of the words that the file stores them in
     std::optional<BayerPattern> pattern;
     std::optional<BlackLevel> black;
-    bool big_endian = false; // of a headerless file, so that it can be written as it was read
-    std::vector<uint16_t> samples;
+    std::optional<int> white; // the level at which a sample is clipped, where it is not full scale
+    bool big_endian = false;  // of a headerless file, so that it can be written as it was read
+    std::string camera, lens; // as the file names them
 
     int full_scale() const { return (1 << bits) - 1; }
+    int white_level() const { return white.value_or(full_scale()); }
+};
+
+struct RawFrame : RawDescription {
+    std::vector<uint16_t> samples;
+
     uint16_t& at(int x, int y) { return samples[index(x, y)]; }
     uint16_t at(int x, int y) const { return samples[index(x, y)]; }
 
@@ -39,10 +49,13 @@ constexpr int plane_of_pixel(int x, int y) {
     return (x & 1) + 2 * (y & 1);
 }
 
+int largest_sample(const RawFrame& frame);
+
 // "64", or "64,65,64,63" where the planes differ.
 std::string text_of(const BlackLevel& black);
 
-// Takes the black level off every sample; samples below it become 0. The frame's level is then 0.
+// Takes the black level off every sample; samples below it become 0. The frame's level is then 0, and its
+// white level that much lower.
 void subtract_black(RawFrame& frame, const BlackLevel& black);
 
 // Puts it back, limited to full scale.

@@ -1,52 +1,40 @@
-// headerless_format: 16-bit samples, row by row, and nothing else.
+// headerless_format: samples in 16-bit words, row by row, and nothing that says how many.
+#include <fmt/format.h>
+
 #include "failure.h"
+#include "io/fitting_sizes.h"
 #include "io/raw_format.h"
+#include "io/sample_rows.h"
 
 namespace zerklsc::tool {
 namespace {
 
-constexpr int usual_bits = 10;
-
-bool recognises_headerless(const std::string&, const std::string&, const RawHints& hints) {
+bool recognises_headerless(const InputFile&, const RawHints& hints) {
     return hints.width != 0 && hints.height != 0;
 }
 
-RawFrame read_headerless(const std::string& path, const std::string& bytes, const RawHints& hints) {
-    const size_t count = static_cast<size_t>(hints.width) * static_cast<size_t>(hints.height);
-    if (bytes.size() != 2 * count)
-        data_failure(
-            "{}: holds {} bytes, but {} x {} samples of 16 bits are {}: give the right --width and --height",
-            path, bytes.size(), hints.width, hints.height, 2 * count);
+RawFrame read_headerless(InputFile& file, const RawHints& hints) {
+    const RowLayout layout = headerless_layout(file, hints, Packing::words);
     RawFrame frame;
+    frame.format = fmt::format("headerless 16-bit words, {} endian", hints.big_endian ? "big" : "little");
     frame.width = hints.width;
     frame.height = hints.height;
     frame.bits = hints.bits != 0 ? hints.bits : usual_bits;
+    frame.word_bits = 16;
     frame.big_endian = hints.big_endian;
-    frame.samples.resize(count);
-    for (size_t i = 0; i < count; ++i) {
-        const unsigned first = static_cast<unsigned char>(bytes[2 * i]);
-        const unsigned second = static_cast<unsigned char>(bytes[2 * i + 1]);
-        frame.samples[i] =
-            static_cast<uint16_t>(hints.big_endian ? first << 8 | second : second << 8 | first);
-    }
+    frame.samples = read_word_rows(file, layout, hints.big_endian);
     return frame;
 }
 
 std::string write_headerless(const RawFrame& frame) {
     std::string bytes;
-    bytes.reserve(2 * frame.samples.size());
-    for (const uint16_t sample : frame.samples) {
-        const auto high = static_cast<char>(sample >> 8);
-        const auto low = static_cast<char>(sample & 0xFF);
-        bytes += frame.big_endian ? high : low;
-        bytes += frame.big_endian ? low : high;
-    }
+    append_words(bytes, frame.samples, frame.big_endian);
     return bytes;
 }
 
 } // namespace
 
-const RawFormat headerless_format{"headerless", ".raw", recognises_headerless, read_headerless,
+const RawFormat headerless_format{"headerless 16-bit words", ".raw", recognises_headerless, read_headerless,
                                   write_headerless};
 
 } // namespace zerklsc::tool

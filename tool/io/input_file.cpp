@@ -1,39 +1,125 @@
-// read_file, extension_of
+// InputFile, read_file, extension_of
 #include "io/input_file.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "failure.h"
 
 namespace zerklsc::tool {
 namespace {
 
-struct CloseFile {
-    void operator()(std::FILE* f) const { std::fclose(f); }
-};
-
-[[noreturn]] void cannot_read(const std::string& path) {
-    system_failure("{}: cannot be read: {}", path, std::strerror(errno));
-}
+constexpr size_t head_size = size_t{1} << 16;
 
 } // namespace
 
-std::string read_file(const std::string& path) {
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
-    if (!file)
-        cannot_read(path);
-    std::string bytes;
-    std::string chunk(1 << 16, '\0');
-    while (const size_t got = std::fread(chunk.data(), 1, chunk.size(), file.get()))
-        bytes.append(chunk, 0, got);
-    if (std::ferror(file.get()) != 0)
-        cannot_read(path);
+InputFile::InputFile(const std::string& path) : path_(path == "-" ? "standard input" : path) {
+    descriptor_ = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status {};
+    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0)
+        cannot_read();
+    // Files that the kernel makes up say that they are empty.
+    seekable_ = S_ISREG(status.st_mode) && status.st_size > 0;
+    if (seekable_)
+        size_ = static_cast<uint64_t>(status.st_size);
+    head_.resize(size_ ? static_cast<size_t>(std::min<uint64_t>(*size_, head_size)) : head_size);
+    const auto bytes = std::as_writable_bytes(std::span(head_));
+    const size_t got = seekable_ ? read_some(0, bytes) : read_forward(bytes);
+    if (!seekable_ && got < head_size)
+        size_ = got;
+    head_.resize(got);
+}
+
+InputFile::~InputFile() {
+    if (descriptor_ >= 0)
+        close(descriptor_);
+}
+
+void InputFile::cannot_read() const {
+    system_failure("{}: cannot be read: {}", path_, std::strerror(errno));
+}
+
+size_t InputFile::read_forward(std::span<std::byte> to) {
+    size_t done = 0;
+    while (done < to.size()) {
+        const ssize_t got = ::read(descriptor_, to.data() + done, to.size() - done);
+        if (got < 0 && errno != EINTR)
+            cannot_read();
+        if (got == 0)
+            break;
+        done += got > 0 ? static_cast<size_t>(got) : 0;
+    }
+    position_ += done;
+    return done;
+}
+
+size_t InputFile::read_some(uint64_t offset, std::span<std::byte> to) {
+    size_t done = 0;
+    if (seekable_) {
+        while (done < to.size()) {
+            const ssize_t got =
+                pread(descriptor_, to.data() + done, to.size() - done, static_cast<off_t>(offset + done));
+            if (got < 0 && errno != EINTR)
+                cannot_read();
+            if (got == 0)
+                break;
+            done += got > 0 ? static_cast<size_t>(got) : 0;
+        }
+        return done;
+    }
+    if (offset < head_.size()) {
+        done = std::min(to.size(), head_.size() - static_cast<size_t>(offset));
+        std::memcpy(to.data(), head_.data() + offset, done);
+    }
+    std::array<std::byte, 4096> skipped;
+    while (done < to.size() && position_ < offset + done) {
+        const auto wanted = std::min<uint64_t>(skipped.size(), offset + done - position_);
+        if (read_forward(std::span(skipped).first(static_cast<size_t>(wanted))) < wanted)
+            return done;
+    }
+    return done + read_forward(to.subspan(done));
+}
+
+void InputFile::read(uint64_t offset, std::span<std::byte> to) {
+    const size_t got = read_some(offset, to);
+    if (got < to.size())
+        data_failure("{}: ends after {} bytes, but {} are needed: the file is truncated", path_, offset + got,
+                     offset + to.size());
+}
+
+void InputFile::expect_end(uint64_t offset) {
+    std::byte next{};
+    if (read_some(offset, std::span(&next, 1)) != 0)
+        data_failure("{}: goes on after the {} bytes that are needed: it is longer than one frame", path_,
+                     offset);
+}
+
+std::string read_file(const std::string& path, uint64_t limit) {
+    InputFile file(path);
+    const auto check = [&](uint64_t size) {
+        if (size > limit)
+            data_failure("{}: holds more than {} bytes, the most that is read: it is not a file of this kind",
+                         path, limit);
+    };
+    std::string bytes(file.head());
+    check(file.size().value_or(bytes.size()));
+    for (bool ended = file.size() == bytes.size(); !ended;) {
+        const size_t done = bytes.size();
+        const uint64_t wanted = file.size() ? *file.size() - done : done;
+        bytes.resize(done + static_cast<size_t>(wanted));
+        const size_t got = file.read_some(done, std::as_writable_bytes(std::span(bytes).subspan(done)));
+        bytes.resize(done + got);
+        check(bytes.size());
+        ended = file.size().has_value() || got < wanted;
+    }
     return bytes;
 }
 

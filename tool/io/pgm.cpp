@@ -1,9 +1,9 @@
-// pgm_format: binary PGM (P5) of 16-bit samples, most significant byte first.
+// pgm_format: binary PGM (P5) of bytes, or of 16-bit samples with the most significant byte first.
 //
-// A comment line "# zerklsc pattern=RGGB black=64 bits=10" in the header says what PGM has no field for.
+// A comment line "# zerklsc pattern=RGGB black=64 bits=10 white=1000" in the header says what PGM has no
+// field for.
 #include <algorithm>
 #include <bit>
-#include <cctype>
 #include <charconv>
 #include <optional>
 #include <sstream>
@@ -12,8 +12,8 @@
 
 #include "failure.h"
 #include "io/black_level_text.h"
-#include "io/input_file.h"
 #include "io/raw_format.h"
+#include "io/sample_rows.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -26,81 +26,104 @@ struct Header {
     size_t size = 0;      // bytes before the first sample
 };
 
+// Takes the header apart from its front; what is left never reaches beyond the bytes that are there.
 class HeaderParser {
   public:
-    HeaderParser(const std::string& path, const std::string& bytes) : path_(path), bytes_(bytes) {}
+    explicit HeaderParser(const InputFile& file) : path_(file.path()), left_(file.head()) {}
 
     Header parse() {
-        position_ = 2;
+        const size_t size = left_.size();
+        left_.remove_prefix(2);
         header_.width = number("width", 1, largest_side);
         header_.height = number("height", 1, largest_side);
         header_.maxval = number("maxval", 1, 65535);
         // Exactly one white-space character stands between the maxval and the samples.
-        header_.size = position_ + 1;
+        if (left_.empty() || !is_space(left_.front()))
+            data_failure("{}: the PGM header does not end after its maxval: write the file again", path_);
+        header_.size = size - left_.size() + 1;
         return header_;
     }
 
   private:
+    static bool is_space(char c) { return std::string_view(" \t\n\v\f\r").find(c) != std::string_view::npos; }
+
     void skip_space_and_comments() {
-        for (; position_ < bytes_.size(); ++position_) {
-            if (bytes_[position_] == '#') {
-                const size_t end = std::min(bytes_.find('\n', position_), bytes_.size());
-                header_.comments += bytes_.substr(position_ + 1, end - position_ - 1) + '\n';
-                position_ = end;
-            } else if (std::isspace(static_cast<unsigned char>(bytes_[position_])) == 0) {
-                return;
+        while (!left_.empty() && (is_space(left_.front()) || left_.front() == '#')) {
+            size_t length = 1;
+            if (left_.front() == '#') {
+                length = std::min(left_.find('\n'), left_.size());
+                header_.comments += left_.substr(1, length - 1);
+                header_.comments += '\n';
             }
+            left_.remove_prefix(length);
         }
     }
 
     int number(const char* field, int lowest, int highest) {
         skip_space_and_comments();
         int value = 0;
-        const char* const begin = bytes_.data() + position_;
-        const auto [end, error] = std::from_chars(begin, bytes_.data() + bytes_.size(), value);
+        const auto [end, error] = std::from_chars(left_.data(), left_.data() + left_.size(), value);
         if (error != std::errc{} || value < lowest || value > highest)
             data_failure("{}: the {} in the PGM header is not a number from {} to {}: write the file again",
                          path_, field, lowest, highest);
-        position_ += static_cast<size_t>(end - begin);
+        left_.remove_prefix(static_cast<size_t>(end - left_.data()));
         return value;
     }
 
     const std::string& path_;
-    const std::string& bytes_;
-    size_t position_ = 0;
+    std::string_view left_;
     Header header_;
 };
 
-bool recognises_pgm(const std::string& path, const std::string& bytes, const RawHints& hints) {
-    return extension_of(path) == ".pgm" || (bytes.starts_with("P5") && hints.width == 0);
+bool recognises_pgm(const InputFile& file, const RawHints& hints) {
+    return extension_of(file.path()) == ".pgm" || (file.head().starts_with("P5") && hints.width == 0);
 }
 
-[[noreturn]] void bad_remark(const std::string& path, const std::string& word) {
-    data_failure(
-        "{}: \"{}\" in the comment of the PGM header is not understood: expected pattern=RGGB, GRBG, GBRG or "
-        "BGGR, black=LEVEL or black=L0,L1,L2,L3, and bits=9 to 16",
-        path, word);
+// What the comments say.
+struct Remarks {
+    std::optional<BayerPattern> pattern;
+    std::optional<BlackLevel> black;
+    std::optional<int> bits, white;
+};
+
+std::optional<int> number_from(const std::string& text, int lowest, int highest) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end != text.data() + text.size() || value < lowest || value > highest)
+        return std::nullopt;
+    return value;
 }
 
-// One word of the comment. Words of other names are left to whoever wrote them.
-void apply_remark(RawFrame& frame, const std::string& path, const std::string& word) {
+// Stores what a word of the comments says; it may be said again, but not differently.
+template <class T>
+void set_remark(std::optional<T>& remark, const std::optional<T>& value, const std::string& path,
+                const std::string& word) {
+    if (!value)
+        data_failure(
+            "{}: \"{}\" in the comment of the PGM header is not understood: expected pattern=RGGB, GRBG, "
+            "GBRG or BGGR, black=LEVEL or black=L0,L1,L2,L3, bits=8 to 16, and white=LEVEL",
+            path, word);
+    if (remark && *remark != *value)
+        data_failure("{}: \"{}\" in the comment of the PGM header contradicts what stands before it", path,
+                     word);
+    remark = value;
+}
+
+// Words of other names are left to whoever wrote them.
+void read_remark(Remarks& remarks, const std::string& path, const std::string& word) {
     const std::string value = word.substr(std::min(word.find('=') + 1, word.size()));
-    if (word.starts_with("pattern=")) {
-        frame.pattern = bayer_pattern_from(value);
-        if (!frame.pattern)
-            bad_remark(path, word);
-    } else if (word.starts_with("black=")) {
-        frame.black = black_level_from(value);
-        if (!frame.black)
-            bad_remark(path, word);
-    } else if (word.starts_with("bits=")) {
-        const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), frame.bits);
-        if (error != std::errc{} || end != value.data() + value.size() || frame.bits < 9 || frame.bits > 16)
-            bad_remark(path, word);
-    }
+    if (word.starts_with("pattern="))
+        set_remark(remarks.pattern, bayer_pattern_from(value), path, word);
+    else if (word.starts_with("black="))
+        set_remark(remarks.black, black_level_from(value), path, word);
+    else if (word.starts_with("bits="))
+        set_remark(remarks.bits, number_from(value, 8, 16), path, word);
+    else if (word.starts_with("white="))
+        set_remark(remarks.white, number_from(value, 1, 65535), path, word);
 }
 
-void apply_comments(RawFrame& frame, const std::string& path, const std::string& comments) {
+Remarks read_remarks(const std::string& path, const std::string& comments) {
+    Remarks remarks;
     std::istringstream lines(comments);
     for (std::string line; std::getline(lines, line);) {
         std::istringstream words(line);
@@ -108,47 +131,70 @@ void apply_comments(RawFrame& frame, const std::string& path, const std::string&
         if (!(words >> word) || word != "zerklsc")
             continue;
         while (words >> word)
-            apply_remark(frame, path, word);
+            read_remark(remarks, path, word);
     }
+    return remarks;
 }
 
-void read_samples(RawFrame& frame, const std::string& bytes, size_t at) {
-    for (uint16_t& sample : frame.samples) {
-        const unsigned high = static_cast<unsigned char>(bytes[at]);
-        const unsigned low = static_cast<unsigned char>(bytes[at + 1]);
-        sample = static_cast<uint16_t>(high << 8 | low);
-        at += 2;
-    }
+// Everything but the samples.
+RawFrame describe(const std::string& path, const Header& header, const RawHints& hints) {
+    const Remarks remarks = read_remarks(path, header.comments);
+    RawFrame frame;
+    frame.format = fmt::format("{}-bit PGM, maxval {}", header.maxval < 256 ? 8 : 16, header.maxval);
+    frame.width = header.width;
+    frame.height = header.height;
+    frame.word_bits = std::max<int>(8, std::bit_width(static_cast<unsigned>(header.maxval)));
+    frame.bits = remarks.bits.value_or(frame.word_bits);
+    frame.pattern = remarks.pattern;
+    frame.black = remarks.black;
+    frame.white = remarks.white;
+    if (!frame.white && header.maxval != frame.full_scale() && frame.bits == frame.word_bits)
+        frame.white = header.maxval;
+    if (frame.bits != frame.word_bits && hints.bits == 0 && !hints.left_aligned)
+        data_failure("{}: contradicts itself: its comment says {} bits, and its maxval of {} says {}: give "
+                     "the right --bits, or --align left",
+                     path, frame.bits, header.maxval, frame.word_bits);
+    if (frame.white_level() > header.maxval && !hints.white)
+        data_failure("{}: contradicts itself: its comment says a white level of {}, above its maxval of {}: "
+                     "give the right --white-level",
+                     path, frame.white_level(), header.maxval);
+    return frame;
 }
 
-RawFrame read_pgm(const std::string& path, const std::string& bytes, const RawHints& hints) {
-    if (!bytes.starts_with("P5"))
+void widen_bytes(const uint8_t* row, uint16_t* samples, size_t width) {
+    std::copy_n(row, width, samples);
+}
+
+void check_maxval(const RawFrame& frame, const std::string& path, int maxval) {
+    // A maxval of all ones bounds what the bit depth bounds.
+    if (std::has_single_bit(static_cast<unsigned>(maxval) + 1))
+        return;
+    const int largest = largest_sample(frame);
+    if (largest > maxval)
+        data_failure("{}: contradicts itself: it holds a sample of {}, above its maxval of {}", path, largest,
+                     maxval);
+}
+
+RawFrame read_pgm(InputFile& file, const RawHints& hints) {
+    const std::string& path = file.path();
+    if (!file.head().starts_with("P5"))
         data_failure("{}: is not a binary PGM: it does not begin with P5", path);
-    const Header header = HeaderParser(path, bytes).parse();
+    const Header header = HeaderParser(file).parse();
     if ((hints.width != 0 && hints.width != header.width)
         || (hints.height != 0 && hints.height != header.height))
         data_failure("{}: is {} x {} samples, not {} x {}: leave --width and --height away for a PGM", path,
                      header.width, header.height, hints.width, hints.height);
-    if (header.maxval < 256)
-        data_failure(
-            "{}: is an 8-bit PGM (maxval {}): a raw frame needs 16-bit samples (maxval 256 to 65535)", path,
-            header.maxval);
-    const size_t count = static_cast<size_t>(header.width) * static_cast<size_t>(header.height);
-    const size_t found = bytes.size() > header.size ? bytes.size() - header.size : 0;
-    if (found != 2 * count)
-        data_failure("{}: holds {} bytes of samples, but {} x {} of 16 bits are {}: the file is {}", path,
-                     found, header.width, header.height, 2 * count,
-                     found < 2 * count ? "truncated" : "longer than one frame");
-
-    RawFrame frame;
-    frame.width = header.width;
-    frame.height = header.height;
-    frame.bits = static_cast<int>(std::bit_width(static_cast<unsigned>(header.maxval)));
-    apply_comments(frame, path, header.comments);
-    if (hints.bits != 0)
-        frame.bits = hints.bits;
-    frame.samples.resize(count);
-    read_samples(frame, bytes, header.size);
+    RawFrame frame = describe(path, header, hints);
+    const uint64_t row_bytes = (header.maxval < 256 ? 1 : 2) * static_cast<uint64_t>(header.width);
+    const RowLayout layout{header.width, header.height, row_bytes, row_bytes, header.size};
+    if (!layout.fits(file.size()))
+        data_failure("{}: holds {} bytes of samples, but {} x {} of {} bits are {}: the file is {}", path,
+                     *file.size() - std::min<uint64_t>(*file.size(), header.size), header.width,
+                     header.height, header.maxval < 256 ? 8 : 16, layout.longest_end() - header.size,
+                     *file.size() < layout.longest_end() ? "truncated" : "longer than one frame");
+    frame.samples =
+        header.maxval < 256 ? read_rows(file, layout, widen_bytes) : read_word_rows(file, layout, true);
+    check_maxval(frame, path, header.maxval);
     return frame;
 }
 
@@ -158,13 +204,14 @@ std::string write_pgm(const RawFrame& frame) {
         remarks += fmt::format(" pattern={}", name_of(*frame.pattern));
     if (frame.black)
         remarks += fmt::format(" black={}", text_of(*frame.black));
+    if (frame.white && frame.white != frame.full_scale())
+        remarks += fmt::format(" white={}", *frame.white);
     std::string bytes = fmt::format("P5\n# zerklsc{} bits={}\n{} {}\n{}\n", remarks, frame.bits, frame.width,
                                     frame.height, frame.full_scale());
-    bytes.reserve(bytes.size() + 2 * frame.samples.size());
-    for (const uint16_t sample : frame.samples) {
-        bytes += static_cast<char>(sample >> 8);
-        bytes += static_cast<char>(sample & 0xFF);
-    }
+    if (frame.full_scale() < 256)
+        bytes.insert(bytes.end(), frame.samples.begin(), frame.samples.end());
+    else
+        append_words(bytes, frame.samples, true);
     return bytes;
 }
 

@@ -2,11 +2,17 @@
 // io/raw_formats.cpp.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "imaging/raw_frame.h"
+#include "io/input_file.h"
 
 namespace zerklsc::tool {
+
+// How the samples of a file without a header are stored.
+enum class Packing { words, raw10, raw12 };
 
 // What the user says about a raw file on the command line; 0 and empty where nothing is said.
 struct RawHints {
@@ -14,6 +20,13 @@ struct RawHints {
     int height = 0;
     int bits = 0;
     bool big_endian = false;
+    bool left_aligned = false; // samples fill the high bits of their words
+    std::optional<Packing> packing;
+    int stride = 0; // bytes from row to row
+    int offset = 0; // bytes before the first row
+    std::optional<BayerPattern> pattern;
+    std::optional<BlackLevel> black;
+    std::optional<int> white;
 };
 
 struct RawFormat {
@@ -21,25 +34,36 @@ struct RawFormat {
     const char* extension; // of the files that are written in it, with its dot
 
     // Whether the file is of this format, by its first bytes, its extension and the hints.
-    bool (*recognises)(const std::string& path, const std::string& bytes, const RawHints& hints);
+    bool (*recognises)(const InputFile& file, const RawHints& hints);
 
-    // Fills the frame except its name; throws a data failure that begins with `path`.
-    RawFrame (*read)(const std::string& path, const std::string& bytes, const RawHints& hints);
+    // Fills the frame with what the file says, except its name; throws a failure that begins with the path.
+    RawFrame (*read)(InputFile& file, const RawHints& hints);
 
     // The bytes of a file; null where the format is only read.
     std::string (*write)(const RawFrame& frame);
 };
 
 extern const RawFormat pgm_format;
+extern const RawFormat mipi_raw10_format;
+extern const RawFormat mipi_raw12_format;
 extern const RawFormat headerless_format;
 
-// The formats in words: "PGM, headerless".
-std::string raw_format_names();
+// A frame, and what the file itself says about it: the hints override that in the frame.
+struct RawReading {
+    RawFrame frame;
+    RawDescription said;
+};
 
 // Reads a frame of any format. It has an even size, and no sample above its full scale.
-RawFrame read_raw_frame(const std::string& path, const RawHints& hints);
+RawReading read_raw_frame(const std::string& path, const RawHints& hints);
+
+// What the file says and the frame does not keep to, as "bit depth 10 (12 is taken)".
+std::vector<std::string> overridden(const RawReading& reading);
 
 // The bytes of a file called `path`: the format that its extension names, else that of `like`.
 std::string encode_raw_frame(const std::string& path, const RawFrame& frame, const std::string& like);
+
+// The names of the formats that are in, as "PGM, MIPI RAW10".
+std::string raw_format_names();
 
 } // namespace zerklsc::tool

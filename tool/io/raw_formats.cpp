@@ -1,25 +1,27 @@
-// raw_format_names, read_raw_frame, encode_raw_frame
+// read_raw_frame, overridden, encode_raw_frame, raw_format_names
 #include <algorithm>
 #include <array>
 
+#include <fmt/format.h>
+
 #include "failure.h"
-#include "io/input_file.h"
+#include "io/fitting_sizes.h"
 #include "io/raw_format.h"
 
 namespace zerklsc::tool {
 namespace {
 
 // In the order in which they are asked; headerless takes whatever comes with a size.
-constexpr std::array formats{&pgm_format, &headerless_format};
+constexpr std::array formats{&pgm_format, &mipi_raw10_format, &mipi_raw12_format, &headerless_format};
 
-const RawFormat& format_of(const std::string& path, const std::string& bytes, const RawHints& hints) {
+const RawFormat& format_of(const InputFile& file, const RawHints& hints) {
     for (const RawFormat* format : formats)
-        if (format->recognises(path, bytes, hints))
+        if (format->recognises(file, hints))
             return *format;
+    const std::string sizes = file.size() ? fitting_sizes(*file.size(), hints) : "";
     data_failure(
-        "{}: not a raw format known here: expected a 16-bit PGM (P5), or a headerless 16-bit file with "
-        "--width and --height",
-        path);
+        "{}: not a raw format known here: expected {}; what has no header needs --width and --height{}",
+        file.path(), raw_format_names(), sizes.empty() ? "" : ", sizes that would fit: " + sizes);
 }
 
 const RawFormat* format_by_extension(const std::string& path) {
@@ -30,33 +32,84 @@ const RawFormat* format_by_extension(const std::string& path) {
     return nullptr;
 }
 
+// What the user says about the depth; moves samples that fill the high bits of their words down.
+void override_depth(RawFrame& frame, const RawHints& hints) {
+    if (hints.bits != 0 && hints.bits != frame.bits) {
+        frame.bits = hints.bits;
+        frame.white.reset();
+    }
+    const int shift = frame.word_bits - frame.bits;
+    if (!hints.left_aligned || shift <= 0)
+        return;
+    for (uint16_t& sample : frame.samples)
+        sample = static_cast<uint16_t>(sample >> shift);
+}
+
+void override_levels(RawFrame& frame, const RawHints& hints) {
+    if (hints.pattern)
+        frame.pattern = hints.pattern;
+    if (hints.black)
+        frame.black = hints.black;
+    if (hints.white)
+        frame.white = hints.white;
+}
+
+void check_levels(const RawFrame& frame) {
+    if (frame.white && *frame.white > frame.full_scale())
+        data_failure("{}: a white level of {} is above the full scale of {}: give the right --white-level or "
+                     "--bits",
+                     frame.name, *frame.white, frame.full_scale());
+    if (!frame.black)
+        return;
+    for (const int level : *frame.black)
+        if (level >= frame.white_level())
+            data_failure("{}: a black level of {} leaves no range below the {} of {}: give the right "
+                         "--black-level or --bits",
+                         frame.name, level, frame.white ? "white level" : "full scale", frame.white_level());
+}
+
 void check_frame(const RawFrame& frame) {
     if (frame.width % 2 != 0 || frame.height % 2 != 0)
         data_failure("{}: {} x {} samples are not whole 2 x 2 Bayer cells: crop the frame to an even size",
                      frame.name, frame.width, frame.height);
-    const int largest = *std::ranges::max_element(frame.samples);
+    const int largest = largest_sample(frame);
     if (largest > frame.full_scale())
         data_failure(
-            "{}: holds a sample of {}, but {}-bit samples end at {}: give the right --bits (or --endian)",
+            "{}: holds a sample of {}, but {}-bit samples end at {}: give the right --bits, --endian "
+            "or --align",
             frame.name, largest, frame.bits, frame.full_scale());
+    check_levels(frame);
 }
 
 } // namespace
 
-std::string raw_format_names() {
-    std::string names;
-    for (const RawFormat* format : formats)
-        names += std::string(names.empty() ? "" : ", ") + format->name
-                 + (format->write == nullptr ? " (read only)" : "");
-    return names;
+RawReading read_raw_frame(const std::string& path, const RawHints& hints) {
+    InputFile file(path);
+    RawReading reading{format_of(file, hints).read(file, hints), {}};
+    RawFrame& frame = reading.frame;
+    frame.name = file.path();
+    reading.said = frame;
+    override_depth(frame, hints);
+    override_levels(frame, hints);
+    check_frame(frame);
+    return reading;
 }
 
-RawFrame read_raw_frame(const std::string& path, const RawHints& hints) {
-    const std::string bytes = read_file(path);
-    RawFrame frame = format_of(path, bytes, hints).read(path, bytes, hints);
-    frame.name = path;
-    check_frame(frame);
-    return frame;
+std::vector<std::string> overridden(const RawReading& reading) {
+    const auto& [frame, said] = reading;
+    std::vector<std::string> remarks;
+    const auto remark = [&](const char* what, const auto& its, const auto& taken) {
+        if (its != taken)
+            remarks.push_back(fmt::format("{} {} ({} is taken)", what, its, taken));
+    };
+    remark("bit depth", said.bits, frame.bits);
+    if (said.pattern)
+        remark("Bayer pattern", std::string(name_of(*said.pattern)), std::string(name_of(*frame.pattern)));
+    if (said.black)
+        remark("black level", text_of(*said.black), text_of(*frame.black));
+    if (said.white && said.bits == frame.bits)
+        remark("white level", *said.white, frame.white_level());
+    return remarks;
 }
 
 std::string encode_raw_frame(const std::string& path, const RawFrame& frame, const std::string& like) {
@@ -66,6 +119,13 @@ std::string encode_raw_frame(const std::string& path, const RawFrame& frame, con
     if (format == nullptr)
         format = &headerless_format;
     return format->write(frame);
+}
+
+std::string raw_format_names() {
+    std::string names;
+    for (const RawFormat* format : formats)
+        names += std::string(names.empty() ? "" : ", ") + format->name;
+    return names;
 }
 
 } // namespace zerklsc::tool

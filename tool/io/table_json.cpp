@@ -119,7 +119,7 @@ GainTables read_header(const Reader& reader) {
                      reader.path(), reader.text("bayer_pattern"));
     tables.pattern = *pattern;
     tables.black = reader.integers<4>("black_level", 0, 65535);
-    tables.bits = reader.integer("bit_depth", 9, 16);
+    tables.bits = reader.integer("bit_depth", 8, 16);
     // The tables themselves are made row by row as the file holds them, not from what it says in its head.
     tables.set_table_size();
     const auto size = reader.integers<2>("table_size", 1, std::numeric_limits<int>::max());

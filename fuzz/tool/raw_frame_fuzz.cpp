@@ -1,0 +1,53 @@
+// Every reader of raw frames on any file: the first bytes are the hints of the command line, the rest is the
+// file.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "failure.h"
+#include "io/raw_format.h"
+#include "support/input.h"
+
+namespace {
+
+zerklsc::tool::RawHints hints_from(zerklsc::fuzz::Input& input) {
+    zerklsc::tool::RawHints hints;
+    const uint8_t flags = input.take<uint8_t>();
+    if ((flags & 1) != 0) {
+        hints.width = input.take<uint8_t>();
+        hints.height = input.take<uint8_t>();
+        hints.stride = input.take<uint8_t>();
+        hints.offset = input.take<uint8_t>();
+    }
+    if ((flags & 2) != 0)
+        hints.bits = 8 + input.take<uint8_t>() % 9;
+    if ((flags & 4) != 0)
+        hints.packing = static_cast<zerklsc::tool::Packing>(input.take<uint8_t>() % 3);
+    hints.big_endian = (flags & 8) != 0;
+    hints.left_aligned = (flags & 16) != 0;
+    return hints;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    zerklsc::fuzz::Input input(data, size);
+    const zerklsc::tool::RawHints hints = hints_from(input);
+    const std::vector<uint8_t> bytes = input.rest();
+    const int file = memfd_create("frame", 0);
+    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+        std::abort();
+    try {
+        const auto reading = zerklsc::tool::read_raw_frame("/proc/self/fd/" + std::to_string(file), hints);
+        const auto& frame = reading.frame;
+        if (frame.samples.size() != static_cast<size_t>(frame.width) * static_cast<size_t>(frame.height))
+            std::abort();
+        overridden(reading);
+    } catch (const zerklsc::tool::Failure&) {
+        // Refused in words, as it should be.
+    }
+    close(file);
+    return 0;
+}
