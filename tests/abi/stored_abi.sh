@@ -9,7 +9,8 @@ renew=no
 for target in "$@"; do
     build=$top/build/abi-$target
     toolchain=$top/cmake/toolchains/$target.cmake
-    [ -f "$toolchain" ] && set -- "-DCMAKE_TOOLCHAIN_FILE=$toolchain" || set --
+    set --
+    [ ! -f "$toolchain" ] || set -- "-DCMAKE_TOOLCHAIN_FILE=$toolchain"
     cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DZERKLSC_TESTS=OFF -DZERKLSC_TOOL=OFF "$@" >/dev/null
     cmake --build "$build" --target zerklsc >/dev/null
     abidw --headers-dir "$top/include" --exported-interfaces-only --no-corpus-path --no-comp-dir-path --no-show-locs \

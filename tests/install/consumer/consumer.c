@@ -17,7 +17,8 @@ int main(void) {
     info.shading_percent = 100;
     info.filter_radius = 2;
     info.algorithm = ZERKLSC_ALGORITHM_ORVEL;
-    if (lsc2d_calibration_wrapper(frame, &info) != 0 || lsc2d_correction_wrapper(frame, corrected, &info) != 0)
+    if (lsc2d_calibration_wrapper(frame, &info) != 0
+        || lsc2d_correction_wrapper(frame, corrected, &info) != 0)
         return 1;
     for (int i = 0; i < WIDTH * HEIGHT; ++i)
         if (corrected[i] != 500) {
