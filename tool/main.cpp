@@ -13,6 +13,7 @@
 #include "commands.h"
 #include "commands/report.h"
 #include "failure.h"
+#include "io/output_set.h"
 #include "io/raw_format.h"
 #include "terminal.h"
 
@@ -85,10 +86,11 @@ int main_program(int argc, char** argv) {
     Request request;
     Report report;
     Ending ending = run(request, report, argc, argv);
+    std::FILE* const out = standard_output_is_taken() ? stderr : stdout;
     if (request.json || (ending.code == exit_usage && asks_for_json(argc, argv)))
-        std::fputs(report.json(ending.code, ending.message).c_str(), stdout);
+        std::fputs(report.json(ending.code, ending.message).c_str(), out);
     else if (!request.quiet)
-        std::fputs(report.text().c_str(), stdout);
+        std::fputs(report.text().c_str(), out);
     if ((std::fflush(stdout) != 0 || std::ferror(stdout) != 0) && ending.code == exit_success)
         ending = {exit_system, fmt::format("standard output: cannot be written: {}", std::strerror(errno))};
     if (ending.code != exit_success)

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs one case of the tool's tests as a user would type it, and compares what came of it.
 
-A case is a folder with
+A case is a folder with (frames.py reads what the tool has made)
   cmd      the command lines; sh runs them in an empty directory with the tool on its PATH
   exit     the expected exit code; 0 where the file is missing
   stdout   expected standard output; empty where the file is missing
@@ -26,7 +26,8 @@ def run_case(case, tool):
         directory.mkdir()
         scratch = pathlib.Path(top, "tmp")
         scratch.mkdir()
-        environment = dict(os.environ, PATH=f"{tool.parent}:{os.environ['PATH']}", LC_ALL="C", TMPDIR=str(scratch))
+        environment = dict(os.environ, PATH=f"{tool.parent}:{os.environ['PATH']}", LC_ALL="C", TMPDIR=str(scratch),
+                           PYTHONPATH=str(pathlib.Path(__file__).parent), PYTHONDONTWRITEBYTECODE="1")
         done = subprocess.run(["sh", str(case / "cmd")], cwd=directory, env=environment, stdin=subprocess.DEVNULL,
                               capture_output=True, text=True, errors="replace", check=False)
         leftovers = [f"{p.name} in TMPDIR" for p in scratch.iterdir()]

@@ -10,6 +10,7 @@
 #include "commands/report.h"
 #include "imaging/exposure.h"
 #include "imaging/levels.h"
+#include "io/file_identity.h"
 #include "io/json_value.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
@@ -113,6 +114,7 @@ void write_tables(const Options& options, const GainTables& tables) {
 }
 
 void run(const Options& options, Report& report) {
+    keep_files_apart({options.raw.path}, {options.output, options.text});
     CalibrationSettings settings = options.settings;
     settings.algorithm = algorithm_from(options.algorithm);
     const RawFrame frame = read_raw(options.raw);

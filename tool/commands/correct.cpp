@@ -9,6 +9,7 @@
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/correction.h"
+#include "io/file_identity.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "terminal.h"
@@ -44,6 +45,7 @@ void bring_to_10_bits(RawFrame& frame, bool scale) {
 }
 
 void run(const Options& options, Report& report) {
+    keep_files_apart({options.raw.path, options.tables}, {options.output});
     const GainTables tables = read_table_json(options.tables);
     const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
     RawFrame frame = read_raw(options.raw);

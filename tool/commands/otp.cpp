@@ -11,6 +11,7 @@
 #include "failure.h"
 #include "imaging/otp_stream.h"
 #include "io/black_level_text.h"
+#include "io/file_identity.h"
 #include "io/input_file.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
@@ -98,6 +99,7 @@ double limit_of(double max_error, int mode) {
 }
 
 void run_encode(const EncodeOptions& options, Report& report) {
+    keep_files_apart({options.tables}, {options.output, options.c_array});
     const GainTables tables = read_table_json(options.tables);
     const std::string stream = encode_stream(tables, options.mode);
     GainTables decoded = tables;
@@ -151,6 +153,7 @@ GainTables described(const DecodeOptions& options) {
 }
 
 void run_decode(const DecodeOptions& options, Report& report) {
+    keep_files_apart({options.stream, options.like}, {options.output});
     GainTables tables = described(options);
     decode_stream(read_file(options.stream), options.stream, tables);
     if (decodes_wrong(tables))

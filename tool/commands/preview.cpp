@@ -12,6 +12,7 @@
 #include "failure.h"
 #include "imaging/correction.h"
 #include "imaging/levels.h"
+#include "io/file_identity.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "preview/png.h"
@@ -178,6 +179,7 @@ Canvas draw(const Options& options, Report& report) {
 }
 
 void run(const Options& options, Report& report) {
+    keep_files_apart({options.raw.path, options.tables, options.corrected}, {options.output});
     const Progress progress("drawing " + options.output);
     report.add("output", options.output);
     write_file(options.output, encode_png(draw(options, report)));

@@ -9,6 +9,7 @@
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/resampling.h"
+#include "io/file_identity.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
@@ -51,6 +52,7 @@ GainTables resample(const Options& options, const GainTables& tables) {
 }
 
 void run(const Options& options, Report& report) {
+    keep_files_apart({options.tables}, {options.output, options.text});
     const GainTables result = resample(options, read_table_json(options.tables));
     OutputSet outputs;
     outputs.add(options.output, encode_table_json(result));

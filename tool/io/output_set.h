@@ -1,32 +1,38 @@
 // The files that a command writes: all of them appear complete, or none is touched.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "io/temporary_file.h"
 
 namespace zerklsc::tool {
 
+// Takes the bytes of a file one piece after another.
+using ByteSink = std::function<void(std::string_view)>;
+
 // add() writes each file under a temporary name beside its place and brings it to the disk; commit() moves
-// them into place. Without commit(), and when a signal ends the process, the temporary files are removed.
-// What is not a regular file (a pipe, a device) is written at once.
+// them into place, and undoes what it has moved when one of them cannot be. Without commit(), and when a
+// signal ends the process, the temporary files are removed. A symbolic link is followed, and a file that
+// exists keeps its mode. What is not a regular file (a pipe, a device) is written at once, as is "-", the
+// standard output.
 class OutputSet {
   public:
-    OutputSet() = default;
-    ~OutputSet();
-    OutputSet(const OutputSet&) = delete;
-    OutputSet& operator=(const OutputSet&) = delete;
-
-    void add(const std::string& path, const std::string& bytes);
+    void add(const std::string& path, std::string_view bytes);
+    // The same in pieces: `writer` hands them to the sink that it is given.
+    void add(const std::string& path, const std::function<void(const ByteSink&)>& writer);
     void commit();
 
   private:
-    struct Pending {
-        std::string temporary, path;
-    };
-    std::vector<Pending> pending_;
+    std::vector<TemporaryFile> pending_;
 };
 
 // One file of its own.
-void write_file(const std::string& path, const std::string& bytes);
+void write_file(const std::string& path, std::string_view bytes);
+
+// Whether an output went to the standard output, so that reports must not.
+bool standard_output_is_taken();
 
 } // namespace zerklsc::tool

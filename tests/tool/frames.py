@@ -1,0 +1,97 @@
+"""Reads and writes what the tool makes, by means of its own: frames, tables and pictures as lists of numbers."""
+import array
+import json
+import struct
+import sys
+import zlib
+
+
+class Frame:
+    """Samples by row and column; `remarks` holds the words of the zerklsc comment of a PGM."""
+
+    def __init__(self, width, height, maxval, samples, remarks=None):
+        self.width, self.height, self.maxval = width, height, maxval
+        self.samples, self.remarks = samples, remarks or {}
+
+    def at(self, x, y):
+        return self.samples[y * self.width + x]
+
+    def plane(self, number):
+        """The rows of plane `number`."""
+        left, top = number & 1, number >> 1
+        return [list(self.samples[y * self.width + left:(y + 1) * self.width:2]) for y in range(top, self.height, 2)]
+
+
+def read_pgm(path):
+    data = open(path, "rb").read()
+    words, remarks, at = [], {}, 0
+    while len(words) < 4:
+        while data[at:at + 1].isspace():
+            at += 1
+        if data[at:at + 1] == b"#":
+            end = data.index(b"\n", at)
+            comment = data[at + 1:end].decode().split()
+            if comment[:1] == ["zerklsc"]:
+                remarks.update(word.split("=") for word in comment[1:])
+            at = end
+        else:
+            end = at
+            while not data[end:end + 1].isspace():
+                end += 1
+            words.append(data[at:end])
+            at = end
+    assert words[0] == b"P5", words
+    samples = array.array("H", data[at + 1:])
+    if sys.byteorder == "little":
+        samples.byteswap()
+    width, height, maxval = (int(word) for word in words[1:])
+    assert len(samples) == width * height, (len(samples), width, height)
+    return Frame(width, height, maxval, samples, remarks)
+
+
+def write_pgm(path, width, height, level, remarks="pattern=RGGB black=64 bits=10", maxval=1023):
+    """`level(x, y)` is the sample there."""
+    samples = array.array("H", (level(x, y) for y in range(height) for x in range(width)))
+    if sys.byteorder == "little":
+        samples.byteswap()
+    with open(path, "wb") as file:
+        file.write(f"P5\n# zerklsc {remarks}\n{width} {height}\n{maxval}\n".encode() + samples.tobytes())
+
+
+def read_tables(path):
+    """A table file; the gains of plane p at row j and column i are tables["tables"][p]["gains"][j][i]."""
+    return json.load(open(path))
+
+
+def read_png(path):
+    """Rows of (red, green, blue)."""
+    data = open(path, "rb").read()
+    assert data[:8] == b"\x89PNG\r\n\x1a\n"
+    at, packed, header = 8, b"", None
+    while at < len(data):
+        length, kind = struct.unpack(">I4s", data[at:at + 8])
+        body = data[at + 8:at + 8 + length]
+        assert struct.unpack(">I", data[at + 8 + length:at + 12 + length])[0] == zlib.crc32(kind + body), kind
+        if kind == b"IHDR":
+            header = struct.unpack(">IIBBBBB", body)
+        elif kind == b"IDAT":
+            packed += body
+        at += 12 + length
+    width, height, depth, colours, _, _, interlaced = header
+    assert (depth, colours, interlaced) == (8, 2, 0), header
+    raw, rows, above = zlib.decompress(packed), [], bytes(3 * width)
+    for y in range(height):
+        start = y * (3 * width + 1)
+        above = unfiltered(raw[start], bytearray(raw[start + 1:start + 1 + 3 * width]), above)
+        rows.append([tuple(above[3 * x:3 * x + 3]) for x in range(width)])
+    return rows
+
+
+def unfiltered(kind, row, above):
+    for i, value in enumerate(row):
+        left = row[i - 3] if i >= 3 else 0
+        corner = above[i - 3] if i >= 3 else 0
+        guess = left + above[i] - corner
+        nearest = min((left, above[i], corner), key=lambda candidate: abs(guess - candidate))
+        row[i] = value + (0, left, above[i], (left + above[i]) // 2, nearest)[kind] & 255
+    return bytes(row)

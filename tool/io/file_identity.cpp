@@ -1,0 +1,76 @@
+// directory_of, link_target, keep_files_apart
+#include "io/file_identity.h"
+
+#include <optional>
+#include <tuple>
+
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "failure.h"
+
+namespace zerklsc::tool {
+namespace {
+
+// A file by its device and number, or one that does not exist yet by its directory and name.
+using Identity = std::tuple<dev_t, ino_t, std::string>;
+
+std::optional<Identity> identity_of(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0)
+        return S_ISREG(status.st_mode) ? std::optional(Identity{status.st_dev, status.st_ino, ""})
+                                       : std::nullopt;
+    const std::string target = link_target(path);
+    const std::string directory = directory_of(target);
+    if (stat(directory.empty() ? "." : directory.c_str(), &status) != 0)
+        return std::nullopt;
+    return Identity{status.st_dev, status.st_ino, target.substr(directory.size())};
+}
+
+bool are_one(const std::string& a, const std::string& b) {
+    if (a == "-" || b == "-")
+        return a == b;
+    const auto first = identity_of(a), second = identity_of(b);
+    return first && first == second;
+}
+
+} // namespace
+
+std::string directory_of(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+std::string link_target(const std::string& path) {
+    std::string target = path;
+    // As many as the kernel follows. A longer chain is a circle, which open() then names.
+    for (int links = 0; links < 40; ++links) {
+        char text[PATH_MAX];
+        const ssize_t length = readlink(target.c_str(), text, sizeof text);
+        if (length < 0)
+            return target;
+        const std::string next(text, static_cast<size_t>(length));
+        target = next.starts_with('/') ? next : directory_of(target) + next;
+    }
+    return path;
+}
+
+void keep_files_apart(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs) {
+    for (size_t i = 0; i < outputs.size(); ++i) {
+        if (outputs[i].empty())
+            continue;
+        for (const std::string& input : inputs)
+            // "-" is the standard input there.
+            if (!input.empty() && outputs[i] != "-" && are_one(input, outputs[i]))
+                usage_failure("{}: is an input of this command too: give another name for the output",
+                              outputs[i]);
+        for (size_t j = 0; j < i; ++j)
+            if (!outputs[j].empty() && are_one(outputs[j], outputs[i]))
+                usage_failure(
+                    "{} and {}: two outputs of this command would be one file: give each a name of its own",
+                    outputs[j], outputs[i]);
+    }
+}
+
+} // namespace zerklsc::tool
