@@ -1,6 +1,6 @@
-// store_data, load_data
+// store_data, load_data, zerklsc_stream_size
 #include "compress/node_fields.h"
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc {
 namespace {
@@ -98,5 +98,18 @@ int32_t load_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t* c, int16_t* 
         load_nodes(stream, {{a, b, c, d}}, count);
     else if (mode == mode_14_bit)
         load_groups(stream, {{a, b, c, d}}, count / group_nodes);
+    return 0;
+}
+
+uint64_t zerklsc_stream_size(int32_t grid_width, int32_t grid_height, int32_t precision_mode) {
+    using namespace zerklsc;
+    constexpr int32_t border = 2 * ZERKLSC_BORDER;
+    if (grid_width <= border || grid_height <= border)
+        return 0;
+    const auto count = static_cast<uint64_t>(node_count(grid_width - border, grid_height - border));
+    if (precision_mode == ZERKLSC_PRECISION_24_BITS)
+        return count * node_bytes;
+    if (precision_mode == ZERKLSC_PRECISION_14_BITS)
+        return count / group_nodes * group_bytes;
     return 0;
 }

@@ -1,4 +1,4 @@
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 // Both overloads and both instances are reachable by their plain names.
 void header_alone(float* floats, unsigned short* gains, double* matrix) {

@@ -6,6 +6,7 @@
 #include "bicubic/correction/correction.h"
 #include "frames.h"
 #include "workload.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc::bench {
 namespace {
@@ -68,6 +69,36 @@ Workload workload(int32_t width, int32_t step, int32_t algorithm, bool in_place,
             .at_least = at_least};
 }
 
+// The same frame by two threads' bands, in rows that a V4L2 driver pads to a multiple of 128 bytes.
+Workload padded_workload(int32_t step, int32_t algorithm, std::array<double, 3> at_most) {
+    constexpr int32_t width = 4000, height = 3000, stride = 4032;
+    struct Padded {
+        std::vector<uint16_t> in = flat_field(stride, height), out = in;
+        Tables tables;
+    };
+    const std::shared_ptr<Padded> job(new Padded{.tables = {width, height, step, algorithm}});
+    const auto rows = [job](int32_t first, int32_t count) {
+        constexpr size_t bytes = stride * sizeof(uint16_t);
+        zerklsc_correct(&job->tables.info, job->in.data(), bytes, job->out.data(), bytes, first, count);
+    };
+    const char* const isp = is_tvessa2(algorithm) ? "tvessa2" : "vessaL2";
+    return {.name = fmt::format("{}, step {}, padded rows, two bands", isp, step),
+            .frame_bytes = size_t{width} * height * sizeof(uint16_t),
+            .fast =
+                [rows] {
+                    rows(0, height / 2);
+                    rows(height / 2, height / 2);
+                },
+            .plain =
+                [job] {
+                    Correction padded = correction_of(job->tables, job->in.data(), job->out.data());
+                    padded.in.stride = padded.out.stride = stride;
+                    plain::correct(padded);
+                },
+            .at_most = at_most,
+            .at_least = {}};
+}
+
 } // namespace
 
 std::vector<Workload> bicubic_workloads() {
@@ -77,6 +108,7 @@ std::vector<Workload> bicubic_workloads() {
         rows.push_back(workload(4000, 32, algorithm, false, {3.0, 1.5, 1.25}, {15, 28, 33}));
         rows.push_back(workload(4000, 16, algorithm, false, {3.2, 1.7, 1.45}, {15, 28, 33}));
         rows.push_back(workload(4000, 64, algorithm, true, {2.6, 1.25, 0.8}, {}));
+        rows.push_back(padded_workload(64, algorithm, {3.0, 1.5, 1.25}));
         rows.push_back(workload(3998, 50, algorithm, false, {3.5, 2.2, 1.9}, {14, 20, 24}));
     }
     return rows;
