@@ -4,7 +4,7 @@ target_compile_options(zerklsc_flags INTERFACE -ffp-contract=off -Wall -Wextra -
                                                -Wdouble-promotion $<$<BOOL:${ZERKLSC_WERROR}>:-Werror>)
 
 # The x87 unit keeps excess precision; the results are those of SSE arithmetic.
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^i[3-6]86$")
+if(ZERKLSC_TARGET_I386)
     target_compile_options(zerklsc_flags INTERFACE -msse2 -mfpmath=sse)
 endif()
 

@@ -4,11 +4,11 @@
 # (src/cpu/dispatch.h) and the words of src/cpu/instruction_set.h.
 set(ZERKLSC_INSTRUCTION_SETS base)
 set(ZERKLSC_NARROW_INSTRUCTION_SET base)
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$")
+if(ZERKLSC_TARGET_X86)
     list(APPEND ZERKLSC_INSTRUCTION_SETS avx2 avx512)
     set(ZERKLSC_FLAGS_avx2 -mavx2)
     set(ZERKLSC_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq)
-elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+elseif(ZERKLSC_TARGET_ARM)
     list(APPEND ZERKLSC_INSTRUCTION_SETS neon)
     set(ZERKLSC_NARROW_INSTRUCTION_SET neon)
     set(ZERKLSC_FLAGS_neon -mfpu=neon)
