@@ -753,8 +753,8 @@ extern "C++" {
  * arithmetic is complex with an imaginary part that starts at zero, which shows in the signs of zeros and
  * where values overflow.
  *
- * Memory: at most (1.005 * r * c + 32 * (r + c)) * sizeof(T) + 16 * n + 64, r and c being n rounded up to
- * multiples of 8 and 32.
+ * Memory: at most (1.009 * r * c + 26 * r + 24 * c) * sizeof(T) + 16 * n + 64, r and c being n rounded up to
+ * multiples of 4 and 256 / sizeof(T).
  *
  * @param a  read and written; n x n elements, row by row
  * @param n  rows and columns; nothing is done for 0 and below

@@ -72,7 +72,7 @@ Pivot<T> find_pivot(const ComplexMatrix<T>& a, int32_t k) {
         for (int32_t j = k; j < a.n; ++j) {
             const Complex<T> v = a.get(i, j);
             const T d = v.re * v.re + v.im * v.im;
-            if (d > best.magnitude)
+            if (d > best.square)
                 best = {d, {i, j}};
         }
     }
@@ -107,16 +107,16 @@ void eliminate(const ComplexMatrix<T>& a, int32_t k, T d) {
 // Inverts a.re in place; a.im, of any content, and `order` with room for n pivots are working memory. False
 // for a singular matrix.
 template <class T>
-bool invert(const ComplexMatrix<T>& a, PivotPlace* order) {
+bool invert(const ComplexMatrix<T>& a, Position* order) {
     std::fill(a.im, a.im + a.index(a.n, 0), T{0});
     for (int32_t k = 0; k < a.n; ++k) {
         const Pivot<T> pivot = find_pivot(a, k);
-        if (pivot.magnitude == T{0})
+        if (pivot.square == T{0})
             return false;
-        order[k] = pivot.place;
-        a.swap_rows(k, pivot.place.row);
-        a.swap_columns(k, pivot.place.column);
-        eliminate(a, k, pivot.magnitude);
+        order[k] = pivot.position;
+        a.swap_rows(k, pivot.position.row);
+        a.swap_columns(k, pivot.position.column);
+        eliminate(a, k, pivot.square);
     }
     for (int32_t k = a.n - 1; k >= 0; --k) {
         a.swap_rows(k, order[k].column);

@@ -1,8 +1,14 @@
 // Gauss-Jordan elimination with full pivoting in real arithmetic, compiled for each instruction set.
 //
-// Most of the work is put off: the last steps stay in a history, and a tile of the matrix sees them when it
-// may hold the next pivot or when the history is full. So memory is passed over once for many steps. Every
-// element still sees every step in order, and the pivots are those of a search through all elements.
+// A step of the elimination changes every element of the matrix, which is larger than the caches. So steps
+// are kept pending: the matrix is divided into tiles, and a tile has the pending steps applied when it may
+// hold the next pivot, when one of its rows is needed, or when no more steps can be kept. An element still
+// sees every step in order, and the pivots are those of a search through all elements.
+//
+// What lets the search pass over a tile is a bound: none of its elements is larger. A step subtracts from an
+// element the product of an element of the pivot's column and one of the pivot's row, so it raises the bound
+// by no more than the product of their largest magnitudes. Rounding keeps the order of numbers, so the bound
+// holds for the rounded results too.
 #pragma once
 
 #include <cstddef>
@@ -13,52 +19,51 @@
 
 namespace zerklsc {
 
-constexpr int32_t tile_rows = 8;
-constexpr int32_t tile_columns = 32;
-constexpr int32_t history_steps = 24;
+// A row of a tile fills four cache lines.
+constexpr int32_t tile_rows = 4;
+template <class T>
+constexpr int32_t tile_columns = 256 / int32_t{sizeof(T)};
+constexpr int32_t most_pending = 24;
 
-// The matrix and the working memory. What lies beyond its n-th row and column, up to whole tiles, is zero.
+// The matrix and the working memory. A panel holds tile_columns columns, row by row; rows and columns are
+// made up to whole tiles with zeros.
 template <class T>
 struct Elimination {
     int32_t n;
-    int32_t tiles_down;
-    int32_t tiles_across;
-    T* matrix;          // panels of tile_columns columns, one after the other, each row by row
-    T* rows;            // history: by tile column, the parts of the pivot rows, scaled
-    T* columns;         // history: by tile row, the parts of the pivot columns, as they were before the step
-    T* lines;           // two columns of the matrix
-    T* bounds;          // by tile: no element that can still be a pivot has a larger magnitude
-    T* reach;           // by tile row: the largest magnitudes in the newest pivot column
-    uint8_t* applied;   // by tile: how many steps of the history its elements have seen
-    PivotPlace* places; // n elements, written: where the pivots were found
+    int32_t tiles;    // of a panel
+    int32_t panels;   // of the matrix
+    T* matrix;        // panel by panel
+    T* pivot_rows;    // for each panel and pending step: the pivot's row, divided by the pivot
+    T* pivot_columns; // for each row of tiles and pending step: the pivot's column, as it was before the step
+    T* columns;       // two columns of the matrix
+    T* bounds;        // for each tile: no element that can still be a pivot has a larger magnitude
+    uint8_t* applied; // for each tile: how many of the pending steps it has seen
+    Position* pivots; // where each pivot was found
+    int32_t step; // how many pivots were found; also the row and the column that the next one is brought to
+    int32_t pending; // how many steps are kept
 };
 
-static_assert(history_steps <= UINT8_MAX);
+static_assert(most_pending <= UINT8_MAX);
 
 // Not shared between the instruction sets: each has its own.
 namespace {
 
+// The part of a row that lies in a panel.
 template <class T>
-ptrdiff_t padded_rows(const Elimination<T>& e) {
-    return ptrdiff_t{e.tiles_down} * tile_rows;
+T* row_part(const Elimination<T>& e, int32_t row, int32_t panel) {
+    return e.matrix + (ptrdiff_t{panel} * e.tiles * tile_rows + row) * tile_columns<T>;
 }
 
-// Row i of the matrix within a panel: tile_columns elements.
-template <class T>
-T* row_part(const Elimination<T>& e, int32_t i, int32_t panel) {
-    return e.matrix + (panel * padded_rows(e) + i) * tile_columns;
-}
-
-// The first element of column j; the next one is tile_columns further on.
+// The first element of a column; the next one is tile_columns further on.
 template <class T>
 T* column(const Elimination<T>& e, int32_t j) {
-    return row_part(e, 0, j / tile_columns) + j % tile_columns;
+    return row_part(e, 0, j / tile_columns<T>) + j % tile_columns<T>;
 }
 
 } // namespace
 
 // Turns the matrix into its inverse with rows and columns still out of place. False for a singular matrix.
-ZERKLSC_DECLARE_KERNEL(eliminate_floats, bool(const Elimination<float>& e))
-ZERKLSC_DECLARE_KERNEL(eliminate_doubles, bool(const Elimination<double>& e))
+ZERKLSC_DECLARE_KERNEL(eliminate_floats, bool(Elimination<float>& e))
+ZERKLSC_DECLARE_KERNEL(eliminate_doubles, bool(Elimination<double>& e))
 
 } // namespace zerklsc

@@ -5,15 +5,15 @@
 
 namespace zerklsc {
 
-struct PivotPlace {
+struct Position {
     int32_t row;
     int32_t column;
 };
 
 template <class T>
 struct Pivot {
-    T magnitude; // squared; 0 when the block searched holds nothing else
-    PivotPlace place;
+    T square; // of its magnitude; 0 where the elements searched hold nothing else
+    Position position;
 };
 
 } // namespace zerklsc
