@@ -1,12 +1,13 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test bench release configured packages
+.PHONY: help demo test bench package release configured packages
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
 	@echo "make test    install what is missing, build, run every test"
 	@echo "make bench   install what is missing, build, time every kernel against its plain form and its peers"
+	@echo "make package install what is missing, make Debian packages in build/package, check them"
 
 packages:
 	@cmake/install-packages.sh build
@@ -29,3 +30,7 @@ bench: packages
 	@cmake --preset release > /dev/null
 	@cmake --build --preset release
 	@build/release/bench/zerklsc_bench --bench --memory
+
+package:
+	@cmake/install-packages.sh build package
+	@tests/install/package.sh "$(CURDIR)" "$(CURDIR)/build/package"

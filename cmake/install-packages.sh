@@ -1,8 +1,10 @@
 #!/bin/sh
 # Installs the Debian packages that a step of the build needs and the machine lacks: install-packages.sh STEP...
-#   build  the library, the tool and the tests
-#   ci     sanitizers with a second compiler, cross compilers and emulators
-#   bench  the libraries that the benchmark compares with
+#   build    the library, the tool and the tests
+#   ci       sanitizers with a second compiler, cross compilers and emulators
+#   lint     what looks at the sources: formatting, faults, scripts, the reference of the header
+#   package  Debian's tools for packages
+#   bench    the libraries that the benchmark compares with
 set -eu
 
 packages_of() {
@@ -10,8 +12,10 @@ packages_of() {
     build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev libgtest-dev python3 ;;
     ci) echo clang libclang-rt-14-dev abigail-tools googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu ;;
+    lint) echo clang-format clang-tidy shellcheck doxygen ;;
+    package) echo debhelper dpkg-dev doxygen lintian ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev ;;
-    *) echo "install-packages.sh: unknown step '$1' (build, ci or bench)" >&2 && exit 2 ;;
+    *) echo "install-packages.sh: unknown step '$1' (build, ci, lint, package or bench)" >&2 && exit 2 ;;
     esac
 }
 
@@ -42,9 +46,19 @@ fi
 echo "Installing$missing"
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
+# Another apt on this machine is waited for; the lock of the package lists has no time-out of its own.
+refresh() {
+    for _ in 1 2 3 4 5 6; do
+        $run apt-get update && return
+        sleep 20
+    done
+    return 1
+}
 # shellcheck disable=SC2086
-if ! { $run apt-get update && DEBIAN_FRONTEND=noninteractive $run apt-get install -y --no-install-recommends $missing; } \
-    >"$log" 2>&1; then
+install() {
+    DEBIAN_FRONTEND=noninteractive $run apt-get install -y --no-install-recommends -o DPkg::Lock::Timeout=600 $missing
+}
+if ! { refresh && install; } >"$log" 2>&1; then
     tail -n 20 "$log" >&2
     echo "install-packages.sh: apt-get could not install$missing" >&2
     exit 1
