@@ -5,20 +5,24 @@
 #include <cstddef>
 
 #include "sampling/column_sums.h"
+#include "sampling/window_sums.h"
 
 namespace zerklsc {
 namespace {
 
-// Raises the largest sums to those of all points, window by window, wherever the windows lie.
+// Raises the largest sums to those of all points, wherever the windows lie.
 void search_windows(const PlaneSet& planes, const Window& window, const CentreCluster& cluster,
                     uint64_t max_sums[4]) {
-    for (int32_t j = 0; j < 2 * cluster.rows; ++j) {
-        for (int32_t i = 0; i < 2 * cluster.columns; ++i) {
-            uint64_t sums[4];
-            sum_window(planes, window, cluster.column(i), cluster.row(j), sums);
-            for (int32_t c = 0; c < planes.count(); ++c)
-                max_sums[c] = std::max(max_sums[c], sums[c]);
-        }
+    const auto centre_of = [&](ptrdiff_t k) {
+        return WindowCentre{cluster.column(static_cast<int32_t>(k % (2 * cluster.columns))),
+                            cluster.row(static_cast<int32_t>(k / (2 * cluster.columns)))};
+    };
+    const Scratch<uint64_t> shared = shared_sums(planes, window, cluster.points(), centre_of);
+    for (ptrdiff_t k = 0; k < cluster.points(); ++k) {
+        uint64_t own[4];
+        const uint64_t* const sums = sums_of(shared, k, planes, window, centre_of(k), own);
+        for (int32_t c = 0; c < planes.count(); ++c)
+            max_sums[c] = std::max(max_sums[c], sums[c]);
     }
 }
 
@@ -42,9 +46,10 @@ ColumnSums cluster_columns(const PlaneSet& planes, const Window& window, const C
                            int32_t parity) {
     const int32_t left = cluster.column(0) - window.radius;
     const int32_t right = cluster.column(2 * cluster.columns - 1) + window.radius;
-    return ColumnSums(planes.row(0, parity) + static_cast<ptrdiff_t>(left) * planes.interleave,
-                      planes.stride * planes.interleave, (right - left + 1) * planes.interleave,
-                      2 * window.radius + 1, planes.interleave);
+    const int32_t width = (right - left + 1) * planes.interleave;
+    ColumnSums sums(width, planes.stride * planes.interleave, 2 * window.radius + 1, planes.interleave);
+    sums.start(planes.row(0, parity) + static_cast<ptrdiff_t>(left) * planes.interleave, width);
+    return sums;
 }
 
 // Raises the largest sums to those of one row of points.

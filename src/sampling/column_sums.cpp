@@ -5,12 +5,17 @@
 
 namespace zerklsc {
 
-ColumnSums::ColumnSums(const uint16_t* first, ptrdiff_t stride, int32_t width, int32_t rows,
-                       int32_t interleave)
-    : first_(first), stride_(stride), width_(width), rows_(rows), interleave_(interleave),
+ColumnSums::ColumnSums(int32_t width, ptrdiff_t stride, int32_t rows, int32_t interleave)
+    : width_(width), stride_(stride), rows_(rows), interleave_(interleave),
       sums_(allocate<uint32_t>(width, 1)),
       running_(allocate<uint32_t>(static_cast<uint64_t>(width) + static_cast<uint64_t>(interleave))),
       add_row_(ZERKLSC_KERNEL(add_row)), exchange_row_(ZERKLSC_KERNEL(exchange_row)) {}
+
+void ColumnSums::start(const uint16_t* first, int32_t width) {
+    first_ = first;
+    width_ = width;
+    filled_ = false;
+}
 
 // An exchanged row is two rows read, so that a move of more than half a window starts anew.
 void ColumnSums::move_to(int32_t top) {

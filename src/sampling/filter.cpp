@@ -1,7 +1,9 @@
 // img_filter
+#include <algorithm>
 #include <cstddef>
 
 #include "sampling/column_sums.h"
+#include "sampling/mask.h"
 #include "sampling/window.h"
 #include "zerklsc.h"
 
@@ -9,53 +11,160 @@ namespace {
 
 using namespace zerklsc;
 
-// The region of a plane that is filtered; taps are read at their plain positions around it.
+// A part of a plane that is filtered; taps are read at their plain positions around it.
 struct Region {
     const uint16_t* src;
     uint16_t* dst;
-    int32_t rows; // and samples from one row to the next
+    int32_t rows;
     int32_t columns;
+    ptrdiff_t stride;
 };
 
-// The sum of a plane's samples under the window around `centre`.
-uint64_t sum_at(const uint16_t* centre, ptrdiff_t stride, const Window& window) {
-    uint64_t sum = 0;
-    for (int32_t dy = -window.radius; dy <= window.radius; ++dy) {
-        const int32_t reach = window.reach_of(dy);
-        for (int32_t dx = -reach; dx <= reach; ++dx)
-            sum += centre[dy * stride + dx];
+// The sums that windows of a size need, and their kernels.
+struct NarrowSums {
+    using Sum = uint32_t;
+    RunningColumns* run_columns = ZERKLSC_KERNEL(running_columns);
+    RunningSamples* run_samples = ZERKLSC_KERNEL(running_samples);
+    AverageSpans* average = ZERKLSC_KERNEL(average_spans);
+
+    void run(const uint32_t* columns, int32_t count, Sum* sums) const { run_columns(columns, count, sums); }
+    void run(const uint16_t* samples, int32_t count, Sum* sums) const {
+        run_samples(samples, count, 1, sums);
     }
-    return sum;
+};
+
+struct WideSums {
+    using Sum = uint64_t;
+    AverageWideSpans* average = ZERKLSC_KERNEL(average_wide_spans);
+
+    template <class Value>
+    static void run(const Value* values, int32_t count, Sum* sums) {
+        sums[0] = 0;
+        for (ptrdiff_t i = 0; i < count; ++i)
+            sums[i + 1] = sums[i] + values[i];
+    }
+};
+
+// Strips whose sums stay in the cache; but not so narrow that the margins at their sides are most of the
+// work.
+int32_t strip_width(const Window& window, int32_t columns) {
+    constexpr int32_t cached_sums = 1 << 16;
+    constexpr int32_t widest = 2048;
+    const int32_t margin = 2 * window.reach_of(0);
+    const int32_t cached = window.box ? widest : cached_sums / (margin + 1) - margin;
+    return std::min(columns, std::max({std::min(cached, widest), 256, margin}));
 }
 
-void filter_by_windows(const Region& region, const Window& window) {
-    for (ptrdiff_t row = 0; row < region.rows; ++row) {
-        for (ptrdiff_t column = 0; column < region.columns; ++column) {
-            const ptrdiff_t at = row * region.rows + column;
-            region.dst[at] = rounded_level(sum_at(region.src + at, region.rows, window), window);
+// The sums of the columns under a row of boxes move down with it, and a box is one span of their running
+// sums.
+template <class Kernels>
+class Boxes {
+  public:
+    using Sum = typename Kernels::Sum;
+
+    Boxes(const Window& window, const Region& strip)
+        : window_(window), side_(2 * window.radius + 1),
+          sums_(strip.columns + side_ - 1, strip.stride, side_, 1),
+          running_(allocate<Sum>(static_cast<uint64_t>(strip.columns) + static_cast<uint64_t>(side_))) {}
+
+    explicit operator bool() const { return sums_ && running_ != nullptr; }
+
+    void filter(const Region& strip) {
+        const int32_t width = strip.columns + side_ - 1;
+        const SpanRow<Sum> span = {running_.get(), running_.get() + side_};
+        sums_.start(strip.src - window_.radius, width);
+        for (int32_t row = 0; row < strip.rows; ++row) {
+            sums_.move_to(row - window_.radius);
+            kernels_.run(sums_.columns(), width, running_.get());
+            kernels_.average(&span, 1, strip.columns, window_.scale, strip.dst + row * strip.stride);
         }
     }
-}
 
-// Small boxes share the sums of their columns.
-bool columns_can_be_shared(const Region& region, const Window& window) {
-    return window.box && window.radius <= max_shared_radius && region.rows > 0 && region.columns > 0
-           && region.columns < INT32_MAX - 2 * max_shared_radius;
-}
+  private:
+    Kernels kernels_;
+    const Window& window_;
+    int32_t side_;
+    ColumnSums sums_;
+    Scratch<Sum> running_;
+};
 
-bool filter_by_columns(const Region& region, const Window& window) {
-    const int32_t side = 2 * window.radius + 1;
-    ColumnSums sums(region.src - window.radius, region.rows, region.columns + side - 1, side, 1);
-    if (!sums)
+// The running sums of the rows under a disc serve all discs that they lie under: row y stands in place y %
+// height.
+template <class Kernels>
+class Discs {
+  public:
+    using Sum = typename Kernels::Sum;
+
+    Discs(const Window& window, const Region& strip)
+        : window_(window), half_height_(window.radius), half_width_(window.reach_of(0)) {
+        while (window.reach_of(half_height_) < 0)
+            --half_height_;
+        length_ = ptrdiff_t{strip.columns} + 2 * half_width_ + 1;
+        sums_ = allocate<Sum>(static_cast<uint64_t>(length_) * static_cast<uint64_t>(height()));
+        spans_ = allocate<SpanRow<Sum>>(static_cast<uint64_t>(height()));
+    }
+
+    explicit operator bool() const { return sums_ != nullptr && spans_ != nullptr; }
+
+    void filter(const Region& strip) {
+        for (int32_t y = -half_height_; y < half_height_; ++y)
+            enter_row(strip, y);
+        for (int32_t row = 0; row < strip.rows; ++row) {
+            enter_row(strip, row + half_height_);
+            for (int32_t dy = -half_height_; dy <= half_height_; ++dy) {
+                const int32_t reach = window_.reach_of(dy);
+                spans_.get()[dy + half_height_] = {centre(row + dy) - reach, centre(row + dy) + reach + 1};
+            }
+            kernels_.average(spans_.get(), height(), strip.columns, window_.scale,
+                             strip.dst + row * strip.stride);
+        }
+    }
+
+  private:
+    int32_t height() const { return 2 * half_height_ + 1; }
+
+    // The sum up to the first sample of the strip in row y.
+    Sum* centre(int32_t y) const {
+        return sums_.get() + (y + half_height_) % height() * length_ + half_width_;
+    }
+
+    // Runs along the samples of row y that lie under a disc: the caller need not have any beyond them.
+    void enter_row(const Region& strip, int32_t y) {
+        const int32_t outside = y < 0 ? -y : y < strip.rows ? 0 : y - strip.rows + 1;
+        const int32_t reach = window_.reach_of(outside);
+        kernels_.run(strip.src + y * strip.stride - reach, strip.columns + 2 * reach, centre(y) - reach);
+    }
+
+    Kernels kernels_;
+    const Window& window_;
+    int32_t half_height_; // rows to either side of the centre row
+    int32_t half_width_;  // of the centre row, the widest
+    ptrdiff_t length_ = 0;
+    Scratch<Sum> sums_;
+    Scratch<SpanRow<Sum>> spans_;
+};
+
+// False when there is no memory, with nothing written.
+template <class Windows>
+bool filter_strips(const Region& region, const Window& window) {
+    Region strip = region;
+    strip.columns = strip_width(window, region.columns);
+    Windows windows(window, strip);
+    if (!windows)
         return false;
-    for (int32_t row = 0; row < region.rows; ++row) {
-        sums.move_to(row - window.radius);
-        const uint32_t* const running = sums.running_sums();
-        uint16_t* const dst = region.dst + static_cast<ptrdiff_t>(row) * region.rows;
-        for (int32_t column = 0; column < region.columns; ++column)
-            dst[column] = rounded_level(running[column + side] - running[column], window);
+    for (int32_t left = region.columns; left > 0; left -= strip.columns) {
+        strip.columns = std::min(strip.columns, left);
+        windows.filter(strip);
+        strip.src += strip.columns;
+        strip.dst += strip.columns;
     }
     return true;
+}
+
+template <class Kernels>
+bool filter_with(const Region& region, const Window& window) {
+    return window.box ? filter_strips<Boxes<Kernels>>(region, window)
+                      : filter_strips<Discs<Kernels>>(region, window);
 }
 
 } // namespace
@@ -67,11 +176,12 @@ int32_t img_filter(const uint16_t* src, uint16_t* dst, int32_t s1, int32_t s2, c
     imfilter_t any_boundary = *filter;
     any_boundary.boundary_mode = ZERKLSC_BOUNDARY_CLAMP;
     const Window window = make_window(any_boundary);
-    const Region region = {src, dst, s1, s2};
+    const Region region = {src, dst, s1, s2, s1};
     if (!window)
         return -1;
-    if (columns_can_be_shared(region, window))
-        return filter_by_columns(region, window) ? 0 : -1;
-    filter_by_windows(region, window);
-    return 0;
+    if (s1 < 1 || s2 < 1)
+        return 0;
+    const bool narrow = window.taps <= max_narrow_taps;
+    return (narrow ? filter_with<NarrowSums>(region, window) : filter_with<WideSums>(region, window)) ? 0
+                                                                                                      : -1;
 }

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "sampling/window_sums.h"
+
 namespace zerklsc {
 
 int32_t node_position(int32_t i, int32_t step, int32_t n) {
@@ -19,15 +21,18 @@ bool grid_fits(const PlaneSet& planes, const Window& window, const SampleGrid& g
 
 void sample_grid(const PlaneSet& planes, const Window& window, const SampleGrid& grid,
                  float* const samples[]) {
-    ptrdiff_t node = 0;
-    for (int32_t j = 0; j < grid.rows; ++j) {
-        const int32_t y = node_position(j, grid.step_y, planes.height);
-        for (int32_t i = 0; i < grid.columns; ++i, ++node) {
-            uint64_t sums[4];
-            sum_window(planes, window, node_position(i, grid.step_x, planes.width), y, sums);
-            for (int32_t c = 0; c < planes.count(); ++c)
-                samples[c][node] = mean_level(sums[c], window);
-        }
+    const auto centre_of = [&](ptrdiff_t node) {
+        return WindowCentre{
+            node_position(static_cast<int32_t>(node % grid.columns), grid.step_x, planes.width),
+            node_position(static_cast<int32_t>(node / grid.columns), grid.step_y, planes.height)};
+    };
+    const int64_t nodes = grid.columns < 1 || grid.rows < 1 ? 0 : int64_t{grid.columns} * grid.rows;
+    const Scratch<uint64_t> shared = shared_sums(planes, window, nodes, centre_of);
+    for (ptrdiff_t node = 0; node < nodes; ++node) {
+        uint64_t own[4];
+        const uint64_t* const sums = sums_of(shared, node, planes, window, centre_of(node), own);
+        for (int32_t c = 0; c < planes.count(); ++c)
+            samples[c][node] = mean_level(sums[c], window);
     }
 }
 

@@ -1,6 +1,9 @@
 // img_sample
+#include <algorithm>
+#include <cstddef>
+
 #include "sampling/plane_set.h"
-#include "sampling/window.h"
+#include "sampling/window_sums.h"
 #include "zerklsc.h"
 
 namespace {
@@ -24,10 +27,11 @@ int32_t img_sample(const uint16_t* plane, pix_point* points, int32_t count, int3
     const PlaneSet planes = single_plane(plane, width, height);
     if (!window || !points_fit(planes, window, points, count))
         return -1;
-    for (int32_t k = 0; k < count; ++k) {
-        uint64_t sum[4];
-        sum_window(planes, window, points[k].x, points[k].y, sum);
-        points[k].value = rounded_level(sum[0], window);
+    const auto centre_of = [points](ptrdiff_t k) { return WindowCentre{points[k].x, points[k].y}; };
+    const Scratch<uint64_t> shared = shared_sums(planes, window, std::max(count, 0), centre_of);
+    for (ptrdiff_t k = 0; k < count; ++k) {
+        uint64_t own;
+        points[k].value = rounded_level(*sums_of(shared, k, planes, window, centre_of(k), &own), window);
     }
     return 0;
 }

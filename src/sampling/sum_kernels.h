@@ -18,8 +18,35 @@ using AddRow = void(uint32_t* sums, const uint16_t* entering, int32_t count);
 // sums[i] += entering[i] - leaving[i], for a leaving row that the sums hold.
 using ExchangeRow = void(uint32_t* sums, const uint16_t* entering, const uint16_t* leaving, int32_t count);
 
+// sums[i] becomes the sum, modulo 2^32, of the samples i - interleave, i - 2 * interleave, ... for i in 0 ..
+// count + interleave - 1: the sum of a span of a plane is the difference of the two at its ends. interleave
+// is 1 or 2.
+using RunningSamples = void(const uint16_t* samples, int32_t count, int32_t interleave, uint32_t* sums);
+
+// The same with sums of columns in place of samples, without an interleave.
+using RunningColumns = void(const uint32_t* columns, int32_t count, uint32_t* sums);
+
+// A row of a window by the running sums at its two ends, for the leftmost of the windows that stand side by
+// side.
+template <class Sum>
+struct SpanRow {
+    const Sum* start;
+    const Sum* end;
+};
+
+// Writes the rounded level of `count` windows side by side: the sum of their rows times `scale`, which is 1
+// by the number of their taps. A sum fits the 32 bits, or 52 bits if it is wide.
+using AverageSpans = void(const SpanRow<uint32_t>* rows, int32_t row_count, int32_t count, float scale,
+                          uint16_t* dst);
+using AverageWideSpans = void(const SpanRow<uint64_t>* rows, int32_t row_count, int32_t count, float scale,
+                              uint16_t* dst);
+
 ZERKLSC_DECLARE_KERNEL(add_pairs, AddPairs)
 ZERKLSC_DECLARE_KERNEL(add_row, AddRow)
 ZERKLSC_DECLARE_KERNEL(exchange_row, ExchangeRow)
+ZERKLSC_DECLARE_KERNEL(running_samples, RunningSamples)
+ZERKLSC_DECLARE_KERNEL(running_columns, RunningColumns)
+ZERKLSC_DECLARE_KERNEL(average_spans, AverageSpans)
+ZERKLSC_DECLARE_KERNEL(average_wide_spans, AverageWideSpans)
 
 } // namespace zerklsc

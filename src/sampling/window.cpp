@@ -31,6 +31,11 @@ int64_t measure_reach(const imfilter_t& filter, int32_t* reach) {
 // Adds the samples of the rows top .. bottom, all of which reach equally far.
 void add_band(const PlaneSet& planes, int32_t mode, int64_t top, int64_t bottom, int64_t left, int64_t right,
               uint64_t sums[4]) {
+    if (left >= 0 && right < planes.width && top >= 0 && bottom < planes.height) {
+        const auto whole = [](int64_t v) { return static_cast<int32_t>(v); };
+        return add_block(planes, {whole(left), whole(top), whole(right - left + 1), whole(bottom - top + 1)},
+                         1, sums);
+    }
     const Runs columns = tap_runs(planes.width, left, right, mode);
     for (const Run& row : tap_runs(planes.height, top, bottom, mode)) {
         for (const Run& column : columns)
@@ -51,11 +56,11 @@ Window make_window(const imfilter_t& filter) {
     window.reach = allocate<int32_t>(static_cast<uint64_t>(filter.filter_radius) + 1);
     if (window.reach == nullptr)
         return window;
-    const int64_t taps = measure_reach(filter, window.reach.get());
-    if (taps == 0)
+    window.taps = measure_reach(filter, window.reach.get());
+    if (window.taps == 0)
         window.reach.reset();
     else
-        window.scale = 1.0f / static_cast<float>(taps);
+        window.scale = 1.0f / static_cast<float>(window.taps);
     return window;
 }
 

@@ -16,7 +16,8 @@ struct Window {
     int32_t radius = 0;
     int32_t boundary_mode = 0;
     bool box = false;
-    float scale = 0.0f;     // 1 / number of taps of weight 1
+    int64_t taps = 0;       // of weight 1
+    float scale = 0.0f;     // 1 / taps
     Scratch<int32_t> reach; // radius + 1 elements by distance from the centre row; -1 for a row without ones
 
     // Null when the filter is refused: unknown type or boundary mode, radius below 0 or above max_radius, a
@@ -26,6 +27,9 @@ struct Window {
     // How far the ones reach from the middle of the row at distance dy from the centre.
     int32_t reach_of(int32_t dy) const { return reach.get()[dy < 0 ? -dy : dy]; }
 };
+
+// The most taps whose full-scale samples sum up within 32 bits.
+constexpr int64_t max_narrow_taps = UINT32_MAX / UINT16_MAX;
 
 Window make_window(const imfilter_t& filter);
 

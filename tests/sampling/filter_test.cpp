@@ -1,6 +1,8 @@
 #include "zerklsc.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 
 #include <gtest/gtest.h>
 
@@ -13,9 +15,11 @@ namespace {
 
 using namespace zerklsc::testing;
 
-// Box, or the disc of a Gaussian of sigma 1.5, tap by tap.
+// Box, or the disc of a Gaussian, tap by tap: d^2 <= 2 pi sigma^2 ln 2.
 uint16_t level_at(const uint16_t* centre, int32_t stride, const imfilter_t& filter) {
-    const double reach = filter.filter_type == ZERKLSC_FILTER_BOX ? 1e9 : 4.355 * 1.5 * 1.5;
+    const double reach = filter.filter_type == ZERKLSC_FILTER_BOX
+                             ? 1e9
+                             : 4.355172180607204 * std::pow(static_cast<double>(*filter.sigma), 2);
     const int32_t r = filter.filter_radius;
     uint64_t sum = 0, taps = 0;
     for (int32_t dy = -r; dy <= r; ++dy) {
@@ -32,13 +36,24 @@ uint16_t level_at(const uint16_t* centre, int32_t stride, const imfilter_t& filt
 // nothing is read beyond them.
 TEST(Filter, CoversStrideManyRowsOfTheGivenColumns) {
     Random random(10);
-    float sigma = 1.5f;
+    float sigma = 1.5f, broad = 7.3f, wide = 90.0f;
     const struct {
         int32_t s1, s2;
         imfilter_t filter;
-    } cases[] = {
-        {6, 4, box(2)},   {6, 4, gaussian(2, &sigma)}, {6, 4, box(0)},  {5, 5, box(1, 77)}, {9, 12, box(3)},
-        {40, 33, box(7)}, {20, 9, box(127)},           {8, 5, box(128)}};
+    } cases[] = {{6, 4, box(2)},
+                 {6, 4, gaussian(2, &sigma)},
+                 {6, 4, box(0)},
+                 {5, 5, box(1, 77)},
+                 {9, 12, box(3)},
+                 {40, 33, box(7)},
+                 {20, 9, box(127)},
+                 {8, 5, box(128)},
+                 {3, 70, box(9)},
+                 {41, 67, gaussian(9, &sigma)},
+                 {30, 40, gaussian(12, &broad)},
+                 {3, 2500, box(2)},
+                 {2, 700, gaussian(40, &broad)},
+                 {4, 9, gaussian(150, &wide)}};
     for (const auto& [s1, s2, filter] : cases) {
         const size_t margin = static_cast<size_t>(filter.filter_radius * (s1 + 1));
         const size_t size = static_cast<size_t>((s1 - 1) * s1 + s2);
@@ -50,8 +65,13 @@ TEST(Filter, CoversStrideManyRowsOfTheGivenColumns) {
             for (int32_t at = row * s1; at < row * s1 + s2; ++at)
                 expected[static_cast<size_t>(at)] = level_at(src.data() + margin + at, s1, filter);
         }
-        EXPECT_EQ(img_filter(src.data() + margin, dst.data(), s1, s2, &filter), 0);
-        EXPECT_EQ(dst.copy(), expected) << s1 << ' ' << s2 << " radius " << filter.filter_radius;
+        for (const char* const cpu : {"base", "neon", "avx2", "avx512"}) {
+            setenv("ZERKLSC_CPU", cpu, 1);
+            std::fill(dst.begin(), dst.end(), uint16_t{3});
+            EXPECT_EQ(img_filter(src.data() + margin, dst.data(), s1, s2, &filter), 0);
+            EXPECT_EQ(dst.copy(), expected) << s1 << ' ' << s2 << " radius " << filter.filter_radius << cpu;
+        }
+        unsetenv("ZERKLSC_CPU");
     }
 }
 

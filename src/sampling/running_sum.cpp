@@ -1,0 +1,129 @@
+// Running sums of a row, and the averages over windows whose rows are spans between them.
+
+// No vector goes from one function to another that is not inlined, so that it does not matter how it would.
+#if !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wpsabi"
+#endif
+
+#include <utility>
+
+#include "cpu/vectors.h"
+#include "sampling/sum_kernels.h"
+
+namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
+namespace {
+
+// 32-bit sums, and as many 64-bit sums.
+using Narrow = Vector<uint32_t>;
+using Wide = Vector<uint64_t, 2 * vector_bytes>;
+using Lanes = std::make_integer_sequence<int, lanes<Narrow>>;
+
+// The lanes moved up by `by`, with zeros below them.
+template <int by, class V, int... lane>
+ZERKLSC_SIMD V moved_up(V v, std::integer_sequence<int, lane...>) {
+    return shuffle<(lane < by ? lane : lanes<V> + lane - by)...>(V{}, v);
+}
+
+// The highest `interleave` lanes, over and over.
+template <int interleave, class V, int... lane>
+ZERKLSC_SIMD V highest(V v, std::integer_sequence<int, lane...>) {
+    return shuffle<(lanes<V> - interleave + lane % interleave)...>(v, v);
+}
+
+// Every lane plus all those below it at multiples of `interleave`.
+template <int interleave, class V>
+ZERKLSC_SIMD V running(V v) {
+    if constexpr (interleave < lanes<V>)
+        return running<2 * interleave>(v + moved_up<interleave>(v, Lanes{}));
+    else
+        return v;
+}
+
+template <int interleave, class Value>
+ZERKLSC_SIMD void run_along(const Value* values, int32_t count, uint32_t* sums) {
+    using V = Narrow;
+    using Values = Vector<Value, lanes<V> * int32_t{sizeof(Value)}>;
+    for (int32_t i = 0; i < interleave; ++i)
+        sums[i] = 0;
+    sums += interleave;
+    int32_t i = 0;
+    V carry{};
+    for (; i + lanes<V> <= count; i += lanes<V>) {
+        const V sum = running<interleave>(__builtin_convertvector(load<Values>(values + i), V)) + carry;
+        store(sums + i, sum);
+        carry = highest<interleave>(sum, Lanes{});
+    }
+    for (; i < count; ++i)
+        sums[i] = sums[i - interleave] + values[i];
+}
+
+using Floats = Vector<float>;
+
+ZERKLSC_SIMD Floats to_floats(Narrow sums) {
+    return __builtin_convertvector(sums, Floats);
+}
+
+// Sums below 2^52 become the mantissas of doubles above 2^52, which makes doubles of them without rounding.
+ZERKLSC_SIMD Floats to_floats(Wide sums) {
+    using Doubles = Vector<double, 2 * vector_bytes>;
+    const auto shifted = reinterpret_cast<Doubles>(sums | 0x4330000000000000u);
+    return __builtin_convertvector(shifted - 0x1p52, Floats);
+}
+
+// `blocks` vectors of averages, side by side.
+template <int32_t blocks, class V, class Sum>
+ZERKLSC_SIMD void average_block(const SpanRow<Sum>* rows, int32_t row_count, int32_t x, float scale,
+                                uint16_t* dst) {
+    V sums[blocks] = {};
+    for (int32_t k = 0; k < row_count; ++k)
+        for (int32_t b = 0; b < blocks; ++b)
+            sums[b] += load<V>(rows[k].end + x + b * lanes<V>) - load<V>(rows[k].start + x + b * lanes<V>);
+    for (int32_t b = 0; b < blocks; ++b) {
+        const Floats level = to_floats(sums[b]) * scale + 0.5f;
+        using Levels = Vector<uint16_t, vector_bytes / 2>;
+        store(dst + x + b * lanes<V>, __builtin_convertvector(__builtin_convertvector(level, Sums), Levels));
+    }
+}
+
+// What is left over at the end goes one by one.
+template <class V, class Sum>
+ZERKLSC_SIMD void average(const SpanRow<Sum>* rows, int32_t row_count, int32_t count, float scale,
+                          uint16_t* dst) {
+    constexpr int32_t blocks = 4;
+    int32_t x = 0;
+    for (; x + blocks * lanes<V> <= count; x += blocks * lanes<V>)
+        average_block<blocks, V>(rows, row_count, x, scale, dst);
+    for (; x + lanes<V> <= count; x += lanes<V>)
+        average_block<1, V>(rows, row_count, x, scale, dst);
+    for (; x < count; ++x) {
+        Sum sum = 0;
+        for (int32_t k = 0; k < row_count; ++k)
+            sum += rows[k].end[x] - rows[k].start[x];
+        dst[x] = static_cast<uint16_t>(static_cast<int32_t>(static_cast<float>(sum) * scale + 0.5f));
+    }
+}
+
+} // namespace
+
+void running_samples(const uint16_t* samples, int32_t count, int32_t interleave, uint32_t* sums) {
+    if (interleave == 2)
+        run_along<2>(samples, count, sums);
+    else
+        run_along<1>(samples, count, sums);
+}
+
+void running_columns(const uint32_t* columns, int32_t count, uint32_t* sums) {
+    run_along<1>(columns, count, sums);
+}
+
+void average_spans(const SpanRow<uint32_t>* rows, int32_t row_count, int32_t count, float scale,
+                   uint16_t* dst) {
+    average<Narrow>(rows, row_count, count, scale, dst);
+}
+
+void average_wide_spans(const SpanRow<uint64_t>* rows, int32_t row_count, int32_t count, float scale,
+                        uint16_t* dst) {
+    average<Wide>(rows, row_count, count, scale, dst);
+}
+
+} // namespace zerklsc::ZERKLSC_INSTRUCTION_SET
