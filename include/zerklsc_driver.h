@@ -67,6 +67,16 @@ enum {
 /** lsc_otp_info.precision_mode: bits that a node of all four tables takes in the stream. */
 enum { ZERKLSC_PRECISION_24_BITS = 0, ZERKLSC_PRECISION_14_BITS = 1 };
 
+/** What a generator found; all zero for a field without a fault. */
+typedef struct zerklsc_report {
+    uint32_t clipped_samples[4]; /**< by plane number: samples above 1023 without their black level, which the gains
+                                      around them take as 1023 */
+    uint32_t capped_nodes[4];    /**< by plane number: inner nodes of the table that hold the highest gain of the ISP
+                                      type, too dark to be corrected in full */
+    uint32_t dark_row_ends;      /**< halvane: last nodes of rows whose brightness, continued beyond the last sample,
+                                      is not above 0; over all planes */
+} zerklsc_report;
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -118,6 +128,30 @@ ZERKLSC_API zerklsc_status zerklsc_check_correction(const lsc2d_info* info);
  */
 ZERKLSC_API zerklsc_status zerklsc_correct(const lsc2d_info* info, const uint16_t* in, size_t in_stride, uint16_t* out,
                                            size_t out_stride, int32_t first_row, int32_t rows);
+
+/**
+ * bicubic_lnc_param_gen_orvel_otp() with a status and counts instead of printed lines: the same tables to the bit.
+ *
+ * @param raw     the flat field, param->width x param->height samples without padding
+ * @param param   as for that function; the record is read, the tables it names are written
+ * @param report  written when the call succeeds; may be null
+ * @return        ZERKLSC_OK; with nothing written ZERKLSC_NULL_POINTER, ZERKLSC_UNKNOWN_PATTERN, ZERKLSC_BAD_STEP (low
+ *                byte of the step 0), ZERKLSC_BAD_RADIUS (the margin is as wide as a plane), ZERKLSC_TOO_FEW_NODES
+ *                (fewer than 3 x 3), ZERKLSC_NO_MEMORY, or ZERKLSC_UNKNOWN_ISP (types above 3)
+ */
+ZERKLSC_API zerklsc_status zerklsc_generate_orvel_otp(const uint16_t* raw, const isp_param_tag* param,
+                                                      zerklsc_report* report);
+
+/**
+ * The same for bicubic_lnc_param_gen_halvane().
+ *
+ * @param raw     the flat field, param->width x param->height samples without padding
+ * @param param   as for that function; corner_ratio is written, and the tables
+ * @param report  written when the call succeeds; may be null
+ * @return        as zerklsc_generate_orvel_otp(), and ZERKLSC_PLANE_TOO_SMALL for planes of fewer than 50 samples in
+ *                either direction
+ */
+ZERKLSC_API zerklsc_status zerklsc_generate_halvane(const uint16_t* raw, isp_param_tag* param, zerklsc_report* report);
 
 /**
  * The bytes of an OTP stream, for the buffer of lsc_compress() or the part of a memory that holds it.

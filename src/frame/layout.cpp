@@ -1,7 +1,7 @@
 // The record layouts that compiled callers rely on, for 32-bit and 64-bit pointers.
 #include <cstddef>
 
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace {
 
@@ -109,5 +109,10 @@ LAYOUT(lsc_otp_info, grid_height, 8, 8);
 LAYOUT(lsc_otp_info, lsc_table, 12, 16);
 LAYOUT(lsc_otp_info, stream, 28, 48);
 LAYOUT(lsc_otp_info, precision_mode, 32, 56);
+
+SIZE(zerklsc_report, 36, 36);
+LAYOUT(zerklsc_report, clipped_samples, 0, 0);
+LAYOUT(zerklsc_report, capped_nodes, 16, 16);
+LAYOUT(zerklsc_report, dark_row_ends, 32, 32);
 
 } // namespace

@@ -21,14 +21,16 @@ void count_nodes(uint8_t isp_type, GeneratorGeometry& geometry) {
 
 } // namespace
 
-bool generator_geometry(const isp_param_tag& param, GeneratorGeometry& geometry) {
+zerklsc_status generator_geometry(const isp_param_tag& param, GeneratorGeometry& geometry) {
     const int32_t width = param.width >> 1;
     const int32_t height = param.height >> 1;
     const int32_t step = generator_step(param.grid);
     // A radius below 0 is a margin of 2^31 or more, wider than any image.
     const uint32_t margin = static_cast<uint32_t>(param.filter_radius);
-    if (step == 0 || margin >= static_cast<uint32_t>(std::min(width, height)))
-        return false;
+    if (step == 0)
+        return ZERKLSC_BAD_STEP;
+    if (margin >= static_cast<uint32_t>(std::min(width, height)))
+        return ZERKLSC_BAD_RADIUS;
     geometry = {.width = width,
                 .height = height,
                 .step = step,
@@ -36,7 +38,7 @@ bool generator_geometry(const isp_param_tag& param, GeneratorGeometry& geometry)
                 .grid_w = 0,
                 .grid_h = 0};
     count_nodes(param.isp_type, geometry);
-    return geometry.grid_w >= 3 && geometry.grid_h >= 3;
+    return geometry.grid_w >= 3 && geometry.grid_h >= 3 ? ZERKLSC_OK : ZERKLSC_TOO_FEW_NODES;
 }
 
 } // namespace zerklsc

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc {
 
@@ -22,7 +22,7 @@ constexpr int32_t generator_step(uint32_t grid) {
     return static_cast<int32_t>(grid & 0xFFu);
 }
 
-// False when the sizes in the record cannot be worked with.
-bool generator_geometry(const isp_param_tag& param, GeneratorGeometry& geometry);
+// Says why the sizes in the record cannot be worked with: BAD_STEP, BAD_RADIUS or TOO_FEW_NODES.
+zerklsc_status generator_geometry(const isp_param_tag& param, GeneratorGeometry& geometry);
 
 } // namespace zerklsc

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "bicubic/generator/clipped_samples.h"
 #include "bicubic/generator/colour_plane.h"
 #include "bicubic/generator/gains.h"
 #include "bicubic/generator/target.h"
@@ -12,9 +13,12 @@
 namespace zerklsc {
 namespace {
 
-bool usable(const uint16_t* raw, const isp_param_tag* param, GeneratorGeometry& geometry) {
-    return raw != nullptr && param != nullptr && param->bayer_pattern <= highest_bayer_pattern
-           && all_given(param->lsc_table) && generator_geometry(*param, geometry);
+zerklsc_status check(const uint16_t* raw, const isp_param_tag* param, GeneratorGeometry& geometry) {
+    if (raw == nullptr || param == nullptr || !all_given(param->lsc_table))
+        return ZERKLSC_NULL_POINTER;
+    if (param->bayer_pattern > highest_bayer_pattern)
+        return ZERKLSC_UNKNOWN_PATTERN;
+    return generator_geometry(*param, geometry);
 }
 
 // The table of a plane: the corrections read it through the same pointer.
@@ -50,17 +54,26 @@ void finish_table(const isp_param_tag& param, View<uint16_t> table) {
         format_lsc_table(table.data, table.width, table.height);
 }
 
+uint32_t count_inner_nodes(View<uint16_t> table, uint16_t gain) {
+    uint32_t count = 0;
+    for (int32_t y = ZERKLSC_BORDER; y < table.height - ZERKLSC_BORDER; ++y)
+        for (int32_t x = ZERKLSC_BORDER; x < table.width - ZERKLSC_BORDER; ++x)
+            count += table.at(x, y) == gain ? 1 : 0;
+    return count;
+}
+
 } // namespace
 
-bool prepare(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job) {
+zerklsc_status prepare(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job) {
     GeneratorGeometry& geometry = job.geometry;
-    if (!usable(raw, param, geometry))
-        return false;
+    const zerklsc_status status = check(raw, param, geometry);
+    if (status != ZERKLSC_OK)
+        return status;
     job.raw = {raw, 2 * geometry.width, 2 * geometry.height, param->width};
     if (!allocate_sums(geometry, job.sums))
-        return false;
+        return ZERKLSC_NO_MEMORY;
     job.averages = allocate<double>(geometry.grid_w, geometry.grid_h);
-    return job.averages != nullptr;
+    return job.averages != nullptr ? ZERKLSC_OK : ZERKLSC_NO_MEMORY;
 }
 
 GeneratorFindings fill_tables(const GeneratorJob& job, const isp_param_tag& param, double corner_share,
@@ -81,6 +94,17 @@ GeneratorFindings fill_tables(const GeneratorJob& job, const isp_param_tag& para
         finish_table(param, table);
     }
     return findings;
+}
+
+zerklsc_report make_report(const GeneratorJob& job, const isp_param_tag& param,
+                           const GeneratorFindings& findings) {
+    zerklsc_report report{};
+    for_each_clipped_sample(job.raw, param, [&report](int32_t plane) { ++report.clipped_samples[plane]; });
+    const auto highest = static_cast<uint16_t>(gain_format(param.isp_type).highest);
+    for (int32_t plane = 0; plane < ZERKLSC_CHANNELS; ++plane)
+        report.capped_nodes[plane] = count_inner_nodes(table_of(param, plane, job.geometry), highest);
+    report.dark_row_ends = static_cast<uint32_t>(findings.extended_not_above_zero);
+    return report;
 }
 
 void print_findings(const GeneratorFindings& findings, const isp_param_tag& param) {

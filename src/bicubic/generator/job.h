@@ -7,7 +7,7 @@
 #include "bicubic/generator/node_averages.h"
 #include "frame/scratch.h"
 #include "frame/view.h"
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc {
 
@@ -19,8 +19,9 @@ struct GeneratorJob {
     Scratch<double> averages; // one per node
 };
 
-// Finds out everything that can refuse the call and takes its memory; false leaves everything untouched.
-bool prepare(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job);
+// Finds out everything that can refuse the call of either generator and takes its memory; a refusal leaves
+// everything untouched.
+zerklsc_status prepare(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job);
 
 // Whether the last average of a row stays at the last sample or is moved out to its node.
 enum class LastNodes { as_measured, extended };
@@ -37,6 +38,10 @@ GeneratorFindings fill_tables(const GeneratorJob& job, const isp_param_tag& para
 
 // Prints what was found, in lines of a fixed text.
 void print_findings(const GeneratorFindings& findings, const isp_param_tag& param);
+
+// What was found, and what the frame and the finished tables show beside it.
+zerklsc_report make_report(const GeneratorJob& job, const isp_param_tag& param,
+                           const GeneratorFindings& findings);
 
 // The share that a record asks for.
 constexpr double requested_share(const isp_param_tag& param) {

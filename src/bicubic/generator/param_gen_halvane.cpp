@@ -1,13 +1,14 @@
-// bicubic_lnc_param_gen_halvane
+// bicubic_lnc_param_gen_halvane, zerklsc_generate_halvane
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "bicubic/generator/clipped_samples.h"
 #include "bicubic/generator/colour_plane.h"
+#include "bicubic/generator/gains.h"
 #include "bicubic/generator/job.h"
 #include "bicubic/generator/target.h"
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace {
 
@@ -16,8 +17,13 @@ using namespace zerklsc;
 constexpr int32_t patch_side = 50;
 constexpr double patch_share = 0.0004; // 1 / 50^2
 
-bool has_patches(const GeneratorGeometry& geometry) {
-    return geometry.width >= patch_side && geometry.height >= patch_side;
+// As prepare(), and for this generator's patches.
+zerklsc_status prepare_patches(const uint16_t* raw, const isp_param_tag* param, GeneratorJob& job) {
+    const zerklsc_status status = prepare(raw, param, job);
+    if (status != ZERKLSC_OK)
+        return status;
+    const bool room = job.geometry.width >= patch_side && job.geometry.height >= patch_side;
+    return room ? ZERKLSC_OK : ZERKLSC_PLANE_TOO_SMALL;
 }
 
 double patch_mean(const ColourPlane& plane, int32_t left, int32_t top) {
@@ -71,9 +77,22 @@ GeneratorFindings generate(const GeneratorJob& job, isp_param_tag& param) {
 
 int32_t bicubic_lnc_param_gen_halvane(uint16_t* raw, isp_param_tag* param) {
     GeneratorJob job{};
-    if (!prepare(raw, param, job) || !has_patches(job.geometry))
+    if (prepare_patches(raw, param, job) != ZERKLSC_OK)
         return -1;
     print_clipped_samples(job.raw, *param);
     print_findings(generate(job, *param), *param);
     return 0;
+}
+
+zerklsc_status zerklsc_generate_halvane(const uint16_t* raw, isp_param_tag* param, zerklsc_report* report) {
+    GeneratorJob job{};
+    const zerklsc_status status = prepare_patches(raw, param, job);
+    if (status != ZERKLSC_OK)
+        return status;
+    if (!has_gain_format(param->isp_type))
+        return ZERKLSC_UNKNOWN_ISP;
+    const GeneratorFindings findings = generate(job, *param);
+    if (report != nullptr)
+        *report = make_report(job, *param, findings);
+    return ZERKLSC_OK;
 }
