@@ -1,0 +1,57 @@
+// zerklsc_correct() with any rows and strides against lsc2d_correction_wrapper() on the whole frame.
+#include <cstdlib>
+
+#include "support/input.h"
+#include "zerklsc_driver.h"
+
+namespace {
+
+// A frame in rows of `stride` samples, without padding behind the last.
+std::vector<uint16_t> padded(const std::vector<uint16_t>& packed, size_t width, size_t stride) {
+    std::vector<uint16_t> frame((packed.size() / width - 1) * stride + width, 0xABCD);
+    for (size_t i = 0; i < packed.size(); ++i)
+        frame[i / width * stride + i % width] = packed[i];
+    return frame;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace zerklsc::fuzz;
+    Input input(data, size);
+    lsc2d_info info{};
+    info.algorithm = input.take<uint8_t>() % 6;
+    info.grid = static_cast<uint16_t>(input.number());
+    info.width = static_cast<uint16_t>(input.number());
+    info.height = static_cast<uint16_t>(input.number());
+    const int32_t first_row = input.number(), rows = input.number();
+    const size_t stride = info.width + input.take<uint8_t>() % size_t{40};
+    const int64_t samples = elements_of(static_cast<int64_t>(stride), info.height);
+    int32_t table_w = 0, table_h = 0;
+    lsc2d_table_size(info.width / 2, info.height / 2, info.grid, info.grid, &table_w, &table_h);
+    const int64_t entries = elements_of(table_w, table_h);
+    if (samples <= 0 || entries < 0 || info.width == 0)
+        return 0;
+    std::vector<uint16_t> tables[4];
+    for (int c = 0; c < 4; ++c) {
+        tables[c] = input.buffer<uint16_t>(entries);
+        info.lsc_table[c] = tables[c].data();
+    }
+    const auto packed = input.buffer<uint16_t>(int64_t{info.width} * info.height);
+    const auto in = padded(packed, info.width, stride);
+    auto out = in;
+    const auto status = zerklsc_correct(&info, in.data(), stride * sizeof(uint16_t), out.data(),
+                                        stride * sizeof(uint16_t), first_row, rows);
+    auto whole = packed;
+    if (!ZERKLSC_REFUSED(status))
+        lsc2d_correction_wrapper(whole.data(), whole.data(), &info);
+    for (size_t i = 0; i < in.size(); ++i) {
+        const size_t x = i % stride;
+        const auto y = static_cast<int64_t>(i / stride);
+        const bool corrected =
+            !ZERKLSC_REFUSED(status) && x < info.width && y >= first_row && y < int64_t{first_row} + rows;
+        if (out[i] != (corrected ? whole[i / stride * info.width + x] : in[i]))
+            std::abort();
+    }
+    return 0;
+}
