@@ -16,7 +16,7 @@ namespace zerklsc {
 namespace {
 
 // Gains of 64 and more wrap around: the table keeps their low 16 bits.
-void store_table(const NodeGrid& grid, const float* inner, uint16_t* table) {
+void store_table(const SurfaceGrid& grid, const float* inner, uint16_t* table) {
     // Every node is a sum over all inner nodes, most of them with the weight 0, which a value that is not
     // finite turns into not a number.
     const bool finite =
@@ -36,7 +36,8 @@ bool invert_or_warn(System& system, int32_t unknowns) {
     return inversion == Inversion::done;
 }
 
-bool calibrate(const FlatField& flat, uint16_t** tables, const NodeGrid& grid, int32_t step, int32_t start) {
+bool calibrate(const FlatField& flat, uint16_t** tables, const SurfaceGrid& grid, int32_t step,
+               int32_t start) {
     const FitLines columns = fit_lines(flat.planes.width, step, start);
     const FitLines rows = fit_lines(flat.planes.height, step, start);
     if (columns.at == nullptr || rows.at == nullptr || !lines_fit(flat, columns, rows))
@@ -59,7 +60,7 @@ bool calibrate(const FlatField& flat, uint16_t** tables, const NodeGrid& grid, i
 int32_t lsc2d_calibration_beta(uint16_t* image, int32_t width, int32_t height, uint16_t** tables, int32_t nx,
                                int32_t ny, lsc2d_calib_param* param) {
     using namespace zerklsc;
-    const NodeGrid grid = {nx, ny};
+    const SurfaceGrid grid = {nx, ny};
     if (param->grid <= 0 || nx < 4 || ny < 4 || grid.inner_count() > INT32_MAX)
         return -1;
     const FlatField flat = make_flat_field(

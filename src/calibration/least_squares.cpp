@@ -27,7 +27,7 @@ Scratch<double> allocate_zeros(uint64_t count) {
 
 } // namespace
 
-System make_system(const NodeGrid& grid, int32_t step, const FitLines& columns, const FitLines& rows,
+System make_system(const SurfaceGrid& grid, int32_t step, const FitLines& columns, const FitLines& rows,
                    const FlatField& flat) {
     const uint64_t unknowns = static_cast<uint64_t>(grid.inner_count());
     const Scratch<AxisTaps> column_taps = line_taps(columns, step, grid.width);
@@ -51,7 +51,7 @@ System make_system(const NodeGrid& grid, int32_t step, const FitLines& columns, 
 }
 
 // The products are taken in double precision, the sums kept in single precision.
-void solve(const System& system, const NodeGrid& grid, float* inner) {
+void solve(const System& system, const SurfaceGrid& grid, float* inner) {
     const ptrdiff_t unknowns = static_cast<ptrdiff_t>(grid.inner_count());
     for (ptrdiff_t m = 0; m < unknowns; ++m) {
         const double* const inverse = system.normal.get() + m * unknowns;

@@ -18,10 +18,10 @@ struct System {
 };
 
 // From the gains at the crossings of the lines, `step` being the distance of the nodes.
-System make_system(const NodeGrid& grid, int32_t step, const FitLines& columns, const FitLines& rows,
+System make_system(const SurfaceGrid& grid, int32_t step, const FitLines& columns, const FitLines& rows,
                    const FlatField& flat);
 
 // The inner nodes of the four channels, one channel after the other, once the matrix is inverted.
-void solve(const System& system, const NodeGrid& grid, float* inner);
+void solve(const System& system, const SurfaceGrid& grid, float* inner);
 
 } // namespace zerklsc

@@ -43,7 +43,7 @@ AxisTaps axis_taps(int32_t position, float per_step, int32_t nodes) {
     return taps;
 }
 
-DesignRow design_row(const AxisTaps& x, const AxisTaps& y, const NodeGrid& grid) {
+DesignRow design_row(const AxisTaps& x, const AxisTaps& y, const SurfaceGrid& grid) {
     DesignRow row = {};
     row.x = std::max(x.first - 1, 0);
     row.y = std::max(y.first - 1, 0);
@@ -56,7 +56,7 @@ DesignRow design_row(const AxisTaps& x, const AxisTaps& y, const NodeGrid& grid)
     return row;
 }
 
-void add_to_normal_matrix(const DesignRow& row, const NodeGrid& grid, double* normal) {
+void add_to_normal_matrix(const DesignRow& row, const SurfaceGrid& grid, double* normal) {
     const ptrdiff_t width = grid.inner_width();
     const ptrdiff_t unknowns = static_cast<ptrdiff_t>(grid.inner_count());
     const ptrdiff_t first = row.y * width + row.x;
@@ -69,7 +69,7 @@ void add_to_normal_matrix(const DesignRow& row, const NodeGrid& grid, double* no
             }
 }
 
-void add_to_right_sides(const DesignRow& row, const NodeGrid& grid, const float* gains, double* right) {
+void add_to_right_sides(const DesignRow& row, const SurfaceGrid& grid, const float* gains, double* right) {
     for (int q = 0; q < row.rows; ++q) {
         double* to = right + ((row.y + q) * ptrdiff_t{grid.inner_width()} + row.x) * ZERKLSC_CHANNELS;
         for (int p = 0; p < row.columns; ++p)
@@ -78,7 +78,7 @@ void add_to_right_sides(const DesignRow& row, const NodeGrid& grid, const float*
     }
 }
 
-float node_value(int32_t i, int32_t j, const NodeGrid& grid, const float* inner) {
+float node_value(int32_t i, int32_t j, const SurfaceGrid& grid, const float* inner) {
     const Tie x = tie(i, grid.width);
     const Tie y = tie(j, grid.height);
     float sum = 0.0f;

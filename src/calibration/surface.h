@@ -9,9 +9,9 @@
 
 namespace zerklsc {
 
-// Nodes per row and rows of nodes, border included, at least 4 of each; the inner nodes are numbered row by
-// row.
-struct NodeGrid {
+// The nodes that a surface is interpolated from: columns and rows of nodes, border included, at least 4 of
+// each. The inner nodes are numbered row by row.
+struct SurfaceGrid {
     int32_t width;
     int32_t height;
 
@@ -38,16 +38,16 @@ struct DesignRow {
     double weight[4][4]; // [row][column]
 };
 
-DesignRow design_row(const AxisTaps& x, const AxisTaps& y, const NodeGrid& grid);
+DesignRow design_row(const AxisTaps& x, const AxisTaps& y, const SurfaceGrid& grid);
 
 // normal += row * row^T, with `normal` inner_count() x inner_count().
-void add_to_normal_matrix(const DesignRow& row, const NodeGrid& grid, double* normal);
+void add_to_normal_matrix(const DesignRow& row, const SurfaceGrid& grid, double* normal);
 
 // right += row * gains, for the four channels: `right` has four elements for each inner node, `gains` has
 // four.
-void add_to_right_sides(const DesignRow& row, const NodeGrid& grid, const float* gains, double* right);
+void add_to_right_sides(const DesignRow& row, const SurfaceGrid& grid, const float* gains, double* right);
 
 // The value of node (i, j) from the inner nodes, all finite.
-float node_value(int32_t i, int32_t j, const NodeGrid& grid, const float* inner);
+float node_value(int32_t i, int32_t j, const SurfaceGrid& grid, const float* inner);
 
 } // namespace zerklsc
