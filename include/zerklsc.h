@@ -656,7 +656,7 @@ ZERKLSC_API unsigned short find_peak_intensity(unsigned short* plane, pix_point*
  * Memory, w being the width of a plane and r the radius; nothing of the size of the frame:
  * @verbatim
  * method 0      8 * n + 12 * w + 8
- * method 1      at most 16 * e + 16 * n + 12 * w + 8
+ * method 1      at most 12 * e + 16 * n + 12 * w + 8
  * methods 2, 4  at most 20 * n + 4 * e + 4 * w + 40 * r + 128, of which 16 * n stays allocated
  * method 3      as lsc2d_calibration_beta()
  * @endverbatim

@@ -64,11 +64,7 @@ int32_t run_halvane(Request& request, const lsc2d_info& info) {
 int32_t run_orvel_otp(Request& request, const lsc2d_info& info) {
     const TableSet staged(request.table_w, request.table_h);
     TableSet nodes(request.table_w - border, request.table_h - border);
-    // Nothing uses this buffer: it belongs to the memory that callers see the method take. The empty
-    // statement keeps the compiler from leaving it out.
-    const TableSet spare(request.table_w, request.table_h);
-    asm volatile("" : : "r"(spare.buffer.get()));
-    if (!staged || !nodes || !spare)
+    if (!staged || !nodes)
         return -1;
     lsc2d_info staged_info = info;
     std::copy_n(staged.tables, ZERKLSC_CHANNELS, staged_info.lsc_table);

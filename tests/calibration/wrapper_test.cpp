@@ -163,21 +163,21 @@ TEST(Wrapper, RunsTheStepsOfEachMethodAndOnlyReadsTheFrame) {
     }
 }
 
-// Beside the nodes, the staged tables and the two that border building takes there is one that nothing uses.
-TEST(Wrapper, SpareBufferOfTheGeneratorMethodIsTaken) {
-    std::vector<uint16_t> raw = vignetted(200, 150);
-    size_t requests[2] = {};
-    for (const bool alone : {false, true}) {
-        Call call(1, 200, 150, 16, 3);
-        isp_param_tag isp{};
-        lsc2d_info_to_isp_param(&call.info, &isp);
-        const AllocationScope scope;
-        EXPECT_EQ(alone ? bicubic_lnc_param_gen_orvel_otp(raw.data(), &isp)
-                        : lsc2d_calibration_wrapper(raw.data(), &call.info),
-                  0);
-        requests[alone] = scope.requests();
+// The model's factor is the percentage in the corner of the planes, where the first inner node lies, and 1 in
+// their centre.
+TEST(Wrapper, CornersKeepTheShadingPercentage) {
+    const std::vector<uint16_t> raw = vignetted(192, 128);
+    const int32_t w = Call::table_size(192, 16);
+    for (int32_t algorithm = 2; algorithm <= 4; ++algorithm) {
+        Call whole(algorithm, 192, 128, 16, 2, 100), kept(algorithm, 192, 128, 16, 2, 80);
+        ASSERT_EQ(lsc2d_calibration_wrapper(raw.data(), &whole.info), 0);
+        ASSERT_EQ(lsc2d_calibration_wrapper(raw.data(), &kept.info), 0);
+        for (int c = 0; c < 4; ++c) {
+            const Guarded<uint16_t>&a = whole.tables.table[c], &b = kept.tables.table[c];
+            EXPECT_NEAR(b.copy()[static_cast<size_t>(w + 1)], 0.8 * a.copy()[static_cast<size_t>(w + 1)], 1);
+            EXPECT_EQ(b.copy()[static_cast<size_t>(3 * w + 4)], a.copy()[static_cast<size_t>(3 * w + 4)]);
+        }
     }
-    EXPECT_EQ(requests[0], requests[1] + 5);
 }
 
 TEST(Wrapper, EveryFailedAllocationIsRefused) {
