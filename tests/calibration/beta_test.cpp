@@ -153,11 +153,11 @@ TEST(SurfaceFit, SingularSystemIsReportedAndWritesNoTable) {
 TEST(SurfaceFit, WhatCannotBeMeasuredIsRefused) {
     // A list of lines that would never end, or leaves the plane; a window that does; an unknown boundary
     // mode; planes without room for a centre cluster.
-    const Geometry refused[] = {
-        {256, 192, 7, 2},         {256, 192, 1, 1},   {256, 192, 0, 2},    {256, 192, -16, 2},
-        {256, 192, INT32_MAX, 2}, {256, 192, 16, -1}, {256, 192, 16, 112}, {256, 192, 16, INT32_MAX},
-        {256, 192, 16, 2, 2},     {19, 256, 16, 2},   {1, 1, 16, 2},       {0, 256, 16, 2},
-        {-256, -256, 16, 2}};
+    const Geometry refused[] = {{256, 192, 7, 2},     {256, 192, 1, 1},         {256, 192, 0, 2},
+                                {256, 192, -16, 2},   {256, 192, INT32_MAX, 2}, {256, 192, 16, -1},
+                                {256, 192, 16, 112},  {256, 192, 16, 9000},     {256, 192, 16, INT32_MAX},
+                                {256, 192, 16, 2, 2}, {19, 256, 16, 2},         {1, 1, 16, 2},
+                                {0, 256, 16, 2},      {-256, -256, 16, 2}};
     const Samples frame(256 * 256, 100);
     for (const Geometry& g : refused) {
         const Outcome outcome = fit(frame, g, 10, 8, Against::back);

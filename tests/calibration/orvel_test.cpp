@@ -22,8 +22,15 @@ TEST(Orvel, EqualsThePlainForm) {
     Random random(20);
     const struct {
         int32_t width, height, grid, radius;
-    } cases[] = {{81, 61, 16, 3}, {64, 65, 10, 0},   {41, 40, 7, 19},
-                 {20, 90, 3, 7},  {400, 300, 64, 8}, {226, 200, 60, 91}};
+    } cases[] = {{81, 61, 16, 3},
+                 {64, 65, 10, 0},
+                 {41, 40, 7, 19},
+                 {20, 90, 3, 7},
+                 {400, 300, 64, 8},
+                 {226, 200, 60, 91},
+                 // The windows of the centre cluster begin with the plane and end one sample beyond it.
+                 {29, 34, 4, 6},
+                 {46, 28, 4, 6}};
     for (const auto& c : cases) {
         int32_t w, h;
         lsc2d_table_size(c.width / 2, c.height / 2, c.grid, c.grid, &w, &h);
