@@ -1,0 +1,57 @@
+// Every exported function with input of one thread's own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "zerklsc.h"
+
+namespace zerklsc::testing {
+
+// Buffers for one call of any function, filled anew from a seed, and a digest of what the calls wrote.
+struct Workbench {
+    static constexpr int32_t width = 132, height = 84, step = 8, radius = 3;
+    static constexpr int32_t plane_w = width / 2, plane_h = height / 2;
+    static constexpr int32_t grid_w = 10, grid_h = 7, table_w = grid_w + 2, table_h = grid_h + 2;
+
+    std::vector<uint16_t> frame, other;
+    std::vector<uint16_t> plane[4];
+    uint16_t* planes[4];
+    std::vector<uint16_t> table[4];
+    uint16_t* tables[4];
+    std::vector<float> floats, more_floats;
+    std::vector<int16_t> words[4];
+    std::vector<uint8_t> stream;
+    lsc2d_info info{};
+    isp_param_tag isp{};
+    lsc2d_calib_param param{};
+    imfilter_t filter{ZERKLSC_FILTER_BOX, radius, ZERKLSC_BOUNDARY_MIRROR, nullptr};
+    uint64_t digest = 0xCBF29CE484222325u;
+
+    explicit Workbench(uint64_t seed);
+    Workbench(const Workbench&) = delete;
+    Workbench& operator=(const Workbench&) = delete;
+
+    // FNV-1a (Fowler, Noll, Vo).
+    void note(const void* bytes, size_t count);
+
+    template <class T>
+    void note(const std::vector<T>& values) {
+        note(values.data(), values.size() * sizeof(T));
+    }
+
+    void note(int64_t value) { note(&value, sizeof value); }
+    void note_tables();
+};
+
+struct EntryPoint {
+    const char* symbol;
+    void (*call)(Workbench&);
+};
+
+std::span<const EntryPoint> entry_points();
+
+} // namespace zerklsc::testing
