@@ -193,48 +193,50 @@ TEST_F(BandsCall, MissingPointersAreRefused) {
     EXPECT_EQ(frame, before);
 }
 
+constexpr struct {
+    int algorithm;
+    uint16_t width, height, grid;
+    zerklsc_status status;
+} geometries[] = {
+    {2, 4000, 3000, 64, ZERKLSC_OK},
+    {0, 4000, 3000, 16, ZERKLSC_OK},
+    {-1, 4000, 3000, 64, ZERKLSC_UNKNOWN_ALGORITHM},
+    {5, 0, 0, 0, ZERKLSC_UNKNOWN_ALGORITHM},
+    {1, 0, 3000, 64, ZERKLSC_EMPTY_FRAME},
+    {4, 4000, 0, 0, ZERKLSC_EMPTY_FRAME},
+    {2, 4000, 3000, 0, ZERKLSC_BAD_STEP},
+    {4, 4000, 3000, 256, ZERKLSC_BAD_STEP},
+    {3, 4208, 3120, 260, ZERKLSC_BAD_STEP},
+    {2, 4098, 3000, 64, ZERKLSC_OTHER_TABLE_SIZE}, // 2049 is 32 * 64 + 1
+    {2, 4099, 3000, 64, ZERKLSC_OTHER_TABLE_SIZE},
+    {2, 4000, 2050, 64, ZERKLSC_OTHER_TABLE_SIZE},
+    {2, 4000, 3000, 1,
+     ZERKLSC_OTHER_TABLE_SIZE}, // a step of 1: the last sample is a node, and no node follows
+    {2, 1, 3000, 64, ZERKLSC_OTHER_TABLE_SIZE},
+    {4, 4098, 2050, 64, ZERKLSC_OK},
+    {4, 4000, 3000, 255, ZERKLSC_OK},
+    {4, 1, 1, 1, ZERKLSC_OK},
+    {2, 4000, 3000, 24, ZERKLSC_STEP_NOT_SMOOTH},
+    {3, 4000, 3000, 65, ZERKLSC_STEP_NOT_SMOOTH},
+    {3, 100, 3000, 128, ZERKLSC_STEP_NOT_SMOOTH},
+    {3, 126, 3000, 32, ZERKLSC_NARROW_FRAME},
+    {3, 128, 3000, 32, ZERKLSC_OK},
+    {4, 126, 3000, 32, ZERKLSC_OK},
+};
+
 TEST(CorrectionFits, EachGeometryHasTheReasonThatTheManualNames) {
-    const struct {
-        int algorithm;
-        uint16_t width, height, grid;
-        zerklsc_status status;
-    } cases[] = {
-        {2, 4000, 3000, 64, ZERKLSC_OK},
-        {0, 4000, 3000, 16, ZERKLSC_OK},
-        {-1, 4000, 3000, 64, ZERKLSC_UNKNOWN_ALGORITHM},
-        {5, 0, 0, 0, ZERKLSC_UNKNOWN_ALGORITHM},
-        {1, 0, 3000, 64, ZERKLSC_EMPTY_FRAME},
-        {4, 4000, 0, 0, ZERKLSC_EMPTY_FRAME},
-        {2, 4000, 3000, 0, ZERKLSC_BAD_STEP},
-        {4, 4000, 3000, 256, ZERKLSC_BAD_STEP},
-        {3, 4208, 3120, 260, ZERKLSC_BAD_STEP},
-        {2, 4098, 3000, 64, ZERKLSC_OTHER_TABLE_SIZE}, // 2049 is 32 * 64 + 1
-        {2, 4099, 3000, 64, ZERKLSC_OTHER_TABLE_SIZE},
-        {2, 4000, 2050, 64, ZERKLSC_OTHER_TABLE_SIZE},
-        {2, 4000, 3000, 1,
-         ZERKLSC_OTHER_TABLE_SIZE}, // a step of 1: the last sample is a node, and no node follows
-        {2, 1, 3000, 64, ZERKLSC_OTHER_TABLE_SIZE},
-        {4, 4098, 2050, 64, ZERKLSC_OK},
-        {4, 4000, 3000, 255, ZERKLSC_OK},
-        {4, 1, 1, 1, ZERKLSC_OK},
-        {2, 4000, 3000, 24, ZERKLSC_STEP_NOT_SMOOTH},
-        {3, 4000, 3000, 65, ZERKLSC_STEP_NOT_SMOOTH},
-        {3, 100, 3000, 128, ZERKLSC_STEP_NOT_SMOOTH},
-        {3, 126, 3000, 32, ZERKLSC_NARROW_FRAME},
-        {3, 128, 3000, 32, ZERKLSC_OK},
-        {4, 126, 3000, 32, ZERKLSC_OK},
-    };
-    for (const auto& c : cases) {
+    for (const auto& c : geometries) {
         lsc2d_info info{};
         info.width = c.width;
         info.height = c.height;
         info.grid = c.grid;
         info.algorithm = c.algorithm;
-        EXPECT_EQ(zerklsc_check_correction(&info), c.status) << &c - cases;
+        EXPECT_EQ(zerklsc_check_correction(&info), c.status) << &c - geometries;
         uint16_t sample = 9;
         std::fill(info.lsc_table, info.lsc_table + 4, &sample);
         if (ZERKLSC_REFUSED(c.status)) {
-            EXPECT_EQ(zerklsc_correct(&info, &sample, 65534, &sample, 65534, 0, 1), c.status) << &c - cases;
+            EXPECT_EQ(zerklsc_correct(&info, &sample, 65534, &sample, 65534, 0, 1), c.status)
+                << &c - geometries;
             EXPECT_EQ(sample, 9);
         }
     }
