@@ -11,6 +11,9 @@
  * module's memory; lsc2d_table_mapping() for other crops and sizes of the same sensor. The other functions
  * are the parts that these are made of, grouped by what they work on.
  *
+ * Drivers find what they need beyond in zerklsc_driver.h: frames with padded rows, bands of rows for several
+ * threads, a reason for every refusal, and whether a geometry fits an ISP, before the picture is wrong.
+ *
  * Calibrate, correct and pack:
  * @code
  * #include <stdlib.h>
@@ -371,6 +374,8 @@ ZERKLSC_API void lsc2d_grid_samples(int32_t width, int32_t height, int32_t step_
  *     takes the gain of the node for the whole cell: the correction is weak.
  *   - It takes the low byte of the step. Above 255, it reads tables of the size that this function gives for
  *     that byte, which are larger: memory beyond them.
+ *
+ * zerklsc_check_correction() of zerklsc_driver.h finds all of them.
  *
  * @param width    plane width in samples, half that of the raw frame
  * @param height   plane height in samples, half that of the raw frame

@@ -31,7 +31,9 @@ absolute_folders) # taken as they are; everything else stays relative; without a
     grep -qx 'includedir=/opt/vendor/include' build/zerklsc.pc
     grep -q -- '-O3 -DNDEBUG' build/build.ninja
     cmake build -DCMAKE_INSTALL_LIBDIR=lib/x86_64-linux-gnu -DCMAKE_INSTALL_INCLUDEDIR=include >output
+    # shellcheck disable=SC2016  # variables of pkg-config
     grep -qx 'prefix=${pcfiledir}/../../..' build/zerklsc.pc
+    # shellcheck disable=SC2016
     grep -qx 'includedir=${prefix}/include' build/zerklsc.pc
     ;;
 subproject) # a static library, from folders with spaces, linked by a C compiler with -lm and nothing else
