@@ -1,10 +1,4 @@
 // Running sums of a row, and the averages over windows whose rows are spans between them.
-
-// No vector goes from one function to another that is not inlined, so that it does not matter how it would.
-#if !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wpsabi"
-#endif
-
 #include <utility>
 
 #include "cpu/vectors.h"
@@ -13,10 +7,13 @@
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
 
-// 32-bit sums, and as many 64-bit sums.
 using Narrow = Vector<uint32_t>;
-using Wide = Vector<uint64_t, 2 * vector_bytes>;
+using Wide = Vector<uint64_t>;
 using Lanes = std::make_integer_sequence<int, lanes<Narrow>>;
+
+// As many elements of another type.
+template <class T, class V>
+using As = Vector<T, lanes<V> * int32_t{sizeof(T)}>;
 
 // The lanes moved up by `by`, with zeros below them.
 template <int by, class V, int... lane>
@@ -42,14 +39,13 @@ ZERKLSC_SIMD V running(V v) {
 template <int interleave, class Value>
 ZERKLSC_SIMD void run_along(const Value* values, int32_t count, uint32_t* sums) {
     using V = Narrow;
-    using Values = Vector<Value, lanes<V> * int32_t{sizeof(Value)}>;
     for (int32_t i = 0; i < interleave; ++i)
         sums[i] = 0;
     sums += interleave;
     int32_t i = 0;
     V carry{};
     for (; i + lanes<V> <= count; i += lanes<V>) {
-        const V sum = running<interleave>(__builtin_convertvector(load<Values>(values + i), V)) + carry;
+        const V sum = running<interleave>(__builtin_convertvector(load<As<Value, V>>(values + i), V)) + carry;
         store(sums + i, sum);
         carry = highest<interleave>(sum, Lanes{});
     }
@@ -57,17 +53,14 @@ ZERKLSC_SIMD void run_along(const Value* values, int32_t count, uint32_t* sums) 
         sums[i] = sums[i - interleave] + values[i];
 }
 
-using Floats = Vector<float>;
-
-ZERKLSC_SIMD Floats to_floats(Narrow sums) {
-    return __builtin_convertvector(sums, Floats);
+ZERKLSC_SIMD As<float, Narrow> to_floats(Narrow sums) {
+    return __builtin_convertvector(sums, As<float, Narrow>);
 }
 
 // Sums below 2^52 become the mantissas of doubles above 2^52, which makes doubles of them without rounding.
-ZERKLSC_SIMD Floats to_floats(Wide sums) {
-    using Doubles = Vector<double, 2 * vector_bytes>;
-    const auto shifted = reinterpret_cast<Doubles>(sums | 0x4330000000000000u);
-    return __builtin_convertvector(shifted - 0x1p52, Floats);
+ZERKLSC_SIMD As<float, Wide> to_floats(Wide sums) {
+    const auto shifted = reinterpret_cast<As<double, Wide>>(sums | 0x4330000000000000u);
+    return __builtin_convertvector(shifted - 0x1p52, As<float, Wide>);
 }
 
 // `blocks` vectors of averages, side by side.
@@ -79,9 +72,8 @@ ZERKLSC_SIMD void average_block(const SpanRow<Sum>* rows, int32_t row_count, int
         for (int32_t b = 0; b < blocks; ++b)
             sums[b] += load<V>(rows[k].end + x + b * lanes<V>) - load<V>(rows[k].start + x + b * lanes<V>);
     for (int32_t b = 0; b < blocks; ++b) {
-        const Floats level = to_floats(sums[b]) * scale + 0.5f;
-        using Levels = Vector<uint16_t, vector_bytes / 2>;
-        store(dst + x + b * lanes<V>, __builtin_convertvector(__builtin_convertvector(level, Sums), Levels));
+        const auto level = __builtin_convertvector(to_floats(sums[b]) * scale + 0.5f, As<int32_t, V>);
+        store(dst + x + b * lanes<V>, __builtin_convertvector(level, As<uint16_t, V>));
     }
 }
 
