@@ -32,19 +32,14 @@ ByColour<Words> get_nodes(const uint32_t* words) {
              base - get_field<layout.of[Gr]>(low, high)}};
 }
 
-// The first lane in every lane.
-Words first_everywhere(Words x) {
-    return shuffle<0, 0, 0, 0, 0, 0, 0, 0>(x, x);
-}
-
 // Each lane becomes the sum of itself, the lanes before it and `carry`; the last sum is the next carry.
 Words sum_rightwards(Words x, Words& carry) {
     const Words zero{};
-    x += shuffle<0, 8, 9, 10, 11, 12, 13, 14>(zero, x);
-    x += shuffle<0, 1, 8, 9, 10, 11, 12, 13>(zero, x);
-    x += shuffle<0, 1, 2, 3, 8, 9, 10, 11>(zero, x);
+    x += shuffle<7, 8, 9, 10, 11, 12, 13, 14>(zero, x);
+    x += shuffle<6, 7, 8, 9, 10, 11, 12, 13>(zero, x);
+    x += shuffle<4, 5, 6, 7, 8, 9, 10, 11>(zero, x);
     x += carry;
-    carry = shuffle<7, 7, 7, 7, 7, 7, 7, 7>(x, x);
+    carry = every_lane<7>(x);
     return x;
 }
 
@@ -55,7 +50,7 @@ Words sum_leftwards(Words x, Words& carry) {
     x += shuffle<2, 3, 4, 5, 6, 7, 8, 9>(x, zero);
     x += shuffle<4, 5, 6, 7, 8, 9, 10, 11>(x, zero);
     x += carry;
-    carry = first_everywhere(x);
+    carry = every_lane<0>(x);
     return x;
 }
 
@@ -88,7 +83,7 @@ void add_left_half(const DecompressedRow& row) {
     if (row.centre.first == row.centre.last) {
         carry = get_nodes<mode>(row.words + end);
         for (Words& x : carry.of)
-            x = first_everywhere(x);
+            x = every_lane<0>(x);
     }
     for (ptrdiff_t c = end - block_nodes; c > -block_nodes; c -= block_nodes) {
         ByColour<Words> x = get_nodes<mode>(row.words + c);

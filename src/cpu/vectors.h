@@ -96,6 +96,7 @@ ZERKLSC_SIMD void prefetch(const uint16_t* in, uint16_t* out) {
 
 // Operations that each family has instructions of its own for. Words are read as signed, but by multiply_high
 // and saturating_subtract.
+//   every_lane<i>(a)           lane i of the words a in every lane
 //   pair_dot(a, b)             sums of the products of two neighbouring words, modulo 2^32
 //   pack(a, b)                 sums as words, saturated; in each 16 bytes first those of a, then those of b
 //   interleave_low, _high      words of a and b in turn, from the low or high half of each 16 bytes

@@ -5,6 +5,12 @@
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 
+template <int lane>
+ZERKLSC_SIMD Words every_lane(Words x) {
+    const auto v = reinterpret_cast<uint16x8_t>(x);
+    return reinterpret_cast<Words>(vdupq_lane_u16(lane < 4 ? vget_low_u16(v) : vget_high_u16(v), lane % 4));
+}
+
 ZERKLSC_SIMD int32x2_t neighbour_sums(int32x4_t v) {
     return vpadd_s32(vget_low_s32(v), vget_high_s32(v));
 }

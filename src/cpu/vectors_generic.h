@@ -3,6 +3,11 @@
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 
+template <int lane>
+ZERKLSC_SIMD Words every_lane(Words x) {
+    return Words{} + x[lane];
+}
+
 ZERKLSC_SIMD Sums pair_dot(Words a, Words b) {
     Sums sums{};
     for (int32_t i = 0; i < lanes<Words>; ++i) {

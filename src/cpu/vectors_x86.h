@@ -17,6 +17,15 @@
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 
+template <int lane>
+ZERKLSC_SIMD Words every_lane(Words x) {
+#if ZERKLSC_VECTOR_BYTES == 16
+    return shuffle<lane, lane, lane, lane, lane, lane, lane, lane>(x, x);
+#else
+    return Words{} + x[lane];
+#endif
+}
+
 #define ZERKLSC_OPERATION(result, name, operand, intrinsic)                                                  \
     ZERKLSC_SIMD result name(operand a, operand b) {                                                         \
         return reinterpret_cast<result>(ZERKLSC_X86(intrinsic)(reinterpret_cast<ZERKLSC_REGISTER>(a),        \
