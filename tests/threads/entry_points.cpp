@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "support/random.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc::testing {
 namespace {
@@ -73,6 +74,35 @@ void differences(W& b) {
     b.note(b.words[0]);
     b.note(deintra_cnl_diff(b.words[0].data(), gw, gh, 1, 0));
     b.note(b.words[0]);
+}
+
+void band(W& b) {
+    constexpr size_t stride = W::width * sizeof(uint16_t);
+    b.note(zerklsc_check_correction(&b.info));
+    b.note(zerklsc_correct(&b.info, b.frame.data(), stride, b.other.data(), stride, 11, 50));
+    b.note(b.other);
+}
+
+void stream_fit(W& b) {
+    const lsc_otp_info info = otp(b);
+    b.note(zerklsc_check_stream(&info));
+    b.note(static_cast<int64_t>(zerklsc_stream_size(tw, th, 1)));
+}
+
+void reports(W& b) {
+    zerklsc_report report{};
+    b.note(zerklsc_generate_orvel_otp(b.frame.data(), &b.isp, &report));
+    b.note(&report, sizeof report);
+    b.note_tables();
+    b.isp.width = 120; // planes of 60 x 51
+    b.note(zerklsc_generate_halvane(b.frame.data(), &b.isp, &report));
+    b.note(&report, sizeof report);
+    b.note_tables();
+}
+
+void texts(W& b) {
+    b.note(zerklsc_status_text(ZERKLSC_BAD_STEP), 4);
+    b.note(zerklsc_version());
 }
 
 void otp_stream(W& b) {
@@ -252,6 +282,10 @@ constexpr EntryPoint all[] = {
     {"intra_cnl_diff deintra_cnl_diff", differences},
     {"store_data load_data", store_and_load},
     {"lsc_compress lsc_decompress", otp_stream},
+    {"zerklsc_check_correction zerklsc_correct", band},
+    {"zerklsc_check_stream zerklsc_stream_size", stream_fit},
+    {"zerklsc_generate_orvel_otp zerklsc_generate_halvane", reports},
+    {"zerklsc_status_text zerklsc_version", texts},
 };
 
 } // namespace

@@ -13,9 +13,9 @@ namespace zerklsc::testing {
 
 // Buffers for one call of any function, filled anew from a seed, and a digest of what the calls wrote.
 struct Workbench {
-    static constexpr int32_t width = 132, height = 84, step = 8, radius = 3;
+    static constexpr int32_t width = 132, height = 104, step = 8, radius = 3;
     static constexpr int32_t plane_w = width / 2, plane_h = height / 2;
-    static constexpr int32_t grid_w = 10, grid_h = 7, table_w = grid_w + 2, table_h = grid_h + 2;
+    static constexpr int32_t grid_w = 10, grid_h = 8, table_w = grid_w + 2, table_h = grid_h + 2;
 
     std::vector<uint16_t> frame, other;
     std::vector<uint16_t> plane[4];
