@@ -15,6 +15,12 @@ void add_grid_options(Command command, CalibrationSettings& settings) {
                 "correction kept at the corners, percent; 100 corrects fully")
         .range(1, 100)
         .show_default();
+    command
+        .option(
+            "--max-memory", settings.max_memory,
+            "memory that the fit of algorithm beta may take, MiB; it grows with the fourth power of 1 / step")
+        .range(1, 1 << 20)
+        .show_default();
 }
 
 } // namespace zerklsc::tool

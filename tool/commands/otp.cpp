@@ -86,9 +86,11 @@ std::string reason_of(const GainTables& tables, int mode, const StreamLoss& loss
             "another node count (zerklsc resample)",
             tables.table_width - 2 * ZERKLSC_BORDER, tables.table_height - 2 * ZERKLSC_BORDER);
     if (std::ranges::any_of(loss.saturated, [](int n) { return n > 0; }))
-        return fmt::format(
-            "gains change faster than the fields can hold: {}choose a smaller step (zerklsc resample)",
-            mode == 0 ? "" : "use --mode 0, or ");
+        return fmt::format("gains of neighbouring nodes differ by more than the fields of the stream hold: "
+                           "{}choose a smaller step "
+                           "(zerklsc resample) where the lens is that steep, or look at the capture for "
+                           "dust, shadows and clipping",
+                           mode == 0 ? "" : "use --mode 0, or ");
     if (unstored_nodes(tables, mode) > 0)
         return "the last nodes are not stored: use --mode 0, or choose a step with another node count";
     return "rounding alone loses that much: use --mode 0, or allow it with --max-error";
@@ -148,7 +150,7 @@ GainTables described(const DecodeOptions& options) {
     tables.pattern = *pattern;
     tables.black = *black;
     tables.bits = 10;
-    tables.resize();
+    tables.set_table_size();
     return tables;
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 
 #include "failure.h"
 #include "imaging/library_messages.h"
@@ -27,6 +28,24 @@ void check_geometry(const RawFrame& flat, const GainTables& tables) {
     if (tables.filter_radius >= shorter)
         data_failure("{}: --radius {} reaches beyond planes of {} x {}: give a --radius below {}", flat.name,
                      tables.filter_radius, tables.plane_width(), tables.plane_height(), shorter);
+}
+
+// The surface fit solves a dense system of one equation per node, in two square matrices of doubles, in a
+// time that grows with the cube of their side.
+void check_fit(const RawFrame& flat, const GainTables& tables, int max_memory) {
+    const double nodes =
+        double(tables.table_width - 2 * ZERKLSC_BORDER) * (tables.table_height - 2 * ZERKLSC_BORDER);
+    const double mebibytes = 16 * nodes * nodes / (1 << 20);
+    // 42 ms for 825 nodes, on a desktop processor of 2023.
+    const double seconds = 0.042 * std::pow(nodes / 825, 3);
+    if (mebibytes > max_memory)
+        data_failure("{}: algorithm beta at step {} fits {:.0f} nodes, which takes {:.0f} MiB of memory and "
+                     "about {:.0f} "
+                     "seconds (limit {} MiB): give a larger --step, or raise --max-memory",
+                     flat.name, tables.step, nodes, mebibytes, seconds, max_memory);
+    if (seconds > 10)
+        warn(fmt::format("{}: the fit of {:.0f} nodes takes about {:.0f} seconds: a larger --step is quicker",
+                         flat.name, nodes, seconds));
 }
 
 // What the two parameter generators read: the calibration record as words.
@@ -120,8 +139,11 @@ GainTables calibrate(const RawFrame& flat, BayerPattern pattern, const BlackLeve
     tables.pattern = pattern;
     tables.black = black;
     tables.bits = flat.bits;
-    tables.resize();
+    tables.set_table_size();
     check_geometry(flat, tables);
+    if (tables.algorithm == ZERKLSC_ALGORITHM_BETA)
+        check_fit(flat, tables, settings.max_memory);
+    tables.resize();
 
     LibraryMessages messages;
     const int32_t status = run(flat, tables);

@@ -10,6 +10,7 @@ struct CalibrationSettings {
     int step = 64;
     int radius = 8;
     int shading_percent = 100;
+    int max_memory = 1024; // MiB that the surface fit of algorithm 3 may take
 };
 
 // Runs the algorithm on a frame whose black level `black` has been taken off. Algorithms 0 and 1 take 10-bit

@@ -77,17 +77,17 @@ double largest_error(const GainTables& tables, const GainTables& decoded, Colour
 
 } // namespace
 
-int inner_nodes(const GainTables& tables) {
-    return inner_width(tables) * inner_height(tables);
+int64_t inner_nodes(const GainTables& tables) {
+    return int64_t{inner_width(tables)} * inner_height(tables);
 }
 
 size_t stream_size(const GainTables& tables, int mode) {
-    const int nodes = inner_nodes(tables);
+    const int64_t nodes = inner_nodes(tables);
     return static_cast<size_t>(mode == 0 ? 3 * nodes : 7 * (nodes / group));
 }
 
 int unstored_nodes(const GainTables& tables, int mode) {
-    return mode == 0 ? 0 : inner_nodes(tables) % group;
+    return mode == 0 ? 0 : static_cast<int>(inner_nodes(tables) % group);
 }
 
 bool decodes_wrong(const GainTables& tables) {
@@ -112,6 +112,7 @@ void decode_stream(const std::string& stream, const std::string& name, GainTable
             "right geometry",
             name, stream.size(), tables.table_width, tables.table_height, stream_size(tables, 0),
             stream_size(tables, 1));
+    tables.resize();
     std::string bytes = stream;
     lsc_otp_info info = otp_info(tables, bytes, mode);
     if (lsc_decompress(&info) != 0)

@@ -13,7 +13,7 @@ constexpr int lowest_precision_mode = 0;
 constexpr int highest_precision_mode = 1;
 
 // The inner nodes of a table: those that a stream stores.
-int inner_nodes(const GainTables& tables);
+int64_t inner_nodes(const GainTables& tables);
 
 // The exact length in bytes of a stream.
 size_t stream_size(const GainTables& tables, int mode);
@@ -27,8 +27,8 @@ bool decodes_wrong(const GainTables& tables);
 
 std::string encode_stream(const GainTables& tables, int mode);
 
-// Fills the gains of `tables`, whose geometry and pattern are those of the stream; the mode follows from its
-// length. `name` is for messages.
+// Makes the gains of `tables`, whose geometry and pattern are those of the stream; the mode follows from its
+// length, which is checked before anything is allocated. `name` is for messages.
 void decode_stream(const std::string& stream, const std::string& name, GainTables& tables);
 
 struct StreamLoss {

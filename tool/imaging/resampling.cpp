@@ -22,13 +22,31 @@ int inner(int table_side) {
     return table_side - 2 * ZERKLSC_BORDER;
 }
 
+// More nodes than samples of a large sensor's plane carry no information, and take hundreds of megabytes.
+constexpr int64_t largest_grid = int64_t{1} << 22;
+
+void check_grid(int width, int height, int step, const std::string& name) {
+    GainTables target;
+    target.raw_width = width;
+    target.raw_height = height;
+    target.step = step;
+    target.set_table_size();
+    const int64_t columns = inner(target.table_width), rows = inner(target.table_height);
+    if (columns * rows > largest_grid)
+        data_failure(
+            "{}: frames of {} x {} with step {} need a grid of {} x {} nodes, and {} nodes are the most: "
+            "choose a larger step",
+            name, width, height, step, columns, rows, largest_grid);
+}
+
 void check_status(int32_t status, const GainTables& result, const std::string& name) {
-    if (status != 0)
-        data_failure("{}: cannot be carried over to frames of {} x {} with --step {}, which is a grid of {} "
-                     "x {} nodes: "
-                     "give a smaller --step",
-                     name, result.raw_width, result.raw_height, result.step,
-                     result.table_width - 2 * ZERKLSC_BORDER, result.table_height - 2 * ZERKLSC_BORDER);
+    if (status == 0)
+        return;
+    const int columns = inner(result.table_width), rows = inner(result.table_height);
+    data_failure("{}: cannot be carried over to frames of {} x {} with step {}, a grid of {} x {} nodes: {}",
+                 name, result.raw_width, result.raw_height, result.step, columns, rows,
+                 std::min(columns, rows) < 3 ? "at least 3 x 3 are needed: choose a smaller step"
+                                             : "calibrate with a smaller step");
 }
 
 lsc2d_grid grid_of(const GainTables& tables, uint16_t* table) {
@@ -68,6 +86,9 @@ lsc2d_table_desc desc_of(GainTables& tables, size_t plane, int width, int height
 } // namespace
 
 GainTables resample_step(const GainTables& tables, const std::string& name, int step) {
+    if (step == tables.step)
+        return tables;
+    check_grid(tables.raw_width, tables.raw_height, step, name);
     GainTables source = tables;
     GainTables result = resized(tables, tables.raw_width, tables.raw_height, step);
     for (size_t plane = 0; plane < source.gains.size(); ++plane) {
@@ -81,6 +102,11 @@ GainTables resample_step(const GainTables& tables, const std::string& name, int 
 
 GainTables resample_crop(const GainTables& tables, const std::string& name, const CropWindow& crop, int width,
                          int height, int step) {
+    const bool whole =
+        crop.x == 0 && crop.y == 0 && crop.width == tables.raw_width && crop.height == tables.raw_height;
+    if (whole && width == tables.raw_width && height == tables.raw_height)
+        return resample_step(tables, name, step);
+    check_grid(width, height, step, name);
     GainTables source = tables;
     GainTables result = resized(tables, width, height, step);
     const Axis x = end_at_last_node({tables.plane_width(), crop.x / 2, crop.width / 2, result.plane_width()},
