@@ -1,6 +1,7 @@
 // one_line, say, warn, warnings, be_quiet, Progress
 #include "terminal.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include <fmt/core.h>
@@ -33,6 +34,8 @@ void say(const std::string& message) {
 }
 
 void warn(const std::string& message) {
+    if (std::ranges::find(kept_warnings, message) != kept_warnings.end())
+        return;
     kept_warnings.push_back(message);
     if (!quiet)
         say("warning: " + message);

@@ -12,7 +12,8 @@ std::string one_line(const std::string& text);
 // One line about why a command gives up.
 void say(const std::string& message);
 
-// One line about something that does not stop the command but that the user should know.
+// One line about something that does not stop the command but that the user should know. Said once however
+// often it is found.
 void warn(const std::string& message);
 
 // All warnings of this run.

@@ -8,10 +8,11 @@
 #include "commands/grid_options.h"
 #include "commands/raw_options.h"
 #include "commands/report.h"
+#include "failure.h"
+#include "imaging/captures.h"
 #include "imaging/exposure.h"
-#include "imaging/levels.h"
+#include "imaging/prediction.h"
 #include "io/file_identity.h"
-#include "io/json_value.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
@@ -21,37 +22,55 @@
 namespace zerklsc::tool {
 namespace {
 
+// Beyond this, corrected captures are visibly not flat.
+constexpr double flat_enough = 0.02;
+
 struct Options {
     RawOptions raw;
+    std::vector<std::string> flats;
     CalibrationSettings settings;
     std::string algorithm = "orvel";
     double clip_limit = usual_clip_limit;
     std::string output, text;
 };
 
-struct Channel {
-    Colour colour;
-    PlaneLevels levels; // before correction
-    double largest_gain;
+// How flat the ISP's correction leaves captures, the worst channel of the worst of them.
+struct Prediction {
+    double on_captures = 0;  // that the tables were made from
+    double on_left_out = -1; // each by tables made from the others; negative where there is but one
 };
 
-using Channels = std::vector<Channel>;
-
-BlackLevel black_or_warning(const RawFrame& frame) {
-    if (!frame.black)
-        warn(fmt::format("{}: the black level is not known: 0 is taken (--black-level says another)",
-                         frame.name));
-    return black_level_of(frame, {});
+std::vector<RawFrame> read_captures(const Options& options) {
+    std::vector<RawFrame> captures;
+    for (const std::string& path : options.flats) {
+        RawOptions raw = options.raw;
+        raw.path = path;
+        captures.push_back(read_raw(raw, UnknownBlack::refuse));
+    }
+    check_alike(captures);
+    return captures;
 }
 
-Channels measure(const RawFrame& light, const GainTables& tables) {
-    Channels channels;
-    const int blocks = std::min(usual_blocks, std::min(light.width, light.height) / 2);
-    for (const Colour colour : all_colours) {
-        const int plane = plane_of_colour(tables.pattern, colour);
-        channels.push_back({colour, measure_plane(light, plane, blocks), tables.largest_gain(plane)});
+GainTables calibrate_light(RawFrame frame, const CalibrationSettings& settings) {
+    const BlackLevel black = *frame.black;
+    subtract_black(frame, black);
+    return calibrate(frame, *frame.pattern, black, settings);
+}
+
+Prediction predict(const std::vector<RawFrame>& captures, const GainTables& tables,
+                   const CalibrationSettings& settings) {
+    const Isp isp = isp_of_algorithm(settings.algorithm);
+    const auto flatness = [&](const RawFrame& frame, const GainTables& gains) {
+        return worst_flatness(predict_levels(frame, gains, "the calibrated tables", isp));
+    };
+    Prediction prediction;
+    for (const RawFrame& capture : captures)
+        prediction.on_captures = std::max(prediction.on_captures, flatness(capture, tables));
+    for (size_t i = 0; captures.size() > 1 && i < captures.size(); ++i) {
+        const GainTables others = calibrate_light(mean_of(captures, static_cast<int>(i)), settings);
+        prediction.on_left_out = std::max(prediction.on_left_out, flatness(captures[i], others));
     }
-    return channels;
+    return prediction;
 }
 
 void warn_about_gains(const std::string& name, const GainTables& tables) {
@@ -71,38 +90,57 @@ void warn_about_gains(const std::string& name, const GainTables& tables) {
             "from its centre",
             name, below));
     if (capped > 0)
-        warn(fmt::format("{}: {} nodes need the highest gain of 16.0 or more: raise the exposure", name,
-                         capped));
+        warn(fmt::format(
+            "{}: {} nodes would need the highest gain of 16.0 or more and stay dark: look for what covers "
+            "the frame there, and at the black level",
+            name, capped));
 }
 
-void print_table(Report& report, const GainTables& tables, const Channels& channels) {
+void report_channels(Report& report, const FrameLevels& levels, const GainTables& tables) {
+    std::vector<std::vector<std::string>> rows{{"channel", "centre", "corner/centre", "largest gain"}};
+    JsonValue list = JsonValue::array();
+    for (const Colour colour : all_colours) {
+        const int number = plane_of_colour(tables.pattern, colour);
+        const PlaneLevels& plane = levels[static_cast<size_t>(number)];
+        const double gain = tables.largest_gain(number);
+        rows.push_back({name_of(colour), fmt::format("{:.2f}", plane.centre()),
+                        percent(plane.corner_to_centre()), fmt::format("{:.3f}", gain)});
+        list.add(JsonValue::object({{"colour", name_of(colour)},
+                                    {"centre", rounded(plane.centre())},
+                                    {"corner_to_centre", rounded(plane.corner_to_centre())},
+                                    {"largest_gain", rounded(gain)}}));
+    }
     report.print(fmt::format("algorithm {} ({}), step {}, radius {}, shading {} %, tables of {} x {}\n",
                              tables.algorithm, algorithm_name(tables.algorithm), tables.step,
                              tables.filter_radius, tables.shading_percent, tables.table_width,
                              tables.table_height));
-    std::vector<std::vector<std::string>> rows{{"channel", "centre", "corner/centre", "largest gain"}};
-    for (const auto& [colour, levels, gain] : channels)
-        rows.push_back({name_of(colour), fmt::format("{:.1f}", levels.centre()),
-                        percent(levels.corner_to_centre()), fmt::format("{:.3f}", gain)});
     report.print(text_table(rows));
-}
-
-void add_tables(Report& report, const GainTables& tables) {
     report.add("algorithm", tables.algorithm);
     report.add("step", tables.step);
     report.add("filter_radius", tables.filter_radius);
     report.add("shading_percent", tables.shading_percent);
     report.add("table_size", JsonValue::array({tables.table_width, tables.table_height}));
+    report.add("channels", std::move(list));
 }
 
-void add_channels(Report& report, const Channels& channels) {
-    JsonValue list = JsonValue::array();
-    for (const auto& [colour, levels, gain] : channels)
-        list.add(JsonValue::object({{"colour", name_of(colour)},
-                                    {"centre", rounded(levels.centre())},
-                                    {"corner_to_centre", rounded(levels.corner_to_centre())},
-                                    {"largest_gain", rounded(gain)}}));
-    report.add("channels", std::move(list));
+void report_prediction(Report& report, const std::string& name, const GainTables& tables,
+                       const Prediction& prediction) {
+    const bool several = prediction.on_left_out >= 0;
+    const double worst = several ? prediction.on_left_out : prediction.on_captures;
+    const std::string left_out = several ? fmt::format(", {} where a capture is left out of its tables",
+                                                       percent(prediction.on_left_out))
+                                         : "";
+    report.print(fmt::format("corrected by {}, the frame is flat to {}{}\n",
+                             name_of(isp_of_algorithm(tables.algorithm)), percent(prediction.on_captures),
+                             left_out));
+    report.add("predicted_flatness", rounded(prediction.on_captures));
+    report.add("predicted_flatness_left_out",
+               several ? JsonValue(rounded(prediction.on_left_out)) : JsonValue::null());
+    if (tables.shading_percent == 100 && worst > flat_enough)
+        warn(fmt::format(
+            "{}: {} cannot fit this capture: corrected, it is still {} off flat (expected {:.0f} % or "
+            "less): compare the algorithms with zerklsc compare, or give a smaller --step",
+            name, algorithm_name(tables.algorithm), percent(worst), 100 * flat_enough));
 }
 
 void write_tables(const Options& options, const GainTables& tables) {
@@ -114,36 +152,42 @@ void write_tables(const Options& options, const GainTables& tables) {
 }
 
 void run(const Options& options, Report& report) {
-    keep_files_apart({options.raw.path}, {options.output, options.text});
+    keep_files_apart(options.flats, {options.output, options.text});
     CalibrationSettings settings = options.settings;
     settings.algorithm = algorithm_from(options.algorithm);
-    const RawFrame frame = read_raw(options.raw);
-    const BayerPattern pattern = pattern_or_warning(frame);
-    const BlackLevel black = black_or_warning(frame);
-    add_frame(report, frame, pattern, black);
-    report.print(describe(frame, pattern, black));
-    check_exposure(frame, pattern, black, options.clip_limit);
-    RawFrame light = frame;
-    subtract_black(light, black);
-
-    const GainTables tables = [&] {
-        const Progress progress("calibrating " + frame.name);
-        return calibrate(light, pattern, black, settings);
-    }();
-    add_tables(report, tables);
+    const std::vector<RawFrame> captures = read_captures(options);
+    const bool several = captures.size() > 1;
+    const RawFrame mean = several ? mean_of(captures) : RawFrame();
+    const RawFrame& frame = several ? mean : captures.front();
+    add_frame(report, frame);
+    report.add("captures", JsonValue::list(options.flats));
+    report.print(describe(frame));
+    FrameLevels levels;
+    for (const RawFrame& capture : captures) {
+        levels = measure_planes(capture, *capture.black, usual_blocks(capture));
+        check_exposure(capture, levels, options.clip_limit);
+    }
+    if (several)
+        levels = measure_planes(frame, *frame.black, usual_blocks(frame));
+    const Progress progress("calibrating " + frame.name);
+    const GainTables tables = calibrate_light(frame, settings);
+    report_channels(report, levels, tables);
     warn_about_gains(frame.name, tables);
+    // Where no correction is possible, there is nothing to predict: the tables are what was asked for.
+    try {
+        report_prediction(report, frame.name, tables, predict(captures, tables, settings));
+    } catch (const Failure& failure) {
+        warn(failure.what());
+    }
     write_tables(options, tables);
-    const Channels channels = measure(light, tables);
-    add_channels(report, channels);
-    print_table(report, tables, channels);
 }
 
 } // namespace
 
 void add_calibrate(Command app) {
     auto options = std::make_shared<Options>();
-    Command command = app.subcommand("calibrate", "Make gain tables from a flat-field capture");
-    add_raw_options(command, options->raw, "flat");
+    Command command = app.subcommand("calibrate", "Make gain tables from flat-field captures");
+    add_raw_options(command, options->raw, options->flats, "flat");
     command.option("-o,--output", options->output, "table file to write (JSON)").required();
     command.option("--text", options->text, "also write the four tables as plain text, in plane order");
     command
@@ -155,6 +199,9 @@ void add_calibrate(Command app) {
         .range(0.0, 100.0)
         .show_default();
     command.footer(
+        "Of several captures of one module, the mean is calibrated, and each is also corrected by tables "
+        "made\n"
+        "from the others, so that fitted noise does not count as flatness.\n"
         "Algorithms 0 to 3 are for the tvessa2 ISP, 4 for vessal2. Algorithms 0 and 1 take 10-bit samples:\n"
         "they see deeper captures scaled to 10 bits.\n\n"
         "Example:\n"

@@ -109,6 +109,11 @@ Option Command::option(const char* names, std::string& variable, const std::stri
     return Option(app_->add_option(names, variable, description));
 }
 
+Option Command::option(const char* names, std::vector<std::string>& variable,
+                       const std::string& description) {
+    return Option(app_->add_option(names, variable, description));
+}
+
 Option Command::flag(const char* names, bool& variable, const std::string& description) {
     return Option(app_->add_flag(names, variable, description));
 }

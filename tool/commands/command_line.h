@@ -8,6 +8,7 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -55,6 +56,8 @@ class Command {
     Option option(const char* names, uint64_t& variable, const std::string& description);
     Option option(const char* names, double& variable, const std::string& description);
     Option option(const char* names, std::string& variable, const std::string& description);
+    // Several values, for a positional argument all that are left.
+    Option option(const char* names, std::vector<std::string>& variable, const std::string& description);
     Option flag(const char* names, bool& variable, const std::string& description);
 
     Command subcommand(const char* name, const char* description);

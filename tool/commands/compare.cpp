@@ -1,5 +1,6 @@
 // zerklsc compare: every calibration method on the same capture
 #include <algorithm>
+#include <iterator>
 #include <memory>
 
 #include <fmt/format.h>
@@ -10,10 +11,9 @@
 #include "commands/raw_options.h"
 #include "commands/report.h"
 #include "failure.h"
-#include "imaging/correction.h"
 #include "imaging/exposure.h"
-#include "imaging/levels.h"
 #include "imaging/otp_stream.h"
+#include "imaging/prediction.h"
 #include "io/json_value.h"
 #include "terminal.h"
 #include "zerklsc.h"
@@ -24,13 +24,6 @@ namespace {
 struct Options {
     RawOptions raw;
     CalibrationSettings settings;
-};
-
-// The capture, black level taken off.
-struct Capture {
-    RawFrame light;
-    BayerPattern pattern;
-    BlackLevel black;
 };
 
 // The worst of the four channels.
@@ -49,14 +42,11 @@ struct Outcome {
 
 using Outcomes = std::vector<Outcome>;
 
-Shading shading_of(const RawFrame& light) {
+Shading shading_of(const FrameLevels& levels) {
     Shading shading;
-    const int blocks = std::min(usual_blocks, std::min(light.width, light.height) / 2);
-    for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane) {
-        const PlaneLevels levels = measure_plane(light, plane, blocks);
-        shading.corner_to_centre = std::min(shading.corner_to_centre, levels.corner_to_centre());
-        shading.flatness = std::max(shading.flatness, levels.flatness());
-    }
+    for (const PlaneLevels& plane : levels)
+        shading.corner_to_centre = std::min(shading.corner_to_centre, plane.corner_to_centre());
+    shading.flatness = worst_flatness(levels);
     return shading;
 }
 
@@ -66,33 +56,35 @@ double otp_loss(const GainTables& tables, int mode) {
     return loss_of(tables, decoded, mode).worst();
 }
 
-Outcome try_method(const Capture& capture, const CalibrationSettings& settings) {
-    const GainTables tables = calibrate(capture.light, capture.pattern, capture.black, settings);
-    RawFrame frame = capture.light;
-    scale_to_10_bits(frame);
-    correct(frame, tables, "the calibrated tables", isp_of_algorithm(settings.algorithm));
-    Outcome outcome{settings.algorithm, shading_of(frame), 0, {otp_loss(tables, 0), otp_loss(tables, 1)}};
+// `light` is the capture, black level taken off.
+Outcome try_method(const RawFrame& capture, const RawFrame& light, const CalibrationSettings& settings) {
+    const GainTables tables = calibrate(light, *capture.pattern, *capture.black, settings);
+    const FrameLevels after =
+        predict_levels(capture, tables, "the calibrated tables", isp_of_algorithm(settings.algorithm));
+    Outcome outcome{settings.algorithm, shading_of(after), 0, {otp_loss(tables, 0), otp_loss(tables, 1)}};
     for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane)
         outcome.largest_gain = std::max(outcome.largest_gain, tables.largest_gain(plane));
     return outcome;
 }
 
 // Leaves out the methods that cannot take the capture with these settings, with a warning that says why.
-Outcomes try_all(const Capture& capture, CalibrationSettings settings) {
+Outcomes try_all(const RawFrame& capture, CalibrationSettings settings) {
+    RawFrame light = capture;
+    subtract_black(light, BlackLevel(*capture.black));
     Outcomes outcomes;
     for (int algorithm = ZERKLSC_ALGORITHM_HALVANE; algorithm <= ZERKLSC_ALGORITHM_ORVEL_WEIGHTS;
          ++algorithm) {
         settings.algorithm = algorithm;
         try {
             const Progress progress(fmt::format("trying {}", algorithm_name(algorithm)));
-            outcomes.push_back(try_method(capture, settings));
+            outcomes.push_back(try_method(capture, light, settings));
         } catch (const Failure& failure) {
             warn(fmt::format("{} is left out: {}", algorithm_name(algorithm), failure.what()));
         }
     }
     if (outcomes.empty())
         data_failure("{}: no method can calibrate it with step {} and radius {}: try smaller ones",
-                     capture.light.name, settings.step, settings.radius);
+                     capture.name, settings.step, settings.radius);
     return outcomes;
 }
 
@@ -127,19 +119,47 @@ void add_outcomes(Report& report, const Shading& before, const Outcomes& outcome
     report.add("methods", std::move(list));
 }
 
+// The method that leaves the capture flattest; of those that differ by less than noise does, the one whose
+// tables lose least in a stream of mode 0.
+const Outcome& best_of(const Outcomes& outcomes) {
+    constexpr double noise = 0.001;
+    const auto flatness = [](const Outcome& o) { return o.after.flatness; };
+    const double flattest = std::ranges::min(outcomes, {}, flatness).after.flatness;
+    const Outcome* best = nullptr;
+    for (const Outcome& o : outcomes)
+        if (o.after.flatness <= flattest + noise && (best == nullptr || o.otp_loss[0] < best->otp_loss[0]))
+            best = &o;
+    return *best;
+}
+
+void recommend(Report& report, const Outcomes& outcomes) {
+    const Outcome& best = best_of(outcomes);
+    report.print(fmt::format("recommended: --algorithm {} for {}, flat to {}\n",
+                             algorithm_name(best.algorithm), name_of(isp_of_algorithm(best.algorithm)),
+                             percent(best.after.flatness)));
+    for (const Isp isp : {Isp::tvessa2, Isp::vessal2}) {
+        Outcomes of_isp;
+        std::ranges::copy_if(outcomes, std::back_inserter(of_isp),
+                             [&](const Outcome& o) { return isp_of_algorithm(o.algorithm) == isp; });
+        if (isp != isp_of_algorithm(best.algorithm) && !of_isp.empty())
+            report.print(fmt::format("for {}: --algorithm {}, flat to {}\n", name_of(isp),
+                                     algorithm_name(best_of(of_isp).algorithm),
+                                     percent(best_of(of_isp).after.flatness)));
+    }
+    report.add("recommended", algorithm_name(best.algorithm));
+}
+
 void run(const Options& options, Report& report) {
-    Capture capture{read_raw(options.raw), {}, {}};
-    RawFrame& frame = capture.light;
-    capture.pattern = pattern_or_warning(frame);
-    capture.black = black_level_of(frame, {});
-    add_frame(report, frame, capture.pattern, capture.black);
-    check_exposure(frame, capture.pattern, capture.black, usual_clip_limit);
-    report.print(describe(frame, capture.pattern, capture.black));
-    subtract_black(frame, capture.black);
-    const Shading before = shading_of(frame);
+    const RawFrame capture = read_raw(options.raw, UnknownBlack::refuse);
+    add_frame(report, capture);
+    report.print(describe(capture));
+    const FrameLevels levels = measure_planes(capture, *capture.black, usual_blocks(capture));
+    check_exposure(capture, levels, usual_clip_limit);
+    const Shading before = shading_of(levels);
     const Outcomes outcomes = try_all(capture, options.settings);
     add_outcomes(report, before, outcomes);
     print_table(report, options.settings, before, outcomes);
+    recommend(report, outcomes);
 }
 
 } // namespace
@@ -152,7 +172,8 @@ void add_compare(Command app) {
     add_grid_options(command, options->settings);
     command.footer(
         "Each method's tables correct the capture as their ISP does. off flat: largest deviation of\n"
-        "11 x 11 blocks from the channel's mean. OTP loss: largest gain error of the decoded stream.\n\n"
+        "11 x 11 blocks from the channel's mean. OTP loss: largest gain error of the decoded stream.\n"
+        "Recommended is the flattest, and among equals the one whose stream loses least.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc compare flat.pgm --step 32");

@@ -26,14 +26,6 @@ struct Options {
     bool scale = false;
 };
 
-// The tables' black level at the depth of the frame.
-BlackLevel black_level_at(const GainTables& tables, int bits) {
-    BlackLevel black = tables.black;
-    for (int& level : black)
-        level = bits >= tables.bits ? level << (bits - tables.bits) : level >> (tables.bits - bits);
-    return black;
-}
-
 // A frame that the ISP can take.
 void bring_to_10_bits(RawFrame& frame, bool scale) {
     if (frame.bits > isp_bits && !scale)
@@ -48,17 +40,10 @@ void run(const Options& options, Report& report) {
     keep_files_apart({options.raw.path, options.tables}, {options.output});
     const GainTables tables = read_table_json(options.tables);
     const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
-    RawFrame frame = read_raw(options.raw);
-    frame.black = black_level_of(frame, black_level_at(tables, frame.bits));
+    RawFrame frame = read_raw_for(options.raw, tables, options.tables);
     bring_to_10_bits(frame, options.scale);
-    if (!frame.pattern)
-        frame.pattern = tables.pattern;
-    if (frame.pattern != tables.pattern)
-        data_failure(
-            "{}: is for the Bayer pattern {}, but {} is {}: take the tables of this module and orientation",
-            options.tables, name_of(tables.pattern), frame.name, name_of(*frame.pattern));
     const BlackLevel black = *frame.black;
-    add_frame(report, frame, *frame.pattern, black);
+    add_frame(report, frame);
     {
         const Progress progress("correcting " + frame.name);
         subtract_black(frame, black);

@@ -1,4 +1,4 @@
-// pattern_or_warning, describe, add_frame, add_written_tables, text_table, percent, rounded
+// describe, add_frame, text_of, json_of, add_written_tables, text_table, percent, rounded
 #include "commands/frame_text.h"
 
 #include <algorithm>
@@ -10,25 +10,27 @@
 
 namespace zerklsc::tool {
 
-BayerPattern pattern_or_warning(const RawFrame& frame) {
-    if (frame.pattern)
-        return *frame.pattern;
-    warn(fmt::format("{}: the Bayer pattern is not known: RGGB is taken (--pattern says another)",
-                     frame.name));
-    return BayerPattern::rggb;
-}
-
-std::string describe(const RawFrame& frame, BayerPattern pattern, const BlackLevel& black) {
+std::string describe(const RawFrame& frame) {
     return fmt::format("{}: {} x {}, {}, {} bits, black level {}\n", one_line(frame.name), frame.width,
-                       frame.height, name_of(pattern), frame.bits, text_of(black));
+                       frame.height, name_of(*frame.pattern), frame.bits, text_of(*frame.black));
 }
 
-void add_frame(Report& report, const RawFrame& frame, BayerPattern pattern, const BlackLevel& black) {
+void add_frame(Report& report, const RawFrame& frame) {
     report.add("frame", frame.name);
     report.add("size", JsonValue::array({frame.width, frame.height}));
-    report.add("bayer_pattern", name_of(pattern));
+    report.add("bayer_pattern", name_of(*frame.pattern));
     report.add("bit_depth", frame.bits);
-    report.add("black_level", JsonValue::list(black));
+    report.add("black_level", JsonValue::list(*frame.black));
+    report.add("white_level", frame.white_level());
+}
+
+std::string text_of(const Deviation& deviation) {
+    return fmt::format("{:+.2f} % at {},{}", 100 * deviation.fraction, deviation.x, deviation.y);
+}
+
+JsonValue json_of(const Deviation& deviation) {
+    return JsonValue::object(
+        {{"deviation", rounded(deviation.fraction)}, {"at", JsonValue::array({deviation.x, deviation.y})}});
 }
 
 void add_written_tables(Report& report, const std::string& path, const GainTables& tables) {

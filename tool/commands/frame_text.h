@@ -6,18 +6,20 @@
 
 #include "commands/report.h"
 #include "imaging/gain_tables.h"
+#include "imaging/levels.h"
 #include "imaging/raw_frame.h"
 
 namespace zerklsc::tool {
 
-// The frame's pattern; RGGB with a warning when it is not known.
-BayerPattern pattern_or_warning(const RawFrame& frame);
-
-// One line about a frame: size, pattern, depth and black level.
-std::string describe(const RawFrame& frame, BayerPattern pattern, const BlackLevel& black);
+// One line about a frame whose pattern and black level are known: size, pattern, depth and black level.
+std::string describe(const RawFrame& frame);
 
 // The same as fields of the document.
-void add_frame(Report& report, const RawFrame& frame, BayerPattern pattern, const BlackLevel& black);
+void add_frame(Report& report, const RawFrame& frame);
+
+// A deviation and where it is, as "-2.31 % at 12,3004", and as JSON.
+std::string text_of(const Deviation& deviation);
+JsonValue json_of(const Deviation& deviation);
 
 // Tables that were written to `path`: a line, and the fields of the document.
 void add_written_tables(Report& report, const std::string& path, const GainTables& tables);

@@ -9,85 +9,92 @@
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/levels.h"
-#include "io/json_value.h"
 
 namespace zerklsc::tool {
 namespace {
 
+constexpr int usual_block_count = 11;
+
 struct Options {
     RawOptions raw;
-    int blocks = usual_blocks;
+    int blocks = usual_block_count;
     double limit = -1; // percent; negative: none
 };
 
-struct Channel {
-    Colour colour;
-    PlaneLevels levels;
-};
+const PlaneLevels& levels_of(const FrameLevels& levels, const RawFrame& frame, Colour colour) {
+    return levels[static_cast<size_t>(plane_of_colour(*frame.pattern, colour))];
+}
 
-using Channels = std::vector<Channel>;
-
-void print_table(Report& report, const Channels& channels, int blocks) {
-    std::vector<std::vector<std::string>> rows{{"channel", "mean", "centre", "corner/centre", "flatness"}};
-    for (const auto& [colour, levels] : channels)
-        rows.push_back({name_of(colour), fmt::format("{:.2f}", levels.mean),
-                        fmt::format("{:.2f}", levels.centre()), percent(levels.corner_to_centre()),
-                        percent(levels.flatness())});
+void report_channels(Report& report, const RawFrame& frame, const FrameLevels& levels, int blocks) {
+    std::vector<std::vector<std::string>> rows{
+        {"channel", "mean", "centre", "corner/centre", "flatness", "worst small block"}};
+    JsonValue channels = JsonValue::array();
+    for (const Colour colour : all_colours) {
+        const PlaneLevels& plane = levels_of(levels, frame, colour);
+        rows.push_back({name_of(colour), fmt::format("{:.2f}", plane.mean),
+                        fmt::format("{:.2f}", plane.centre()), percent(plane.corner_to_centre()),
+                        percent(plane.flatness()), text_of(plane.worst())});
+        channels.add(JsonValue::object({{"colour", name_of(colour)},
+                                        {"mean", rounded(plane.mean)},
+                                        {"centre", rounded(plane.centre())},
+                                        {"corner_to_centre", rounded(plane.corner_to_centre())},
+                                        {"flatness", rounded(plane.flatness())},
+                                        {"worst_block", json_of(plane.worst())}}));
+    }
     report.print(
         fmt::format("{}flatness: largest deviation of a block from the channel's mean, {} x {} blocks\n",
                     text_table(rows), blocks, blocks));
-}
-
-void add_channels(Report& report, const Channels& channels, int blocks) {
-    JsonValue list = JsonValue::array();
-    for (const auto& [colour, levels] : channels)
-        list.add(JsonValue::object({{"colour", name_of(colour)},
-                                    {"mean", rounded(levels.mean)},
-                                    {"centre", rounded(levels.centre())},
-                                    {"corner_to_centre", rounded(levels.corner_to_centre())},
-                                    {"flatness", rounded(levels.flatness())}}));
     report.add("blocks", blocks);
-    report.add("channels", std::move(list));
+    report.add("channels", std::move(channels));
 }
 
-void check_limit(const RawFrame& frame, const Channels& channels, double limit) {
-    for (const auto& [colour, levels] : channels)
-        if (100 * levels.flatness() > limit)
-            limit_failure("{}: {} deviates by {} from flat (limit {} %)", frame.name, name_of(colour),
-                          percent(levels.flatness()), limit);
+void report_colours(Report& report, const RawFrame& frame, const FrameLevels& levels) {
+    const Deviation red = colour_shading(levels, *frame.pattern, Colour::r);
+    const Deviation blue = colour_shading(levels, *frame.pattern, Colour::b);
+    report.print(fmt::format("colour shading, largest change from the centre: R/G {}, B/G {}\n", text_of(red),
+                             text_of(blue)));
+    report.add("colour_shading", JsonValue::object({{"r_to_g", json_of(red)}, {"b_to_g", json_of(blue)}}));
+}
+
+void check_limit(const RawFrame& frame, const FrameLevels& levels, double limit) {
+    std::string beyond;
+    for (const Colour colour : all_colours)
+        if (const double flatness = levels_of(levels, frame, colour).flatness(); 100 * flatness > limit)
+            beyond +=
+                fmt::format("{}{} by {}", beyond.empty() ? "" : ", ", name_of(colour), percent(flatness));
+    if (!beyond.empty())
+        limit_failure("{}: deviates from flat: {} (limit {} %)", frame.name, beyond, limit);
 }
 
 void run(const Options& options, Report& report) {
-    RawFrame frame = read_raw(options.raw);
+    const RawFrame frame = read_raw(options.raw, UnknownBlack::take_0);
     if (std::min(frame.width, frame.height) / 2 < options.blocks)
         data_failure(
             "{}: planes of {} x {} samples cannot be divided into {} x {} blocks: give a smaller --blocks",
             frame.name, frame.width / 2, frame.height / 2, options.blocks, options.blocks);
-    const BayerPattern pattern = pattern_or_warning(frame);
-    const BlackLevel black = black_level_of(frame, {});
-    add_frame(report, frame, pattern, black);
-    subtract_black(frame, black);
-    Channels channels;
-    for (const Colour colour : all_colours)
-        channels.push_back({colour, measure_plane(frame, plane_of_colour(pattern, colour), options.blocks)});
-    add_channels(report, channels, options.blocks);
-    report.print(describe(frame, pattern, black));
-    print_table(report, channels, options.blocks);
+    add_frame(report, frame);
+    report.print(describe(frame));
+    const FrameLevels levels = measure_planes(frame, *frame.black, options.blocks);
+    report_channels(report, frame, levels, options.blocks);
+    report_colours(report, frame, levels);
     if (options.limit >= 0)
-        check_limit(frame, channels, options.limit);
+        check_limit(frame, levels, options.limit);
 }
 
 } // namespace
 
 void add_measure(Command app) {
     auto options = std::make_shared<Options>();
-    Command command = app.subcommand("measure", "Measure corner-to-centre ratio and flatness of a frame");
+    Command command =
+        app.subcommand("measure", "Measure corner-to-centre ratio, flatness and colour shading");
     add_raw_options(command, options->raw, "frame");
     command.option("--blocks", options->blocks, "blocks in each direction").range(3, 1001).show_default();
     command.option("--limit", options->limit, "exit with 1 when a channel is less flat than this, percent")
         .range(0.0, 100.0);
     command.footer(
-        "corner/centre: mean of the four corner blocks over the centre block, black level taken off.\n\n"
+        "All numbers are of the light above the black level. Corners and centre are small blocks, a "
+        "sixty-fourth\n"
+        "of the frame's shorter side; the worst small block is named by the pixel in its middle.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc measure flat.pgm --json");

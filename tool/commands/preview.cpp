@@ -32,10 +32,12 @@ struct Shown {
     RawFrame frame;
     BayerPattern pattern;
     std::array<Field, 4> fields; // brightness by colour
+    FrameLevels levels;
 };
 
 Shown show(RawFrame frame, BayerPattern pattern, PanelSize size) {
-    Shown shown{std::move(frame), pattern, {}};
+    Shown shown{std::move(frame), pattern, {}, {}};
+    shown.levels = measure_planes(shown.frame, {}, usual_blocks(shown.frame));
     for (size_t i = 0; i < all_colours.size(); ++i)
         shown.fields[i] =
             brightness_field(shown.frame, plane_of_colour(pattern, all_colours[i]), size.width, size.height);
@@ -49,9 +51,8 @@ std::vector<std::string> labels_between(double low, double high, int count, cons
     return labels;
 }
 
-PlaneLevels levels_of(const Shown& shown, size_t colour) {
-    const int blocks = std::min(usual_blocks, std::min(shown.frame.width, shown.frame.height) / 2);
-    return measure_plane(shown.frame, plane_of_colour(shown.pattern, all_colours[colour]), blocks);
+const PlaneLevels& levels_of(const Shown& shown, size_t colour) {
+    return shown.levels[static_cast<size_t>(plane_of_colour(shown.pattern, all_colours[colour]))];
 }
 
 // Each channel in percent of its brightest place. `low` is the lower end of the scale.
@@ -64,7 +65,7 @@ PanelRow illumination_row(const std::string& title, const Shown& shown, double l
     row.labels = labels_between(low, 100, static_cast<int>((100 - low) / 10) + 1, "{:.0f} %");
     for (size_t i = 0; i < all_colours.size(); ++i) {
         const double top = shown.fields[i].largest();
-        const PlaneLevels levels = levels_of(shown, i);
+        const PlaneLevels& levels = levels_of(shown, i);
         row.panels[i] = {shown.fields[i].scaled(top > 0 ? 100 / top : 0),
                          fmt::format("{}  corner/centre {:.1f} %", name_of(all_colours[i]),
                                      100 * levels.corner_to_centre())};
@@ -137,20 +138,22 @@ RawFrame read_corrected(const Options& options, const RawFrame& before) {
     RawOptions raw = options.raw;
     raw.path = options.corrected;
     raw.black = options.corrected_black;
-    RawFrame frame = read_raw(raw);
+    RawFrame frame = read_raw(raw, UnknownBlack::take_0);
     if (frame.width != before.width || frame.height != before.height)
         data_failure("{}: is {} x {}, but {} is {} x {}: give the corrected form of the same frame",
                      frame.name, frame.width, frame.height, before.name, before.width, before.height);
-    subtract_black(frame, black_level_of(frame, {}));
+    subtract_black(frame, BlackLevel(*frame.black));
     return frame;
 }
 
 Canvas draw(const Options& options, Report& report) {
-    RawFrame frame = read_raw(options.raw);
-    const BayerPattern pattern = pattern_or_warning(frame);
-    const BlackLevel black = black_level_of(frame, {});
-    add_frame(report, frame, pattern, black);
-    std::vector<std::string> heading{describe(frame, pattern, black)};
+    const GainTables tables = options.tables.empty() ? GainTables() : read_table_json(options.tables);
+    RawFrame frame = options.tables.empty() ? read_raw(options.raw, UnknownBlack::take_0)
+                                            : read_raw_for(options.raw, tables, options.tables);
+    const BayerPattern pattern = *frame.pattern;
+    const BlackLevel black = *frame.black;
+    add_frame(report, frame);
+    std::vector<std::string> heading{describe(frame)};
     heading[0].pop_back();
     subtract_black(frame, black);
     const PanelSize size = panel_size(frame.width, frame.height);
@@ -159,7 +162,6 @@ Canvas draw(const Options& options, Report& report) {
     std::vector<PanelRow> rows{illumination_row("before: relative illumination", before, low)};
     std::string how = "after";
     if (!options.tables.empty()) {
-        const GainTables tables = read_table_json(options.tables);
         const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
         scale_to_10_bits(frame);
         correct(frame, tables, options.tables, isp);
@@ -179,6 +181,9 @@ Canvas draw(const Options& options, Report& report) {
 }
 
 void run(const Options& options, Report& report) {
+    if (options.output != "-" && !extension_of(options.output).empty()
+        && extension_of(options.output) != ".png")
+        usage_failure("{}: a picture is written as PNG: give a name that ends in .png", options.output);
     keep_files_apart({options.raw.path, options.tables, options.corrected}, {options.output});
     const Progress progress("drawing " + options.output);
     report.add("output", options.output);

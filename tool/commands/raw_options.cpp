@@ -1,4 +1,4 @@
-// add_raw_options, read_raw_and_description, read_raw, black_level_of
+// add_raw_options, read_raw_and_description, read_raw, read_raw_for
 #include "commands/raw_options.h"
 
 #include <utility>
@@ -52,10 +52,7 @@ void add_headerless_options(Command command, RawOptions& options) {
         .show_default();
 }
 
-} // namespace
-
-void add_raw_options(Command command, RawOptions& options, const char* argument) {
-    command.option(argument, options.path, "raw frame: " + raw_format_names()).required();
+void add_description_options(Command command, RawOptions& options) {
     add_headerless_options(command, options);
     command
         .option("--bits", options.hints.bits,
@@ -75,6 +72,35 @@ void add_raw_options(Command command, RawOptions& options, const char* argument)
         .range(1, 65535);
 }
 
+// Reads the frame, with a warning for what is overridden.
+RawFrame read_remarking(const RawOptions& options) {
+    RawReading reading = read_raw_and_description(options);
+    for (const std::string& remark : overridden(reading))
+        warn(fmt::format("{}: options override what the file says: {}", options.path, remark));
+    return std::move(reading.frame);
+}
+
+// The tables' black level at the depth of the frame.
+BlackLevel black_level_at(const GainTables& tables, int bits) {
+    BlackLevel black = tables.black;
+    for (int& level : black)
+        level = bits >= tables.bits ? level << (bits - tables.bits) : level >> (tables.bits - bits);
+    return black;
+}
+
+} // namespace
+
+void add_raw_options(Command command, RawOptions& options, const char* argument) {
+    command.option(argument, options.path, "raw frame: " + raw_format_names()).required();
+    add_description_options(command, options);
+}
+
+void add_raw_options(Command command, RawOptions& options, std::vector<std::string>& paths,
+                     const char* argument) {
+    command.option(argument, paths, "raw frame, or several of one module: " + raw_format_names()).required();
+    add_description_options(command, options);
+}
+
 RawReading read_raw_and_description(const RawOptions& options) {
     RawHints hints = options.hints;
     hints.big_endian = options.endian == "big";
@@ -89,15 +115,37 @@ RawReading read_raw_and_description(const RawOptions& options) {
     return read_raw_frame(options.path, hints);
 }
 
-RawFrame read_raw(const RawOptions& options) {
-    RawReading reading = read_raw_and_description(options);
-    for (const std::string& remark : overridden(reading))
-        warn(fmt::format("{}: options override what the file says: {}", options.path, remark));
-    return std::move(reading.frame);
+RawFrame read_raw(const RawOptions& options, UnknownBlack unknown) {
+    RawFrame frame = read_remarking(options);
+    if (!frame.pattern) {
+        warn(fmt::format("{}: the Bayer pattern is not known: RGGB is taken (--pattern says another)",
+                         frame.name));
+        frame.pattern = BayerPattern::rggb;
+    }
+    if (!frame.black && unknown == UnknownBlack::refuse)
+        data_failure(
+            "{}: the black level is not known, and gains depend on it: give --black-level (0 where it has "
+            "been taken off)",
+            frame.name);
+    if (!frame.black) {
+        warn(fmt::format("{}: the black level is not known: 0 is taken (--black-level says another)",
+                         frame.name));
+        frame.black = BlackLevel{};
+    }
+    return frame;
 }
 
-BlackLevel black_level_of(const RawFrame& frame, const BlackLevel& otherwise) {
-    return frame.black ? *frame.black : otherwise;
+RawFrame read_raw_for(const RawOptions& options, const GainTables& tables, const std::string& tables_path) {
+    RawFrame frame = read_remarking(options);
+    if (!frame.black)
+        frame.black = black_level_at(tables, frame.bits);
+    if (!frame.pattern)
+        frame.pattern = tables.pattern;
+    if (frame.pattern != tables.pattern)
+        data_failure(
+            "{}: is for the Bayer pattern {}, but {} is {}: take the tables of this module and orientation",
+            tables_path, name_of(tables.pattern), frame.name, name_of(*frame.pattern));
+    return frame;
 }
 
 } // namespace zerklsc::tool

@@ -1,8 +1,11 @@
 // The options of every command that reads a raw frame.
 #pragma once
 
-#include "commands/command_line.h"
+#include <string>
+#include <vector>
 
+#include "commands/command_line.h"
+#include "imaging/gain_tables.h"
 #include "io/raw_format.h"
 
 namespace zerklsc::tool {
@@ -21,13 +24,23 @@ struct RawOptions {
 // Adds the file argument under the name `argument`, and the options that say what the file itself does not.
 void add_raw_options(Command command, RawOptions& options, const char* argument);
 
+// The same for one file or several, which share the options.
+void add_raw_options(Command command, RawOptions& options, std::vector<std::string>& paths,
+                     const char* argument);
+
 // Reads the frame; the options override what the file says.
 RawReading read_raw_and_description(const RawOptions& options);
 
-// The same, with a warning for what is overridden.
-RawFrame read_raw(const RawOptions& options);
+// What to do when neither an option nor the file says the black level: gains measured from a wrong one are
+// wrong without showing it, while a frame that is only looked at may have none.
+enum class UnknownBlack { refuse, take_0 };
 
-// The frame's black level, or `otherwise`.
-BlackLevel black_level_of(const RawFrame& frame, const BlackLevel& otherwise);
+// The same with a warning for what is overridden, and with the frame's pattern and black level known: from
+// the option, else the file, else (pattern) RGGB with a warning.
+RawFrame read_raw(const RawOptions& options, UnknownBlack unknown);
+
+// The same for a frame that goes with tables, which know both where option and file do not. A data failure
+// where frame and tables are of different patterns.
+RawFrame read_raw_for(const RawOptions& options, const GainTables& tables, const std::string& tables_path);
 
 } // namespace zerklsc::tool

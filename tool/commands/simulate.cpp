@@ -40,7 +40,7 @@ void run(const Options& options, Report& report) {
     const Progress progress("simulating " + options.output);
     const RawFrame frame = simulate(settings);
     report.add("output", options.output);
-    add_frame(report, frame, settings.pattern, *frame.black);
+    add_frame(report, frame);
     write_file(options.output, encode_raw_frame(options.output, frame, ".raw"));
 }
 

@@ -16,42 +16,51 @@ constexpr double dark_centre = 0.2;
 // Corners this little above black hold no gain.
 constexpr double black_corner = 1.0;
 
-void check_clipping(const RawFrame& frame, BayerPattern pattern, double limit) {
+// "3.2 %", "100 %", and no more digits than are of use.
+std::string brief_percent(double percent) {
+    return percent < 9.95 ? fmt::format("{:.2g} %", percent) : fmt::format("{:.0f} %", percent);
+}
+
+void check_clipping(const RawFrame& frame, double limit) {
+    std::string clipped_channels, noted_channels;
     for (const Colour colour : all_colours) {
-        const double clipped = 100 * clipped_fraction(frame, plane_of_colour(pattern, colour));
-        if (clipped > limit)
-            data_failure("{}: {:.2g} % of the {} samples are clipped (limit {} %): lower the exposure",
-                         frame.name, clipped, name_of(colour), limit);
-        // Fewer than this are defective pixels.
+        const double clipped = 100 * clipped_fraction(frame, plane_of_colour(*frame.pattern, colour));
+        // Fewer than a tenth of the limit are defective pixels.
+        std::string& list = clipped > limit ? clipped_channels : noted_channels;
         if (clipped > limit / 10)
-            warn(fmt::format("{}: {:.2g} % of the {} samples are clipped", frame.name, clipped,
-                             name_of(colour)));
+            list +=
+                fmt::format("{}{} of {}", list.empty() ? "" : ", ", brief_percent(clipped), name_of(colour));
     }
+    if (!clipped_channels.empty())
+        data_failure("{}: samples are clipped: {} (limit {} %): lower the exposure", frame.name,
+                     clipped_channels, limit);
+    if (!noted_channels.empty())
+        warn(fmt::format("{}: samples are clipped: {}", frame.name, noted_channels));
 }
 
 void check_dark_corners(const RawFrame& frame, Colour colour, const PlaneLevels& levels) {
-    const double darkest = std::ranges::min(levels.corners());
-    if (darkest < black_corner)
+    constexpr std::array names{"top left", "top right", "bottom left", "bottom right"};
+    const auto corners = levels.corners();
+    const auto darkest = std::ranges::min_element(corners);
+    if (*darkest < black_corner)
         data_failure(
-            "{}: a corner of {} is {:.2f} above the black level, which holds no gain: raise the exposure, or "
-            "give the right --black-level or --bits",
-            frame.name, name_of(colour), darkest);
+            "{}: the {} corner of {} is {:.2f} above the black level, while the centre is {:.0f} above it: "
+            "no "
+            "gain can be measured there: look for what covers it, or give the right --black-level or --bits",
+            frame.name, names[static_cast<size_t>(darkest - corners.begin())], name_of(colour), *darkest,
+            levels.centre());
 }
 
 } // namespace
 
-void check_exposure(const RawFrame& frame, BayerPattern pattern, const BlackLevel& black, double clip_limit) {
-    check_clipping(frame, pattern, clip_limit);
-    RawFrame light = frame;
-    subtract_black(light, black);
-    const int blocks = std::min(usual_blocks, std::min(frame.width, frame.height) / 2);
+void check_exposure(const RawFrame& frame, const FrameLevels& levels, double clip_limit) {
+    check_clipping(frame, clip_limit);
     double brightest = 0;
     for (const Colour colour : all_colours) {
-        const int plane = plane_of_colour(pattern, colour);
-        const PlaneLevels levels = measure_plane(light, plane, blocks);
-        check_dark_corners(frame, colour, levels);
-        brightest =
-            std::max(brightest, levels.centre() / (frame.white_level() - black[static_cast<size_t>(plane)]));
+        const auto plane = static_cast<size_t>(plane_of_colour(*frame.pattern, colour));
+        const double range = frame.white_level() - (*frame.black)[plane];
+        check_dark_corners(frame, colour, levels[plane]);
+        brightest = std::max(brightest, levels[plane].centre() / range);
     }
     if (brightest < dark_centre)
         warn(fmt::format(

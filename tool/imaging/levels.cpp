@@ -1,4 +1,4 @@
-// PlaneLevels, measure_plane, clipped_fraction
+// PlaneLevels, usual_blocks, measure_planes, colour_shading, clipped_fraction
 #include "imaging/levels.h"
 
 #include <algorithm>
@@ -7,39 +7,113 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Range {
-    int begin, end;
+// 0 .. size divided into `parts` parts of (nearly) equal size: where each begins, and the end of the last.
+std::vector<int> edges_of(int size, int parts) {
+    std::vector<int> edges;
+    for (int i = 0; i <= parts; ++i)
+        edges.push_back(static_cast<int>(int64_t{size} * i / parts));
+    return edges;
+}
+
+int odd_count(double wanted) {
+    return std::max(1, (static_cast<int>(wanted) - 1) / 2 * 2 + 1);
+}
+
+// Sums over blocks, row of samples by row of samples. Whole numbers: the same on every machine.
+class BlockSums {
+  public:
+    BlockSums(int width, int height, int columns, int rows)
+        : columns_(edges_of(width, columns)), rows_(edges_of(height, rows)),
+          sums_(static_cast<size_t>(columns) * static_cast<size_t>(rows)) {}
+
+    // The next row of the plane.
+    void add(const uint16_t* samples) {
+        while (rows_[block_row_ + 1] <= row_)
+            ++block_row_;
+        const size_t columns = columns_.size() - 1;
+        for (size_t i = 0; i < columns; ++i) {
+            uint32_t sum = 0; // of at most 32767 samples
+            for (int x = columns_[i]; x < columns_[i + 1]; ++x)
+                sum += samples[x];
+            sums_[block_row_ * columns + i] += sum;
+        }
+        ++row_;
+    }
+
+    BlockMeans means() const {
+        BlockMeans means{static_cast<int>(columns_.size()) - 1, static_cast<int>(rows_.size()) - 1, {}};
+        for (size_t j = 0; j + 1 < rows_.size(); ++j)
+            for (size_t i = 0; i + 1 < columns_.size(); ++i)
+                means.values.push_back(
+                    static_cast<double>(sums_[j * (columns_.size() - 1) + i])
+                    / (double(columns_[i + 1] - columns_[i]) * double(rows_[j + 1] - rows_[j])));
+        return means;
+    }
+
+    uint64_t total() const {
+        uint64_t total = 0;
+        for (const uint64_t sum : sums_)
+            total += sum;
+        return total;
+    }
+
+  private:
+    std::vector<int> columns_, rows_;
+    std::vector<uint64_t> sums_;
+    int row_ = 0;
+    size_t block_row_ = 0;
 };
 
-// Part `i` of `parts` parts of 0 .. size - 1.
-Range part_of(int size, int parts, int i) {
-    const auto edge = [&](int k) { return static_cast<int>(int64_t{size} * k / parts); };
-    return {edge(i), edge(i + 1)};
+// Every second sample of a row of the frame, as far as it is above `black`.
+void light_of(const uint16_t* row, int black, std::vector<uint16_t>& light) {
+    for (size_t x = 0; x < light.size(); ++x)
+        light[x] = static_cast<uint16_t>(std::max(int{row[2 * x]} - black, 0));
 }
 
-// The sum of a plane's samples over plane columns and rows. Whole numbers: the same on every machine.
-uint64_t sum_of(const RawFrame& frame, int plane, Range columns, Range rows) {
-    uint64_t sum = 0;
-    for (int y = rows.begin; y < rows.end; ++y)
-        for (int x = columns.begin; x < columns.end; ++x)
-            sum += frame.at(2 * x + (plane & 1), 2 * y + (plane >> 1));
-    return sum;
+PlaneLevels measure_plane(const RawFrame& frame, int plane, int black, int blocks) {
+    const int width = frame.width / 2, height = frame.height / 2;
+    const double side = std::max(std::min(width, height) / 64.0, 8.0);
+    BlockSums coarse(width, height, blocks, blocks);
+    BlockSums fine(width, height, odd_count(width / side), odd_count(height / side));
+    std::vector<uint16_t> light(static_cast<size_t>(width));
+    for (int y = plane >> 1; y < frame.height; y += 2) {
+        light_of(frame.samples.data() + static_cast<size_t>(y) * static_cast<size_t>(frame.width)
+                     + (plane & 1),
+                 black, light);
+        coarse.add(light.data());
+        fine.add(light.data());
+    }
+    return {coarse.means(), fine.means(),
+            static_cast<double>(coarse.total()) / (double(width) * double(height)), frame.width,
+            frame.height};
 }
 
-double mean_of(uint64_t sum, Range columns, Range rows) {
-    return static_cast<double>(sum) / (double(columns.end - columns.begin) * double(rows.end - rows.begin));
+// The pixel in the middle of a block of a frame divided so.
+Deviation deviation_at(const PlaneLevels& levels, int column, int row, double fraction) {
+    return {fraction, (2 * column + 1) * levels.frame_width / (2 * levels.fine.columns),
+            (2 * row + 1) * levels.frame_height / (2 * levels.fine.rows)};
+}
+
+// The deviation of largest size over all fine blocks; `deviation(column, row)` is that of one.
+template <class F>
+Deviation largest_deviation(const PlaneLevels& levels, F deviation) {
+    Deviation worst;
+    for (int j = 0; j < levels.fine.rows; ++j)
+        for (int i = 0; i < levels.fine.columns; ++i)
+            if (const double d = deviation(i, j); std::abs(d) > std::abs(worst.fraction))
+                worst = deviation_at(levels, i, j, d);
+    return worst;
 }
 
 } // namespace
 
 double PlaneLevels::centre() const {
-    const auto middle = static_cast<size_t>(blocks / 2);
-    return means[middle * static_cast<size_t>(blocks) + middle];
+    return fine.at(fine.columns / 2, fine.rows / 2);
 }
 
 std::array<double, 4> PlaneLevels::corners() const {
-    const auto row = static_cast<size_t>(blocks);
-    return {means[0], means[row - 1], means[means.size() - row], means[means.size() - 1]};
+    const int right = fine.columns - 1, bottom = fine.rows - 1;
+    return {fine.at(0, 0), fine.at(right, 0), fine.at(0, bottom), fine.at(right, bottom)};
 }
 
 double PlaneLevels::corner_to_centre() const {
@@ -49,33 +123,53 @@ double PlaneLevels::corner_to_centre() const {
 
 double PlaneLevels::flatness() const {
     double worst = 0;
-    for (const double m : means)
+    for (const double m : coarse.values)
         worst = std::max(worst, std::abs(m - mean));
     return mean > 0 ? worst / mean : 0;
 }
 
-PlaneLevels measure_plane(const RawFrame& frame, int plane, int blocks) {
-    PlaneLevels levels;
-    levels.blocks = blocks;
-    uint64_t total = 0;
-    for (int j = 0; j < blocks; ++j) {
-        for (int i = 0; i < blocks; ++i) {
-            const Range columns = part_of(frame.width / 2, blocks, i);
-            const Range rows = part_of(frame.height / 2, blocks, j);
-            const uint64_t sum = sum_of(frame, plane, columns, rows);
-            total += sum;
-            levels.means.push_back(mean_of(sum, columns, rows));
-        }
-    }
-    levels.mean = mean_of(total, {0, frame.width / 2}, {0, frame.height / 2});
+Deviation PlaneLevels::worst() const {
+    if (!(mean > 0))
+        return {};
+    return largest_deviation(*this, [&](int i, int j) { return fine.at(i, j) / mean - 1; });
+}
+
+int usual_blocks(const RawDescription& frame) {
+    return std::min(11, std::min(frame.width, frame.height) / 2);
+}
+
+FrameLevels measure_planes(const RawFrame& frame, const BlackLevel& black, int blocks) {
+    FrameLevels levels;
+    for (int plane = 0; plane < 4; ++plane)
+        levels[static_cast<size_t>(plane)] =
+            measure_plane(frame, plane, black[static_cast<size_t>(plane)], blocks);
     return levels;
 }
 
+Deviation colour_shading(const FrameLevels& levels, BayerPattern pattern, Colour colour) {
+    const auto of = [&](Colour c) -> const PlaneLevels& {
+        return levels[static_cast<size_t>(plane_of_colour(pattern, c))];
+    };
+    const PlaneLevels &own = of(colour), &gr = of(Colour::gr), &gb = of(Colour::gb);
+    const double centre_green = gr.centre() + gb.centre();
+    if (!(own.centre() > 0 && centre_green > 0))
+        return {};
+    return largest_deviation(own, [&](int i, int j) {
+        const double green = gr.fine.at(i, j) + gb.fine.at(i, j);
+        return green > 0 ? own.fine.at(i, j) / green / (own.centre() / centre_green) - 1 : 0;
+    });
+}
+
 double clipped_fraction(const RawFrame& frame, int plane) {
+    const int white = frame.white_level();
     int64_t clipped = 0;
-    for (int y = plane >> 1; y < frame.height; y += 2)
+    for (int y = plane >> 1; y < frame.height; y += 2) {
+        int in_row = 0;
+        const uint16_t* const row = &frame.samples[static_cast<size_t>(y) * static_cast<size_t>(frame.width)];
         for (int x = plane & 1; x < frame.width; x += 2)
-            clipped += frame.at(x, y) >= frame.white_level() ? 1 : 0;
+            in_row += row[x] >= white ? 1 : 0;
+        clipped += in_row;
+    }
     return static_cast<double>(clipped) / (double(frame.width / 2) * double(frame.height / 2));
 }
 

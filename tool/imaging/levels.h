@@ -1,4 +1,4 @@
-// How bright a plane is, block by block: the numbers that the tool prints about frames.
+// How bright the planes of a frame are, place by place: the numbers that the tool prints about frames.
 #pragma once
 
 #include <array>
@@ -8,29 +8,53 @@
 
 namespace zerklsc::tool {
 
-// The plane divided into blocks x blocks blocks of (nearly) equal size.
-struct PlaneLevels {
-    int blocks = 0;
-    std::vector<double> means; // of each block, row by row
-    double mean = 0;           // of the whole plane
+// The means of the blocks that a plane is divided into, row by row.
+struct BlockMeans {
+    int columns = 0;
+    int rows = 0;
+    std::vector<double> values;
 
-    double centre() const;
-    // Top left, top right, bottom left, bottom right.
-    std::array<double, 4> corners() const;
-    // The mean of the corner blocks as a fraction of the centre block; 0 for a black centre.
-    double corner_to_centre() const;
-    // The largest deviation of a block from the plane's mean, as a fraction of that; 0 for a black plane.
-    double flatness() const;
+    double at(int column, int row) const { return values[static_cast<size_t>(row * columns + column)]; }
 };
 
-// The block count at which the tool measures where nothing else is said.
-constexpr int usual_blocks = 11;
+// A deviation, as a fraction, and the pixel of the frame in the middle of where it is.
+struct Deviation {
+    double fraction = 0;
+    int x = 0, y = 0;
+};
 
-// The frame's black level must have been taken off, and its planes must have at least `blocks` samples each
-// way.
-PlaneLevels measure_plane(const RawFrame& frame, int plane, int blocks);
+struct PlaneLevels {
+    BlockMeans coarse; // as many blocks each way as were asked for
+    BlockMeans fine; // about a sixty-fourth of the shorter side each, at least 8 samples; both counts are odd
+    double mean = 0; // of the whole plane
+    int frame_width = 0, frame_height = 0;
 
-// The part of a plane's samples that stand at full scale, before black is taken off.
+    // Of the fine block in the middle.
+    double centre() const;
+    // Of the fine blocks in the corners: top left, top right, bottom left, bottom right.
+    std::array<double, 4> corners() const;
+    // The mean of the corners as a fraction of the centre; 0 for a black centre.
+    double corner_to_centre() const;
+    // The largest deviation of a coarse block from the plane's mean, as a fraction of that; 0 for a black
+    // plane.
+    double flatness() const;
+    // The fine block that deviates most from the plane's mean.
+    Deviation worst() const;
+};
+
+using FrameLevels = std::array<PlaneLevels, 4>; // by plane
+
+// The coarse blocks each way where nothing else is said, as far as the frame has so many samples.
+int usual_blocks(const RawDescription& frame);
+
+// What is above `black`; the planes must have at least `blocks` samples each way.
+FrameLevels measure_planes(const RawFrame& frame, const BlackLevel& black, int blocks);
+
+// The largest change of `colour` against green from the centre: how far (colour / green) of a fine block is
+// from that of the centre, as a fraction. Green is the mean of both. 0 where the centre is black.
+Deviation colour_shading(const FrameLevels& levels, BayerPattern pattern, Colour colour);
+
+// The part of a plane's samples that stand at the white level, before black is taken off.
 double clipped_fraction(const RawFrame& frame, int plane);
 
 } // namespace zerklsc::tool

@@ -11,13 +11,23 @@ namespace {
 
 constexpr int isp_bits = 10;
 
-// Replaces every sample by f(sample, plane).
+// Replaces every sample by f(sample, its plane's level). The loop over the lanes becomes vector instructions.
 template <class F>
-void transform_samples(RawFrame& frame, F f) {
-    for (int y = 0; y < frame.height; ++y)
-        for (int x = 0; x < frame.width; ++x)
-            frame.at(x, y) =
-                static_cast<uint16_t>(f(int{frame.at(x, y)}, static_cast<size_t>(plane_of_pixel(x, y))));
+void transform_samples(RawFrame& frame, const BlackLevel& levels, F f) {
+    constexpr size_t lanes = 32;
+    const auto width = static_cast<size_t>(frame.width);
+    for (size_t y = 0; y < static_cast<size_t>(frame.height); ++y) {
+        std::array<int, lanes> level;
+        for (size_t i = 0; i < lanes; ++i)
+            level[i] = levels[2 * (y & 1) + (i & 1)];
+        uint16_t* const row = frame.samples.data() + y * width;
+        size_t x = 0;
+        for (; x + lanes <= width; x += lanes)
+            for (size_t i = 0; i < lanes; ++i)
+                row[x + i] = static_cast<uint16_t>(f(int{row[x + i]}, level[i]));
+        for (; x < width; ++x)
+            row[x] = static_cast<uint16_t>(f(int{row[x]}, level[x & 1]));
+    }
 }
 
 } // namespace
@@ -35,7 +45,7 @@ std::string text_of(const BlackLevel& black) {
 }
 
 void subtract_black(RawFrame& frame, const BlackLevel& black) {
-    transform_samples(frame, [&](int v, size_t plane) { return std::max(v - black[plane], 0); });
+    transform_samples(frame, black, [](int v, int level) { return std::max(v - level, 0); });
     frame.black = BlackLevel{};
     if (frame.white)
         *frame.white = std::max(*frame.white - std::ranges::max(black), 1);
@@ -43,7 +53,7 @@ void subtract_black(RawFrame& frame, const BlackLevel& black) {
 
 void add_black(RawFrame& frame, const BlackLevel& black) {
     const int top = frame.full_scale();
-    transform_samples(frame, [&](int v, size_t plane) { return std::min(v + black[plane], top); });
+    transform_samples(frame, black, [top](int v, int level) { return std::min(v + level, top); });
     frame.black = black;
     if (frame.white)
         *frame.white = std::min(*frame.white + std::ranges::max(black), top);
@@ -53,8 +63,8 @@ void scale_to_10_bits(RawFrame& frame) {
     if (frame.bits > isp_bits) {
         const int shift = frame.bits - isp_bits;
         const int half = 1 << (shift - 1);
-        transform_samples(frame,
-                          [&](int v, size_t) { return std::min((v + half) >> shift, (1 << isp_bits) - 1); });
+        transform_samples(frame, {},
+                          [=](int v, int) { return std::min((v + half) >> shift, (1 << isp_bits) - 1); });
         if (frame.black)
             for (int& b : *frame.black)
                 b = (b + half) >> shift;

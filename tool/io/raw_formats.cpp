@@ -114,6 +114,11 @@ std::vector<std::string> overridden(const RawReading& reading) {
 
 std::string encode_raw_frame(const std::string& path, const RawFrame& frame, const std::string& like) {
     const RawFormat* format = format_by_extension(path);
+    if (format == nullptr && path != "-" && !extension_of(path).empty())
+        usage_failure(
+            "{}: names no format in which frames are written: give a name that ends in .pgm, or .raw for "
+            "headerless words",
+            path);
     if (format == nullptr)
         format = format_by_extension(like);
     if (format == nullptr)
