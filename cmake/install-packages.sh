@@ -13,7 +13,7 @@ packages_of() {
     ci) echo clang libclang-rt-14-dev abigail-tools googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu ;;
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
-    package) echo debhelper dpkg-dev doxygen lintian ;;
+    package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev ;;
     *) echo "install-packages.sh: unknown step '$1' (build, ci, lint, package or bench)" >&2 && exit 2 ;;
     esac

@@ -2,6 +2,8 @@
 // idle.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "header/lens.h"
 #include "support/allocations.h"
 
