@@ -79,9 +79,10 @@
  * things are written where it may not be expected: bicubic_lnc_correction_vessaL2() rewrites the weights of
  * its record, and lsc2d_calibration_wrapper() with algorithm 4 those of its info.
  *
- * Standard output: refused pointers, a singular fit and doubtful samples print a line each; the functions say
- * which. The parameter generators print 49 or 50 bytes for every sample above 1023: a 12-bit frame of 1.2
- * million pixels above that prints 60 MB. Nothing is printed otherwise.
+ * Standard output: refused pointers, a narrow frame, an ISP type without gains, a singular fit and doubtful
+ * samples print a line each; the functions say which. The parameter generators print 49 or 50 bytes for every
+ * sample above 1023: a 12-bit frame of 1.2 million pixels above that prints 60 MB. Nothing is printed
+ * otherwise.
  *
  * Memory: what a function takes from the heap while it runs is said where it is more than a few hundred
  * bytes, in bytes; it is freed before the function returns, except where a comment says what stays. e is the
@@ -814,8 +815,8 @@ ZERKLSC_API void lsc_table_itof(const uint16_t* src, float* dst, int32_t w, int3
 ZERKLSC_API void format_lsc_table(uint16_t* table, int32_t w, int32_t h);
 
 /**
- * The weight of a node in cubic interpolation: the convolution kernel with a = -0.5 of R. Keys, "Cubic
- * convolution interpolation for digital image processing", IEEE Trans. ASSP 29(6), 1981, in single precision.
+ * The weight of a node in cubic interpolation, in single precision: that of R. Keys, "Cubic convolution
+ * interpolation for digital image processing", IEEE Trans. ASSP 29(6), 1981, with a = -0.5.
  *
  * @param x  distance from the node in node spacings, of either sign
  * @return   1 at 0, 0 at every other whole number and beyond 2; 0 for a value that is not a number
@@ -1113,8 +1114,8 @@ ZERKLSC_API void expand_lsc_table_c2(unsigned short* table, int width, int heigh
  * -1, 0 and +1 for the fraction i / step of a cell, 1024 = 1.0, rounded half up. Everything else in the block
  * becomes 0; so does all of it for a step of 0 or above 255, which a block cannot hold.
  *
- * The kernel is that of R. Keys, "Cubic convolution interpolation for digital image processing", IEEE Trans.
- * ASSP 29(6), 1981, with a = -0.5.
+ * The weights are those of R. Keys, "Cubic convolution interpolation for digital image processing", IEEE
+ * Trans. ASSP 29(6), 1981, with a = -0.5.
  *
  * @param weights  written; every byte of the block; not null
  * @param step     phases of a cell, 1 .. 255
@@ -1434,9 +1435,9 @@ ZERKLSC_API int32_t lsc_decompress(lsc_otp_info* info);
  * @param stream  written: 3 * n bytes in mode 0, 7 * (n / 4) in mode 1, for n = width * height; no overlap
  *                with the planes
  * @param a       base plane: n values, row by row; only read
- * @param b       plane of the colour beside the base: n values, row by row; only read
- * @param c       plane of the colour above or below the base: n values, row by row; only read
- * @param d       plane of the colour diagonal to the base: n values, row by row; only read
+ * @param b       base less the colour beside it: n values, row by row; only read
+ * @param c       base less the colour above or below it: n values, row by row; only read
+ * @param d       base less the colour diagonal to it: n values, row by row; only read
  * @param width   nodes per row; below 1 nothing is written
  * @param height  rows; below 1 nothing is written
  * @param mode    precision mode, 0 or 1; any other writes nothing
@@ -1451,9 +1452,9 @@ ZERKLSC_API int32_t store_data(uint8_t* stream, int16_t* a, int16_t* b, int16_t*
  *
  * @param stream  read: 3 * n bytes in mode 0, 7 * (n / 4) in mode 1, for n = width * height
  * @param a       base plane: n values, row by row, written
- * @param b       plane of the colour beside the base, written likewise
- * @param c       plane of the colour above or below the base, written likewise
- * @param d       plane of the colour diagonal to the base, written likewise
+ * @param b       base less the colour beside it, written likewise
+ * @param c       base less the colour above or below it, written likewise
+ * @param d       base less the colour diagonal to it, written likewise
  * @param width   nodes per row; below 1 nothing is written
  * @param height  rows; below 1 nothing is written
  * @param mode    precision mode, 0 or 1; any other writes nothing
