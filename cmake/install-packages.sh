@@ -14,7 +14,7 @@ packages_of() {
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu ;;
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
-    bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev ;;
+    bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev ;;
     *) echo "install-packages.sh: unknown step '$1' (build, ci, lint, package or bench)" >&2 && exit 2 ;;
     esac
 }

@@ -12,7 +12,7 @@ namespace zerklsc::bench {
 void print_peers(double budget) {
     unsetenv("ZERKLSC_CPU");
     std::vector<Peer> peers;
-    for (const auto source : {opencv_peers, lensfun_peers, eigen_peers})
+    for (const auto source : {opencv_peers, lensfun_peers, eigen_peers, openblas_peers})
         for (Peer& peer : source())
             peers.push_back(std::move(peer));
     if (peers.empty()) {

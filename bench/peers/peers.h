@@ -17,5 +17,6 @@ struct Peer {
 std::vector<Peer> opencv_peers();
 std::vector<Peer> lensfun_peers();
 std::vector<Peer> eigen_peers();
+std::vector<Peer> openblas_peers();
 
 } // namespace zerklsc::bench

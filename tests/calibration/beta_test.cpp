@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "calibration/plain_fit.h"
+#include "calibration/beta_plain.h"
 #include "support/allocations.h"
 #include "support/guarded.h"
 #include "support/random.h"
@@ -110,7 +110,7 @@ TEST(SurfaceFit, EqualsThePlainFormToTheBit) {
                                              random_samples(random, count, Spread::low)};
         for (size_t f = 0; f < frames.size(); ++f) {
             const std::vector<Samples> expected =
-                plain_fit(frames[f], g.width, g.height, nx, ny, param_of(g));
+                zerklsc::plain::calibrate_beta(frames[f], g.width, g.height, nx, ny, param_of(g));
             const Outcome actual = fit(frames[f], g, f % 2 ? Against::front : Against::back);
             EXPECT_EQ(actual.status, expected.empty() ? -1 : 0) << g;
             EXPECT_TRUE(actual.clean) << g;

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "calibration/plain_fit.h"
+#include "calibration/inversion/matrix_inv_plain.h"
 #include "support/allocations.h"
 #include "support/guarded.h"
 #include "support/random.h"
@@ -31,7 +31,7 @@ bool same(T a, T b) {
 template <class T>
 int mismatch(const std::vector<T>& a, int n) {
     std::vector<T> expected = a;
-    const int status = plain_matrix_inv(expected.data(), n);
+    const int status = zerklsc::plain::matrix_inv(expected.data(), n);
     int found = -1;
     for (const char* const level : {"base", "neon", "avx2", "avx512"}) {
         setenv("ZERKLSC_CPU", level, 1);

@@ -1,11 +1,12 @@
-#include "calibration/plain_fit.h"
+// The plain form of calibration by the surface fit.
+#include "calibration/beta_plain.h"
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
-#include <utility>
 
-namespace zerklsc::testing {
+#include "calibration/inversion/matrix_inv_plain.h"
+
+namespace zerklsc::plain {
 namespace {
 
 template <class T>
@@ -117,63 +118,8 @@ uint16_t stored(float n) {
 
 } // namespace
 
-template <class T>
-int plain_matrix_inv(T* a, int n) {
-    std::vector<T> b(static_cast<size_t>(n) * static_cast<size_t>(n));
-    std::vector<int> rows, columns;
-    const auto re = [&](int i, int j) -> T& { return a[i * n + j]; };
-    const auto im = [&](int i, int j) -> T& { return b[static_cast<size_t>(i * n + j)]; };
-    const auto product = [&](int i, int j, int g, int h) {
-        const T p = re(i, j) * re(g, h), q = im(i, j) * im(g, h);
-        const T s = (re(i, j) + im(i, j)) * (re(g, h) + im(g, h));
-        return std::pair<T, T>(p - q, s - p - q);
-    };
-    const auto exchange = [&](int r, int c, int k) {
-        for (int j = 0; j < n && r != k; ++j)
-            std::swap(re(k, j), re(r, j)), std::swap(im(k, j), im(r, j));
-        for (int i = 0; i < n && c != k; ++i)
-            std::swap(re(i, k), re(i, c)), std::swap(im(i, k), im(i, c));
-    };
-    for (int k = 0; k < n; ++k) {
-        T d = 0;
-        int r = k, c = k;
-        for (int i = k; i < n; ++i)
-            for (int j = k; j < n; ++j)
-                if (const T m = re(i, j) * re(i, j) + im(i, j) * im(i, j); m > d)
-                    d = m, r = i, c = j;
-        if (d == 0)
-            return -1;
-        rows.push_back(r), columns.push_back(c);
-        exchange(r, c, k);
-        re(k, k) = re(k, k) / d;
-        im(k, k) = -im(k, k) / d;
-        for (int j = 0; j < n; ++j)
-            if (j != k)
-                std::tie(re(k, j), im(k, j)) = product(k, j, k, k);
-        for (int i = 0; i < n; ++i)
-            for (int j = 0; j < n; ++j)
-                if (i != k && j != k) {
-                    const auto [x, y] = product(k, j, i, k);
-                    re(i, j) -= x;
-                    im(i, j) -= y;
-                }
-        for (int i = 0; i < n; ++i)
-            if (i != k) {
-                const auto [x, y] = product(i, k, k, k);
-                re(i, k) = -x;
-                im(i, k) = -y;
-            }
-    }
-    for (int k = n - 1; k >= 0; --k)
-        exchange(columns[static_cast<size_t>(k)], rows[static_cast<size_t>(k)], k);
-    return 0;
-}
-
-template int plain_matrix_inv(float* a, int n);
-template int plain_matrix_inv(double* a, int n);
-
-std::vector<std::vector<uint16_t>> plain_fit(const std::vector<uint16_t>& image, int width, int height,
-                                             int nx, int ny, const lsc2d_calib_param& param) {
+std::vector<std::vector<uint16_t>> calibrate_beta(const std::vector<uint16_t>& image, int width, int height,
+                                                  int nx, int ny, const lsc2d_calib_param& param) {
     const int pw = width / 2, ph = height / 2;
     std::vector<pix_point> points;
     for (const int y : lines(ph, param.grid, param.filter_radius))
@@ -185,7 +131,7 @@ std::vector<std::vector<uint16_t>> plain_fit(const std::vector<uint16_t>& image,
     Matrix<double> inverse = multiply<double, double>(design_t, design);
     const std::vector<uint16_t> planes = planes_of(image, width, height);
     std::vector<std::vector<uint16_t>> tables;
-    if (plain_matrix_inv(inverse.v.data(), static_cast<int>(inverse.rows)) != 0)
+    if (matrix_inv(inverse.v.data(), static_cast<int>(inverse.rows)) != 0)
         return tables;
     for (size_t k = 0; k < 4; ++k) {
         const Matrix<float> t = targets(&planes[k * planes.size() / 4], pw, ph, points, param);
@@ -197,4 +143,4 @@ std::vector<std::vector<uint16_t>> plain_fit(const std::vector<uint16_t>& image,
     return tables;
 }
 
-} // namespace zerklsc::testing
+} // namespace zerklsc::plain
