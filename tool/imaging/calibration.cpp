@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <string_view>
 
 #include "failure.h"
 #include "imaging/library_messages.h"
@@ -125,6 +126,23 @@ int32_t run(const RawFrame& flat, GainTables& tables) {
     }
 }
 
+// What the library printed, `count` times, as a user of the tool understands it.
+std::string in_own_words(const std::string& line, int count) {
+    constexpr std::string_view clipped = " channel data of raw image maybe wrong";
+    constexpr std::string_view prefix = "Warning:";
+    if (line.starts_with(prefix) && line.ends_with(clipped))
+        return fmt::format("{} samples of {} are clipped: lower the exposure", count,
+                           line.substr(prefix.size(), line.size() - prefix.size() - clipped.size()));
+    if (line == "Warning:raw image data maybe wrong")
+        return fmt::format(
+            "{} rows of the grid fall to black at the right edge, and have no gain there: look for what "
+            "covers the frame, and at the black level",
+            count);
+    if (line == "Warning: singular matrix, no solution was found!")
+        return "the surface fit has no solution: give another step, or another algorithm";
+    return fmt::format("{} ({} times)", line, count);
+}
+
 } // namespace
 
 GainTables calibrate(const RawFrame& flat, BayerPattern pattern, const BlackLevel& black,
@@ -148,7 +166,7 @@ GainTables calibrate(const RawFrame& flat, BayerPattern pattern, const BlackLeve
     LibraryMessages messages;
     const int32_t status = run(flat, tables);
     for (const auto& [line, count] : messages.finish())
-        warn(fmt::format("{}: {} ({} times)", flat.name, line, count));
+        warn(fmt::format("{}: {}", flat.name, in_own_words(line, count)));
     if (status != 0)
         data_failure("{}: algorithm {} cannot calibrate planes of {} x {} with --step {} and --radius {}: "
                      "try a smaller "
