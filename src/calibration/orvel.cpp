@@ -84,7 +84,7 @@ int32_t lsc2d_calibration_orvel(uint16_t* raw, int32_t width, int32_t height, ui
     Buffers buffers(grid);
     if (!buffers || !calibrate(planes, window, grid, cluster, *param, buffers, tables))
         return -1;
-    // The samples stay allocated: callers budget their memory for what each calibration leaves behind.
+    // Quirk: the samples stay allocated, so a process that calibrates often grows by them with each call.
     for (Scratch<float>& channel : buffers.samples)
         static_cast<void>(channel.release());
     return 0;

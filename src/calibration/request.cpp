@@ -17,7 +17,7 @@ bool holds_stencils(const Request& request) {
 }
 
 // The parameter generators take the low byte of the step and reflect the planes into a margin.
-bool generator_takes(const Request& request, int32_t least_extent) {
+bool generator_accepts(const Request& request, int32_t least_extent) {
     const int32_t extent = std::min(request.plane_w, request.plane_h);
     return extent >= least_extent && request.param.grid <= highest_byte
            && request.param.filter_radius < extent && holds_stencils(request);
@@ -47,15 +47,15 @@ Request make_request(const uint16_t* raw, const lsc2d_info& info) {
     return request;
 }
 
-bool method_takes(int32_t algorithm, const Request& request) {
+bool method_accepts(int32_t algorithm, const Request& request) {
     constexpr int32_t halvane_block = 50;
     if (request.param.grid == 0 || request.param.filter_radius < 0)
         return false;
     switch (algorithm) {
     case ZERKLSC_ALGORITHM_HALVANE:
-        return generator_takes(request, halvane_block);
+        return generator_accepts(request, halvane_block);
     case ZERKLSC_ALGORITHM_ORVEL_OTP:
-        return generator_takes(request, 1);
+        return generator_accepts(request, 1);
     case ZERKLSC_ALGORITHM_ORVEL:
         return has_centre(request) && holds_stencils(request);
     case ZERKLSC_ALGORITHM_BETA:

@@ -23,6 +23,6 @@ Request make_request(const uint16_t* raw, const lsc2d_info& info);
 
 // False for an unknown algorithm and for a geometry that the method cannot take. What depends on the filter
 // alone and what the surface fit asks beyond that is refused by the methods themselves, before they write.
-bool method_takes(int32_t algorithm, const Request& request);
+bool method_accepts(int32_t algorithm, const Request& request);
 
 } // namespace zerklsc

@@ -34,7 +34,7 @@ int32_t lsc2d_calibration_wrapper(const uint16_t* raw, lsc2d_info* info) {
     if (!is_complete(raw, info))
         return -1;
     Request request = make_request(raw, *info);
-    if (!method_takes(info->algorithm, request))
+    if (!method_accepts(info->algorithm, request))
         return -1;
     if (info->algorithm == ZERKLSC_ALGORITHM_HALVANE)
         return run_halvane(request, *info);

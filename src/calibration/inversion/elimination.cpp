@@ -22,14 +22,14 @@ ptrdiff_t tile_index(const Elimination<T>& e, int32_t down, int32_t panel) {
 template <class T>
 T* pivot_row(const Elimination<T>& e, int32_t t, int32_t j) {
     const int32_t panel = j / tile_columns<T>;
-    return e.pivot_rows + (ptrdiff_t{panel} * most_pending + t) * tile_columns<T> + j % tile_columns<T>;
+    return e.pivot_rows + (ptrdiff_t{panel} * max_pending + t) * tile_columns<T> + j % tile_columns<T>;
 }
 
 // The pivot's column in pending step t, from row i on; the next step's is tile_rows further on.
 template <class T>
 T* pivot_column(const Elimination<T>& e, int32_t t, int32_t i) {
     const int32_t down = i / tile_rows;
-    return e.pivot_columns + (ptrdiff_t{down} * most_pending + t) * tile_rows + i % tile_rows;
+    return e.pivot_columns + (ptrdiff_t{down} * max_pending + t) * tile_rows + i % tile_rows;
 }
 
 template <class T>
@@ -249,7 +249,7 @@ bool eliminate(Elimination<T>& e) {
         T* const pivots_column = bring_pivot(e, pivot.position);
         add_step(e, pivots_column, pivot.square);
         raise_bounds(e, pivots_column);
-        if (++e.pending == most_pending)
+        if (++e.pending == max_pending)
             apply_pending_to_all(e);
     }
     apply_pending_to_all(e);

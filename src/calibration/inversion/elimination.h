@@ -23,7 +23,7 @@ namespace zerklsc {
 constexpr int32_t tile_rows = 4;
 template <class T>
 constexpr int32_t tile_columns = 256 / int32_t{sizeof(T)};
-constexpr int32_t most_pending = 24;
+constexpr int32_t max_pending = 24;
 
 // The matrix and the working memory. A panel holds tile_columns columns, row by row; rows and columns are
 // made up to whole tiles with zeros.
@@ -43,7 +43,7 @@ struct Elimination {
     int32_t pending; // how many steps are kept
 };
 
-static_assert(most_pending <= UINT8_MAX);
+static_assert(max_pending <= UINT8_MAX);
 
 // Not shared between the instruction sets: each has its own.
 namespace {

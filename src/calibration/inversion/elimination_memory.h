@@ -45,7 +45,7 @@ Workspace<T> make_workspace(int32_t n) {
     const int64_t rows = int64_t{down} * tile_rows;
     const int64_t columns = int64_t{panels} * tile_columns<T>;
     const int64_t tile_count = int64_t{down} * panels;
-    const int64_t count = rows * columns + (rows + columns) * most_pending + 2 * rows + tile_count;
+    const int64_t count = rows * columns + (rows + columns) * max_pending + 2 * rows + tile_count;
     const uint64_t room = static_cast<uint64_t>(count) + cache_line / sizeof(T);
     Workspace<T> w = {allocate<T>(room),
                       allocate<uint8_t>(static_cast<uint64_t>(tile_count)),
@@ -62,8 +62,8 @@ Workspace<T> make_workspace(int32_t n) {
     e.panels = panels;
     e.matrix = aligned(w.values.get());
     e.pivot_rows = e.matrix + rows * columns;
-    e.pivot_columns = e.pivot_rows + columns * most_pending;
-    e.columns = e.pivot_columns + rows * most_pending;
+    e.pivot_columns = e.pivot_rows + columns * max_pending;
+    e.columns = e.pivot_columns + rows * max_pending;
     e.bounds = e.columns + 2 * rows;
     e.applied = w.applied.get();
     e.pivots = w.pivots.get();
