@@ -52,8 +52,8 @@ struct Line {
 };
 
 // Adds the row of the windows at distance dy from their centres, which lies on the running row.
-void add_row(const RunningRow& row, const PlaneSet& planes, const Window& window, const Line& line,
-             int64_t dy, int32_t parity) {
+[[gnu::noinline]] void add_row(const RunningRow& row, const PlaneSet& planes, const Window& window,
+                               const Line& line, int64_t dy, int32_t parity) {
     const int32_t reach = window.reach_of(static_cast<int32_t>(dy));
     uint64_t* sums = line.sums + parity * planes.interleave;
     for (ptrdiff_t i = 0; reach >= 0 && i < line.count; ++i, sums += planes.count())

@@ -49,6 +49,23 @@ TEST(BrightestLevel, EqualsThePlainForm) {
     }
 }
 
+// The window around the last point reaches one sample over the right edge, or over the bottom edge, which is
+// where the plane is brightest.
+TEST(BrightestLevel, WindowsOneSampleOverAnEdgeFollowTheBoundaryRule) {
+    for (const auto& [w, h] : {std::pair{14, 17}, std::pair{17, 14}}) {
+        std::vector<uint16_t> plane(static_cast<size_t>(w * h));
+        for (int32_t k = 0; k < w * h; ++k)
+            plane[static_cast<size_t>(k)] = static_cast<uint16_t>(2000 * (k % w) + 1500 * (k / w));
+        for (const imfilter_t& filter : {box(6), box(6, ZERKLSC_BOUNDARY_CLAMP)}) {
+            uint16_t level[4] = {};
+            ASSERT_TRUE(zerklsc::brightest_levels(zerklsc::single_plane(plane.data(), w, h),
+                                                  zerklsc::make_window(filter), zerklsc::centre_cluster(w, h),
+                                                  level));
+            EXPECT_EQ(level[0], plain_brightest(plane.data(), w, h, filter)) << w << 'x' << h;
+        }
+    }
+}
+
 // Full-scale samples around the largest radius whose sums fit 32 bits.
 TEST(BrightestLevel, FullScaleStaysFullScale) {
     const std::vector<uint16_t> raw(720 * 720, uint16_t{65535});

@@ -75,6 +75,20 @@ TEST(Filter, CoversStrideManyRowsOfTheGivenColumns) {
     }
 }
 
+// The disc of sigma 1.5 has one tap in the third row from its centre, which is the last: a caller need not
+// have more.
+TEST(Filter, ReadsNoSampleWithoutAWeight) {
+    Random random(11);
+    float sigma = 1.5f;
+    const imfilter_t filter = gaussian(9, &sigma);
+    const int32_t s1 = 11, s2 = 11;
+    for (const Against side : {Against::front, Against::back}) {
+        Guarded<uint16_t> src(random_samples(random, (s1 + 6) * s1), side), dst(s1 * s1);
+        ASSERT_EQ(img_filter(src.data() + 3 * s1, dst.data(), s1, s2, &filter), 0);
+        EXPECT_EQ(dst[5 * s1 + 5], level_at(src.data() + 8 * s1 + 5, s1, filter));
+    }
+}
+
 TEST(Filter, RefusalsWriteNothing) {
     float usual = 1.0f, zero = 0.0f;
     uint16_t sample = 9;
