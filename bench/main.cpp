@@ -25,8 +25,8 @@ std::vector<T> gather(std::initializer_list<std::vector<T> (*)()> sources) {
 
 // Runs each check `rounds` times at each level; false and the parameters at the first difference.
 bool all_equal(uint64_t seed, int rounds) {
-    const auto checks =
-        gather<Check>({bayer_checks, calibration_checks, table_checks, bicubic_checks, compress_checks});
+    const auto checks = gather<Check>(
+        {bayer_checks, calibration_checks, sampling_checks, table_checks, bicubic_checks, compress_checks});
     for (const char* const level : available_levels()) {
         setenv("ZERKLSC_CPU", level, 1);
         testing::Random random(seed);
@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     if (bench || growth)
         print_machine();
     if (bench) {
-        print_table(gather<Workload>({bicubic_workloads, table_workloads, bayer_workloads,
+        print_table(gather<Workload>({bicubic_workloads, sampling_workloads, table_workloads, bayer_workloads,
                                       calibration_workloads, compress_workloads}),
                     budget, !brief);
         print_peers(budget);

@@ -37,6 +37,8 @@ std::vector<Workload> bayer_workloads();
 std::vector<Check> bayer_checks();
 std::vector<Workload> calibration_workloads();
 std::vector<Check> calibration_checks();
+std::vector<Workload> sampling_workloads();
+std::vector<Check> sampling_checks();
 std::vector<Workload> table_workloads();
 std::vector<Check> table_checks();
 std::vector<Workload> bicubic_workloads();

@@ -77,4 +77,21 @@ bool sample_points(const uint16_t* plane, pix_point* points, int32_t count, int3
     return true;
 }
 
+bool filter_plane(const uint16_t* src, uint16_t* dst, int32_t s1, int32_t s2, const imfilter_t& filter) {
+    const Mask mask = make_mask(filter);
+    if (mask.centre == nullptr)
+        return false;
+    const int32_t r = mask.radius;
+    for (ptrdiff_t row = 0; row < s1; ++row) {
+        for (ptrdiff_t at = row * s1; at < row * s1 + s2; ++at) {
+            int64_t sum = 0;
+            for (ptrdiff_t dy = -r; dy <= r; ++dy)
+                for (ptrdiff_t dx = -r; dx <= r; ++dx)
+                    sum += int64_t{mask.centre[dy * (2 * r + 1) + dx]} * src[at + dy * s1 + dx];
+            dst[at] = floor_low16(static_cast<double>(static_cast<float>(sum) * mask.scale + 0.5f));
+        }
+    }
+    return true;
+}
+
 } // namespace zerklsc::plain
