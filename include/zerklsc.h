@@ -472,7 +472,8 @@ ZERKLSC_API int32_t get_filter_mask(int32_t* mask_centre, int32_t* sum, const im
  * The level is (float)sum * (1.0f / (float)weights): on a constant plane that is the constant, or its
  * neighbour where the reciprocal is not exact.
  *
- * Memory: at most 16 * (width + 2r) + 4 * (r + 1) + 64 bytes for a radius of r.
+ * Memory: 4 * (r + 1) for a radius of r; where windows are so large that they share the sums of whole rows,
+ * at most 40 for each node and 4 * (width + 1) besides.
  *
  * @param plane    width x height samples, row by row
  * @param samples  written; out_w x out_h levels, row by row
@@ -496,7 +497,7 @@ ZERKLSC_API int32_t img_sample_grid(const uint16_t* plane, float* samples, int32
  * (float)weights) + 0.5). A point may lie outside the plane as long as its taps are mirrored into it, or with
  * ZERKLSC_BOUNDARY_CLAMP anywhere.
  *
- * Memory: 4 * (r + 1) bytes for a radius of r.
+ * Memory: as img_sample_grid(), with points for nodes.
  *
  * @param plane   width x height samples, row by row
  * @param points  count points; `value` is written
@@ -548,7 +549,8 @@ ZERKLSC_API int32_t get_pixel_maximum(const pix_point* points, int32_t count);
  * Taps are read at their plain positions, whatever the boundary mode: the caller provides a margin of at
  * least the radius around the region. The level is rounded as by img_sample().
  *
- * Memory: at most 8 * (s2 + 2r) + 4 * (r + 1) + 64 bytes for a radius of r.
+ * Memory for a radius of r: at most 16 * (s2 + 2r + 1) + 4 * (r + 1) + 64 for a box, and
+ * (8 * (s2 + 2r + 1) + 16) * (2r + 1) + 4 * (r + 1) for a disc.
  *
  * @param src     first sample of the region in a plane of row stride s1
  * @param dst     written; row stride s1, only the first s2 samples of each of the s1 rows; must not overlap
@@ -664,6 +666,8 @@ ZERKLSC_API unsigned short find_peak_intensity(unsigned short* plane, pix_point*
  * method 0      8 * n + 12 * w + 8
  * method 1      at most 12 * e + 16 * n + 12 * w + 8
  * methods 2, 4  at most 20 * n + 4 * e + 4 * w + 40 * r + 128, of which 16 * n stays allocated
+ *               large windows that share the sums of whole rows take 64 for each node or point of the
+ *               centre cluster besides, whichever are more, and 8 * (w + 1)
  * method 3      as lsc2d_calibration_beta()
  * @endverbatim
  *

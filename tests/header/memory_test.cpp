@@ -77,7 +77,7 @@ TEST(HeaderMemory, OfSamplingAndFilter) {
                       return img_sample_grid(plane.data(), samples.data(), size.width, size.height, size.step,
                                              size.step, grid_w, grid_h, &box);
                   }),
-                  16 * (w + 2 * r) + 4 * (r + 1) + 64);
+                  4 * (r + 1) + 40 * samples.size() + 4 * (w + 1));
         pix_point point{static_cast<int16_t>(size.width / 2), static_cast<int16_t>(size.height / 2), 0};
         EXPECT_EQ(peak_of([&] { return img_sample(plane.data(), &point, 1, size.width, size.height, &box); }),
                   4 * (r + 1));
@@ -90,7 +90,7 @@ TEST(HeaderMemory, OfSamplingAndFilter) {
                       return img_filter(padded.data() + size.radius * side + size.radius, smooth.data(), side,
                                         columns, &box);
                   }),
-                  8 * (static_cast<size_t>(columns) + 2 * r) + 4 * (r + 1) + 64);
+                  16 * (static_cast<size_t>(columns) + 2 * r + 1) + 4 * (r + 1) + 64);
     }
 }
 
