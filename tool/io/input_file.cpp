@@ -88,6 +88,19 @@ size_t InputFile::read_some(uint64_t offset, std::span<std::byte> to) {
     return done + read_forward(to.subspan(done));
 }
 
+void InputFile::hold(uint64_t limit) {
+    while (!size_) {
+        const size_t before = head_.size();
+        if (before > limit)
+            data_failure("{}: holds more than {} bytes, the most that is taken from a pipe", path_, limit);
+        head_.resize(2 * before);
+        const size_t got = read_forward(std::as_writable_bytes(std::span(head_)).subspan(before));
+        head_.resize(before + got);
+        if (got < before)
+            size_ = head_.size();
+    }
+}
+
 void InputFile::read(uint64_t offset, std::span<std::byte> to) {
     const size_t got = read_some(offset, to);
     if (got < to.size())

@@ -28,6 +28,9 @@ class InputFile {
     // The length in bytes; nothing for a pipe or a device that goes on beyond its head.
     std::optional<uint64_t> size() const { return size_; }
 
+    // Takes all of a pipe into head(), so that it can be read in any order; a failure beyond `limit` bytes.
+    void hold(uint64_t limit);
+
     // Fills `to` with the bytes from `offset` on, and returns how many there were. A pipe is only read
     // forwards: beyond its head, offsets must not fall from call to call.
     size_t read_some(uint64_t offset, std::span<std::byte> to);

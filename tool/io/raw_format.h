@@ -47,6 +47,9 @@ extern const RawFormat pgm_format;
 extern const RawFormat mipi_raw10_format;
 extern const RawFormat mipi_raw12_format;
 extern const RawFormat headerless_format;
+extern const RawFormat png_mosaic_format;
+extern const RawFormat tiff_mosaic_format;
+extern const RawFormat camera_raw_format;
 
 // A frame, and what the file itself says about it: the hints override that in the frame.
 struct RawReading {

@@ -12,7 +12,16 @@ namespace zerklsc::tool {
 namespace {
 
 // In the order in which they are asked; headerless takes whatever comes with a size.
-constexpr std::array formats{&pgm_format, &mipi_raw10_format, &mipi_raw12_format, &headerless_format};
+constexpr std::array formats{
+    &pgm_format,         &mipi_raw10_format, &mipi_raw12_format, &png_mosaic_format,
+#ifdef ZERKLSC_WITH_LIBRAW
+    &camera_raw_format, // before TIFF, of which DNG is a kind
+#endif
+#ifdef ZERKLSC_WITH_TIFF
+    &tiff_mosaic_format,
+#endif
+    &headerless_format,
+};
 
 const RawFormat& format_of(const InputFile& file, const RawHints& hints) {
     for (const RawFormat* format : formats)
