@@ -9,6 +9,7 @@ namespace zerklsc::tool {
 // Each adds its subcommand with its options, and sets the callback that runs it.
 void add_simulate(Command app);
 void add_calibrate(Command app);
+void add_convert(Command app);
 void add_correct(Command app);
 void add_compare(Command app);
 void add_info(Command app);

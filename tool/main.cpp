@@ -33,6 +33,7 @@ constexpr const char* footer =
 void add_commands(Command program) {
     add_simulate(program);
     add_calibrate(program);
+    add_convert(program);
     add_correct(program);
     add_compare(program);
     add_info(program);

@@ -91,7 +91,9 @@ BlackLevel black_level_at(const GainTables& tables, int bits) {
 } // namespace
 
 void add_raw_options(Command command, RawOptions& options, const char* argument) {
-    command.option(argument, options.path, "raw frame: " + raw_format_names()).required();
+    Option path = command.option(argument, options.path, "raw frame: " + raw_format_names());
+    if (argument[0] != '-')
+        path.required();
     add_description_options(command, options);
 }
 

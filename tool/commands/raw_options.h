@@ -21,7 +21,8 @@ struct RawOptions {
     int white = 0;
 };
 
-// Adds the file argument under the name `argument`, and the options that say what the file itself does not.
+// Adds the file argument under the name `argument`, which may be left out where it is an option, and the
+// options that say what the file itself does not.
 void add_raw_options(Command command, RawOptions& options, const char* argument);
 
 // The same for one file or several, which share the options.

@@ -140,7 +140,7 @@ std::vector<uint16_t> unpack(const InputFile& file, LibRaw& raw, const RawDescri
 void set_depth(RawFrame& frame, unsigned white) {
     // Some cameras deliver a little more than the level at which they clip.
     const int most = std::max(static_cast<int>(std::min(white, 65535U)), largest_sample(frame));
-    frame.bits = std::max<int>(8, std::bit_width(static_cast<unsigned>(most)));
+    frame.bits = std::max(8, static_cast<int>(std::bit_width(static_cast<unsigned>(most))));
     frame.word_bits = frame.bits;
     if (white != 0 && static_cast<int>(white) < frame.full_scale())
         frame.white = static_cast<int>(white);

@@ -143,7 +143,7 @@ RawFrame describe(const std::string& path, const Header& header, const RawHints&
     frame.format = fmt::format("{}-bit PGM, maxval {}", header.maxval < 256 ? 8 : 16, header.maxval);
     frame.width = header.width;
     frame.height = header.height;
-    frame.word_bits = std::max<int>(8, std::bit_width(static_cast<unsigned>(header.maxval)));
+    frame.word_bits = std::max(8, static_cast<int>(std::bit_width(static_cast<unsigned>(header.maxval))));
     frame.bits = remarks.bits.value_or(frame.word_bits);
     frame.pattern = remarks.pattern;
     frame.black = remarks.black;

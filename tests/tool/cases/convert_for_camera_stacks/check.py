@@ -1,0 +1,140 @@
+"""Makes tables whose gains are a known polynomial, and compares what each format holds with that polynomial.
+
+Bicubic interpolation repeats a polynomial of second degree exactly, so only the rounding of the tables remains.
+"""
+import json
+import pathlib
+import re
+import struct
+import sys
+
+WIDTH, HEIGHT, STEP = 72, 52, 8
+COLUMNS, ROWS = 8, 7  # of the tables, border included
+COLOURS = ("B", "Gb", "Gr", "R")  # by plane
+BENDS = {"warm": {"R": (0.9, 0.5, 0.3), "Gr": (0.7, 0.6, 0.1), "Gb": (0.72, 0.4, 0.2), "B": (0.4, 0.8, 0.05)},
+         "cold": {"R": (0.2, 0.9, 0.4), "Gr": (0.5, 0.3, 0.2), "Gb": (0.6, 0.35, 0.1), "B": (4.1, 0.7, 0.2)}}
+ROUNDING = 1.5 / 1024
+
+
+def gain(light, colour, u, v):
+    """At fractions of the raw frame from edge to edge."""
+    a, b, c = BENDS[light][colour]
+    return 1.05 + a * (u - 0.3) ** 2 + b * (v - 0.6) ** 2 + c * u
+
+
+def node(light, plane, i, j):
+    u = (2 * STEP * (i - 1) + plane % 2 + 0.5) / WIDTH
+    v = (2 * STEP * (j - 1) + plane // 2 + 0.5) / HEIGHT
+    return round(1024 * gain(light, COLOURS[plane], u, v))
+
+
+def make():
+    for light in BENDS:
+        planes = [{"plane": p, "gains": [[node(light, p, i, j) for i in range(COLUMNS)] for j in range(ROWS)]}
+                  for p in range(4)]
+        pathlib.Path(light + ".json").write_text(json.dumps(
+            {"format": "zerklsc-tables", "version": 1, "raw_size": [WIDTH, HEIGHT], "step": STEP,
+             "table_size": [COLUMNS, ROWS], "algorithm": 2, "filter_radius": 2, "shading_percent": 100,
+             "bayer_pattern": "BGGR", "black_level": [60, 61, 62, 63], "bit_depth": 10, "tables": planes}))
+    header = b"P5\n# zerklsc pattern=BGGR black=60,61,62,63 white=1000\n%d %d\n1023\n"
+    pathlib.Path("constant.pgm").write_bytes(header % (WIDTH, HEIGHT) + b"\1\7" * (WIDTH * HEIGHT))
+    pathlib.Path("small.pgm").write_bytes(header % (4, 2) + b"\1\7" * 8)
+
+
+def expect(what, found, expected, tolerance=ROUNDING):
+    assert len(found) == len(expected), f"{what}: {len(found)} values, not {len(expected)}"
+    worst = max(abs(a - b) for a, b in zip(found, expected))
+    print(f"{what}: {len(found)} values, {'as expected' if worst <= tolerance else f'off by {worst}'}")
+
+
+def surface(light, colour, us, vs):
+    return [gain(light, colour, u, v) for v in vs for u in us]
+
+
+def over_minimum(values):
+    return [value / min(values) for value in values]
+
+
+def check_rkisp1():
+    text = pathlib.Path("tuning.yaml").read_text()
+    points = [i / 16 for i in range(17)]
+    assert re.findall(r"ct: (\d+)", text) == ["5000", "2856"]
+    assert [float(x) for x in re.search(r"x-size: \[(.*)\]", text)[1].split(",")] == [1 / 16] * 8
+    for colour in ("R", "Gr", "Gb", "B"):
+        tables = re.findall(rf"^ +{colour.lower()}: \[(.*)\]$", text, re.M)
+        for light, table in zip(("warm", "cold"), tables):
+            limited = [min(g, 4095 / 1024) for g in surface(light, colour, points, points)]
+            expect(f"rkisp1 {light} {colour}", [int(w) / 1024 for w in table.split(",")], limited)
+
+
+def check_alsc(name, lights, columns, rows):
+    alsc = json.loads(pathlib.Path(name).read_text())["algorithms"][0]["rpi.alsc"]
+    us, vs = [(i + 0.5) / columns for i in range(columns)], [(j + 0.5) / rows for j in range(rows)]
+    green = {light: [(a + b) / 2 for a, b in zip(surface(light, "Gr", us, vs), surface(light, "Gb", us, vs))]
+             for light in lights}
+    for field, colour in (("calibrations_Cr", "R"), ("calibrations_Cb", "B")):
+        print([entry["ct"] for entry in alsc[field]])
+        for light, entry in zip(lights, alsc[field]):
+            ratio = [a / g for a, g in zip(surface(light, colour, us, vs), green[light])]
+            expect(f"{name} {field} {light}", entry["table"], over_minimum(ratio), 3 * ROUNDING)
+    mean = [sum(each) / len(lights) for each in zip(*(over_minimum(green[light]) for light in lights))]
+    expect(f"{name} luminance", alsc["luminance_lut"], over_minimum(mean), 2 * ROUNDING)
+
+
+def check_android():
+    shading = json.loads(pathlib.Path("map.json").read_text())
+    us, vs = [i / 4 for i in range(5)], [j / 3 for j in range(4)]
+    # Row 0 of BGGR is B Gb: its green is that of the even rows.
+    expected = zip(*(surface("warm", colour, us, vs) for colour in ("R", "Gb", "Gr", "B")))
+    expect("android", sum(shading["gains"], []), [g for point in expected for g in point])
+
+
+def check_plain():
+    nodes = [node("warm", p, i, j) for p in range(4) for j in range(ROWS) for i in range(COLUMNS)]
+    c = pathlib.Path("warm.h").read_text()
+    expect("c", [int(n) for n in re.findall(r"\d+", c[c.index("= {"):])], nodes, 0)
+    lines = pathlib.Path("warm.csv").read_text().splitlines()
+    print(lines[0], lines[10])
+    expect("csv", [int(line.split(",")[4]) for line in lines[1:]], nodes, 0)
+    npy = pathlib.Path("warm.npy").read_bytes()
+    size = struct.unpack("<H", npy[8:10])[0]
+    print(npy[:8], npy[10:10 + size].decode().split("}")[0], (10 + size) % 64)
+    expect("npy", struct.unpack(f"<{len(nodes)}H", npy[10 + size:]), nodes, 0)
+    expect("text", [int(n) for n in pathlib.Path("warm.txt").read_text().split()], nodes, 0)
+
+
+def check_dng():
+    data = pathlib.Path("constant.dng").read_bytes()
+    tags = {}
+    for k in range(struct.unpack_from("<H", data, 8)[0]):
+        tag, kind, count, value = struct.unpack_from("<HHII", data, 10 + 12 * k)
+        tags[tag] = (kind, count, value)
+    assert list(tags) == sorted(tags)
+    print("last tag", max(tags), "samples", data[tags[273][2]:] == b"\7\1" * (WIDTH * HEIGHT))
+    opcodes = data[tags[51009][2]:][:tags[51009][1]]
+    assert struct.unpack_from(">I", opcodes) == (4,)
+    at = 4
+    for plane, colour in enumerate(COLOURS):
+        head = struct.unpack_from(">4I10I4dI", opcodes, at)
+        assert head[:3] == (9, 0x01030000, 1)
+        assert head[4:12] == (plane // 2, plane % 2, HEIGHT, WIDTH, 0, 1, 2, 2), head
+        rows, columns = head[12:14]
+        assert head[14:] == (1 / (rows - 1), 1 / (columns - 1), 0, 0, 1), head
+        at += 16
+        values = struct.unpack_from(f">{rows * columns}f", opcodes, at + 76)
+        assert head[3] == 76 + 4 * len(values)
+        at += head[3]
+        us, vs = [i / (columns - 1) for i in range(columns)], [j / (rows - 1) for j in range(rows)]
+        expect(f"dng {colour}, {columns} x {rows} points", values, surface("warm", colour, us, vs))
+    assert at == len(opcodes)
+
+
+if sys.argv[1] == "make":
+    make()
+else:
+    check_rkisp1()
+    check_alsc("pisp.json", ("cold", "warm"), 32, 32)
+    check_alsc("vc4.json", ("warm",), 16, 12)
+    check_android()
+    check_plain()
+    check_dng()

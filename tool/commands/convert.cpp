@@ -1,0 +1,168 @@
+// zerklsc convert: gain tables in the formats of camera stacks and of other programs
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "commands.h"
+#include "commands/frame_text.h"
+#include "commands/number_list.h"
+#include "commands/raw_options.h"
+#include "commands/report.h"
+#include "convert/dng.h"
+#include "convert/table_formats.h"
+#include "failure.h"
+#include "io/file_identity.h"
+#include "io/output_set.h"
+#include "io/table_json.h"
+#include "io/table_text.h"
+#include "terminal.h"
+
+namespace zerklsc::tool {
+namespace {
+
+struct Options {
+    std::vector<std::string> tables;
+    std::string output, format, kelvin, grid;
+    RawOptions raw;
+};
+
+// What a format is called, the extension that means it, and its grid where it has one of its own.
+struct Format {
+    const char* name;
+    const char* extension; // null where several formats share it
+    const char* grid;      // null where the tables keep theirs
+};
+
+constexpr std::array<Format, 8> formats{{{"rkisp1", ".yaml", nullptr},
+                                         {"alsc", nullptr, "32,32"},
+                                         {"android", nullptr, "17,13"},
+                                         {"dng", ".dng", nullptr},
+                                         {"c", ".h", nullptr},
+                                         {"csv", ".csv", nullptr},
+                                         {"npy", ".npy", nullptr},
+                                         {"text", ".txt", nullptr}}};
+
+std::string format_names() {
+    std::vector<std::string> names;
+    for (const Format& format : formats)
+        names.emplace_back(format.name);
+    return fmt::format("{}", fmt::join(names, ", "));
+}
+
+const Format& format_of(const Options& options) {
+    const std::string extension = extension_of(options.output);
+    for (const Format& format : formats)
+        if (options.format.empty() ? format.extension != nullptr && extension == format.extension
+                                   : options.format == format.name)
+            return format;
+    if (options.format.empty())
+        usage_failure("{}: its extension does not say the format: give --to {}", options.output,
+                      format_names());
+    usage_failure("--to: {} is not known: expected {}", options.format, format_names());
+}
+
+bool is(const Format& format, std::string_view name) {
+    return format.name == name;
+}
+
+// The table files with the temperatures that go with them.
+std::vector<LitTables> read_sets(const Options& options, const Format& format) {
+    const bool lit = is(format, "rkisp1") || is(format, "alsc");
+    if (!lit && options.tables.size() != 1)
+        usage_failure("{}: takes one table file, not {}: only rkisp1 and alsc hold several", format.name,
+                      options.tables.size());
+    if (lit && options.kelvin.empty())
+        usage_failure("{}: needs the colour temperature of each table file: give --ct, as --ct 2856,5000",
+                      format.name);
+    std::vector<int> kelvin(options.tables.size());
+    if (lit)
+        kelvin = integer_list("--ct", options.kelvin, options.tables.size(), 1000, 20000);
+    std::vector<LitTables> sets;
+    for (size_t i = 0; i < options.tables.size(); ++i)
+        sets.push_back({read_table_json(options.tables[i]), kelvin[i]});
+    return sets;
+}
+
+std::vector<int> grid_of(const Options& options, const Format& format) {
+    if (format.grid == nullptr && !options.grid.empty())
+        usage_failure("--grid: {} has a grid that cannot be chosen: leave it away", format.name);
+    if (format.grid == nullptr)
+        return {0, 0};
+    return integer_list("--grid", options.grid.empty() ? format.grid : options.grid, 2, 2, 256);
+}
+
+std::string encode_frame(const Options& options, const GainTables& tables) {
+    if (options.raw.path.empty())
+        usage_failure("dng: needs the frame that the maps correct: give --raw FRAME");
+    const RawFrame frame = read_raw_for(options.raw, tables, options.tables[0]);
+    if (frame.width != tables.raw_width || frame.height != tables.raw_height)
+        data_failure("{}: is for frames of {} x {}, but {} is {} x {}: resample it first", options.tables[0],
+                     tables.raw_width, tables.raw_height, frame.name, frame.width, frame.height);
+    return encode_dng(frame, tables);
+}
+
+std::string encode(const Options& options, const Format& format, const std::vector<LitTables>& sets,
+                   Losses& losses) {
+    const GainTables& tables = sets.front().tables;
+    const std::vector<int> grid = grid_of(options, format);
+    if (is(format, "rkisp1"))
+        return encode_rkisp1(sets, losses);
+    if (is(format, "alsc"))
+        return encode_alsc(sets, grid[0], grid[1], losses);
+    if (is(format, "android"))
+        return encode_android(tables, grid[0], grid[1], losses);
+    if (is(format, "dng"))
+        return encode_frame(options, tables);
+    if (is(format, "c"))
+        return encode_c_array(tables);
+    if (is(format, "csv"))
+        return encode_csv(tables);
+    return is(format, "npy") ? encode_npy(tables) : encode_table_text(tables);
+}
+
+void run(const Options& options, Report& report) {
+    std::vector<std::string> inputs = options.tables;
+    inputs.push_back(options.raw.path);
+    keep_files_apart(inputs, {options.output});
+    const Format& format = format_of(options);
+    const std::vector<LitTables> sets = read_sets(options, format);
+    Losses losses;
+    const std::string bytes = encode(options, format, sets, losses);
+    for (const std::string& loss : losses)
+        warn(fmt::format("{}: {}", options.output, loss));
+    write_file(options.output, bytes);
+    report.add("output", options.output);
+    report.add("format", format.name);
+    report.add("losses", JsonValue::list(losses));
+    report.print(fmt::format("{}: {} of {}\n", one_line(options.output), format.name,
+                             one_line(fmt::format("{}", fmt::join(options.tables, ", ")))));
+}
+
+} // namespace
+
+void add_convert(Command app) {
+    auto options = std::make_shared<Options>();
+    Command command = app.subcommand("convert", "Write tables in the format of a camera stack");
+    command.option("tables", options->tables, "table files of zerklsc calibrate").required();
+    command.option("-o,--output", options->output, "file to write").required();
+    command.option("--to", options->format, format_names() + " (default: by the extension of the output)");
+    command.option("--ct", options->kelvin,
+                   "colour temperature of each table file in kelvin, as 2856,5000 (rkisp1, alsc)");
+    command.option("--grid", options->grid, "COLUMNS,ROWS of the target (alsc: 32,32; android: 17,13)");
+    add_raw_options(command, options->raw, "--raw");
+    command.footer(
+        "rkisp1 is a part of a libcamera tuning file, alsc one of a Raspberry Pi tuning file. dng writes "
+        "the frame\nthat --raw names with the tables as gain maps. c, csv, npy and text hold the tables "
+        "as they are.\n\n"
+        "Example:\n"
+        "  zerklsc simulate -o flat.pgm\n"
+        "  zerklsc calibrate flat.pgm -o tables.json\n"
+        "  zerklsc convert tables.json --ct 5000 -o tuning.yaml\n"
+        "  zerklsc convert tables.json --raw flat.pgm -o flat.dng");
+    command.action([options](Report& report) { run(*options, report); });
+}
+
+} // namespace zerklsc::tool

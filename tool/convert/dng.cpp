@@ -1,0 +1,123 @@
+// encode_dng
+//
+// Tags, opcodes and their layout: Adobe, "Digital Negative (DNG) Specification", version 1.4.0.0.
+#include "convert/dng.h"
+
+#include <bit>
+
+#include "convert/target_grid.h"
+#include "convert/tiff_writer.h"
+#include "zerklsc.h"
+
+namespace zerklsc::tool {
+namespace {
+
+// From CIE XYZ to linear sRGB: colours that look right until the module's own matrix is known.
+const std::vector<double> xyz_to_srgb{3.2405, -1.5371, -0.4985, -0.9693, 1.8760,
+                                      0.0416, 0.0556,  -0.2040, 1.0572};
+
+void append_big(std::string& bytes, uint32_t value) {
+    for (int shift = 24; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(value >> shift & 0xFF);
+}
+
+void append_big(std::string& bytes, double value) {
+    const auto word = std::bit_cast<uint64_t>(value);
+    append_big(bytes, static_cast<uint32_t>(word >> 32));
+    append_big(bytes, static_cast<uint32_t>(word & 0xFFFFFFFF));
+}
+
+// The map of one plane. Its area ends at the frame's size exactly: readers pass over maps that end before it.
+std::string gain_map(const GainTables& tables, const TargetGrid& grid, int plane) {
+    const auto word = [](int value) { return static_cast<uint32_t>(value); };
+    std::string map;
+    for (const int value :
+         {plane >> 1, plane & 1, tables.raw_height, tables.raw_width, 0, 1, 2, 2, grid.rows, grid.columns})
+        append_big(map, word(value));
+    append_big(map, 1.0 / (grid.rows - 1));
+    append_big(map, 1.0 / (grid.columns - 1));
+    append_big(map, 0.0);
+    append_big(map, 0.0);
+    append_big(map, uint32_t{1}); // map planes
+    for (const double gain : grid.of(colour_of_plane(tables.pattern, plane)))
+        append_big(map, std::bit_cast<uint32_t>(static_cast<float>(gain)));
+    return map;
+}
+
+// Readers interpolate linearly between the points of a map, so it has two for each cell of the tables.
+int points_of(int table_side) {
+    return 2 * (table_side - 2 * ZERKLSC_BORDER - 1) + 1;
+}
+
+// Opcode lists are big-endian whatever the file is.
+std::string opcode_list(const GainTables& tables) {
+    constexpr uint32_t gain_map_id = 9, dng_1_3 = 0x01030000, optional = 1;
+    const TargetGrid grid = evaluate(tables, corner_points(points_of(tables.table_width)),
+                                     corner_points(points_of(tables.table_height)));
+    std::string list;
+    append_big(list, uint32_t{ZERKLSC_CHANNELS});
+    for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane) {
+        const std::string map = gain_map(tables, grid, plane);
+        append_big(list, gain_map_id);
+        append_big(list, dng_1_3);
+        append_big(list, optional);
+        append_big(list, static_cast<uint32_t>(map.size()));
+        list += map;
+    }
+    return list;
+}
+
+void add_mosaic(TiffWriter& tiff, const RawFrame& frame) {
+    const auto width = static_cast<uint32_t>(frame.width), height = static_cast<uint32_t>(frame.height);
+    tiff.add_longs(254, {0}); // NewSubfileType: the main image
+    tiff.add_longs(256, {width});
+    tiff.add_longs(257, {height});
+    tiff.add_shorts(258, {16});     // BitsPerSample
+    tiff.add_shorts(259, {1});      // Compression: none
+    tiff.add_shorts(262, {32803});  // PhotometricInterpretation: colour filter array
+    tiff.add_shorts(274, {1});      // Orientation
+    tiff.add_shorts(277, {1});      // SamplesPerPixel
+    tiff.add_longs(278, {height});  // RowsPerStrip
+    tiff.add_shorts(284, {1});      // PlanarConfiguration
+    tiff.add_shorts(33421, {2, 2}); // CFARepeatPatternDim
+    std::vector<uint8_t> colours;
+    for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane) {
+        constexpr std::array<uint8_t, 4> dng_colour{0, 1, 1, 2};
+        colours.push_back(dng_colour[static_cast<size_t>(colour_of_plane(*frame.pattern, plane))]);
+    }
+    tiff.add_bytes(33422, colours);               // CFAPattern
+    tiff.add_longs(50829, {0, 0, height, width}); // ActiveArea
+}
+
+void add_levels(TiffWriter& tiff, const RawFrame& frame) {
+    const BlackLevel black = frame.black.value_or(BlackLevel{});
+    tiff.add_shorts(50713, {2, 2}); // BlackLevelRepeatDim
+    tiff.add_shorts(50714, std::vector<uint16_t>(black.begin(), black.end()));
+    tiff.add_longs(50717, {static_cast<uint32_t>(frame.white_level())});
+}
+
+void add_camera(TiffWriter& tiff, const RawFrame& frame) {
+    const std::string camera = frame.camera.empty() ? "Unknown Bayer sensor" : frame.camera;
+    const size_t space = std::min(camera.find(' '), camera.size());
+    tiff.add_text(271, camera.substr(0, space));
+    tiff.add_text(272, space < camera.size() ? camera.substr(space + 1) : camera);
+    tiff.add_text(50708, camera);
+    tiff.add_bytes(50706, {1, 4, 0, 0});          // DNGVersion
+    tiff.add_bytes(50707, {1, 3, 0, 0});          // DNGBackwardVersion
+    tiff.add_rationals(50721, xyz_to_srgb, true); // ColorMatrix1
+    tiff.add_rationals(50728, {1, 1, 1}, false);  // AsShotNeutral
+    tiff.add_shorts(50778, {21});                 // CalibrationIlluminant1: D65
+}
+
+} // namespace
+
+std::string encode_dng(const RawFrame& frame, const GainTables& tables) {
+    TiffWriter tiff;
+    add_mosaic(tiff, frame);
+    add_levels(tiff, frame);
+    add_camera(tiff, frame);
+    tiff.add_undefined(51009, opcode_list(tables)); // OpcodeList2
+    return tiff.bytes(frame.samples);
+}
+
+} // namespace zerklsc::tool
