@@ -50,7 +50,8 @@ void run(const Options& options, Report& report) {
         correct(frame, tables, options.tables, isp);
         if (options.restore_black)
             add_black(frame, black);
-        write_file(options.output, encode_raw_frame(options.output, frame, frame.name));
+        write_file(options.output,
+                   [&](const ByteSink& sink) { write_raw_frame(options.output, frame, frame.name, sink); });
     }
     report.add("output", options.output);
     report.add("isp", name_of(isp));

@@ -41,7 +41,8 @@ void run(const Options& options, Report& report) {
     const RawFrame frame = simulate(settings);
     report.add("output", options.output);
     add_frame(report, frame);
-    write_file(options.output, encode_raw_frame(options.output, frame, ".raw"));
+    write_file(options.output,
+               [&](const ByteSink& sink) { write_raw_frame(options.output, frame, ".raw", sink); });
 }
 
 void add_sensor_options(Command command, Options& options) {

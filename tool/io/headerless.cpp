@@ -26,10 +26,8 @@ RawFrame read_headerless(InputFile& file, const RawHints& hints) {
     return frame;
 }
 
-std::string write_headerless(const RawFrame& frame) {
-    std::string bytes;
-    append_words(bytes, frame.samples, frame.big_endian);
-    return bytes;
+void write_headerless(const RawFrame& frame, const ByteSink& sink) {
+    write_words(frame.samples, frame.big_endian, sink);
 }
 
 } // namespace

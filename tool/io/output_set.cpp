@@ -109,10 +109,14 @@ void OutputSet::commit() {
     pending_.clear();
 }
 
-void write_file(const std::string& path, std::string_view bytes) {
+void write_file(const std::string& path, const std::function<void(const ByteSink&)>& writer) {
     OutputSet outputs;
-    outputs.add(path, bytes);
+    outputs.add(path, writer);
     outputs.commit();
+}
+
+void write_file(const std::string& path, std::string_view bytes) {
+    write_file(path, [&](const ByteSink& sink) { sink(bytes); });
 }
 
 bool standard_output_is_taken() {

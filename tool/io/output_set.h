@@ -6,12 +6,10 @@
 #include <string_view>
 #include <vector>
 
+#include "io/byte_sink.h"
 #include "io/temporary_file.h"
 
 namespace zerklsc::tool {
-
-// Takes the bytes of a file one piece after another.
-using ByteSink = std::function<void(std::string_view)>;
 
 // add() writes each file under a temporary name beside its place and brings it to the disk; commit() moves
 // them into place, and undoes what it has moved when one of them cannot be. Without commit(), and when a
@@ -31,6 +29,7 @@ class OutputSet {
 
 // One file of its own.
 void write_file(const std::string& path, std::string_view bytes);
+void write_file(const std::string& path, const std::function<void(const ByteSink&)>& writer);
 
 // Whether an output went to the standard output, so that reports must not.
 bool standard_output_is_taken();

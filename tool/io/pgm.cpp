@@ -198,7 +198,7 @@ RawFrame read_pgm(InputFile& file, const RawHints& hints) {
     return frame;
 }
 
-std::string write_pgm(const RawFrame& frame) {
+void write_pgm(const RawFrame& frame, const ByteSink& sink) {
     std::string remarks;
     if (frame.pattern)
         remarks += fmt::format(" pattern={}", name_of(*frame.pattern));
@@ -206,13 +206,12 @@ std::string write_pgm(const RawFrame& frame) {
         remarks += fmt::format(" black={}", text_of(*frame.black));
     if (frame.white && frame.white != frame.full_scale())
         remarks += fmt::format(" white={}", *frame.white);
-    std::string bytes = fmt::format("P5\n# zerklsc{} bits={}\n{} {}\n{}\n", remarks, frame.bits, frame.width,
-                                    frame.height, frame.full_scale());
+    sink(fmt::format("P5\n# zerklsc{} bits={}\n{} {}\n{}\n", remarks, frame.bits, frame.width, frame.height,
+                     frame.full_scale()));
     if (frame.full_scale() < 256)
-        bytes.insert(bytes.end(), frame.samples.begin(), frame.samples.end());
+        sink(std::string(frame.samples.begin(), frame.samples.end()));
     else
-        append_words(bytes, frame.samples, true);
-    return bytes;
+        write_words(frame.samples, true, sink);
 }
 
 } // namespace

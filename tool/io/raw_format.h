@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "imaging/raw_frame.h"
+#include "io/byte_sink.h"
 #include "io/input_file.h"
 
 namespace zerklsc::tool {
@@ -39,8 +40,8 @@ struct RawFormat {
     // Fills the frame with what the file says, except its name; throws a failure that begins with the path.
     RawFrame (*read)(InputFile& file, const RawHints& hints);
 
-    // The bytes of a file; null where the format is only read.
-    std::string (*write)(const RawFrame& frame);
+    // Hands the bytes of a file to the sink; null where the format is only read.
+    void (*write)(const RawFrame& frame, const ByteSink& sink);
 };
 
 extern const RawFormat pgm_format;
@@ -63,8 +64,9 @@ RawReading read_raw_frame(const std::string& path, const RawHints& hints);
 // What the file says and the frame does not keep to, as "bit depth 10 (12 is taken)".
 std::vector<std::string> overridden(const RawReading& reading);
 
-// The bytes of a file called `path`: the format that its extension names, else that of `like`.
-std::string encode_raw_frame(const std::string& path, const RawFrame& frame, const std::string& like);
+// Writes the bytes of a file called `path`: the format that its extension names, else that of `like`.
+void write_raw_frame(const std::string& path, const RawFrame& frame, const std::string& like,
+                     const ByteSink& sink);
 
 // The names of the formats that are in, as "PGM, MIPI RAW10".
 std::string raw_format_names();

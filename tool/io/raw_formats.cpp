@@ -1,4 +1,4 @@
-// read_raw_frame, overridden, encode_raw_frame, raw_format_names
+// read_raw_frame, overridden, write_raw_frame, raw_format_names
 #include <algorithm>
 #include <array>
 
@@ -121,7 +121,8 @@ std::vector<std::string> overridden(const RawReading& reading) {
     return remarks;
 }
 
-std::string encode_raw_frame(const std::string& path, const RawFrame& frame, const std::string& like) {
+void write_raw_frame(const std::string& path, const RawFrame& frame, const std::string& like,
+                     const ByteSink& sink) {
     const RawFormat* format = format_by_extension(path);
     if (format == nullptr && path != "-" && !extension_of(path).empty())
         usage_failure(
@@ -132,7 +133,7 @@ std::string encode_raw_frame(const std::string& path, const RawFrame& frame, con
         format = format_by_extension(like);
     if (format == nullptr)
         format = &headerless_format;
-    return format->write(frame);
+    format->write(frame, sink);
 }
 
 std::string raw_format_names() {

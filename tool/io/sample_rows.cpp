@@ -1,4 +1,4 @@
-// read_rows, read_word_rows, append_words
+// read_rows, read_word_rows, write_words
 #include "io/sample_rows.h"
 
 #include <algorithm>
@@ -74,14 +74,17 @@ std::vector<uint16_t> read_word_rows(InputFile& file, const RowLayout& layout, b
     return samples;
 }
 
-void append_words(std::string& bytes, const std::vector<uint16_t>& samples, bool big_endian) {
-    const size_t before = bytes.size();
-    bytes.resize(before + 2 * samples.size());
-    char* const to = bytes.data() + before;
-    const int first = big_endian ? 8 : 0;
-    for (size_t i = 0; i < samples.size(); ++i) {
-        to[2 * i] = static_cast<char>(samples[i] >> first);
-        to[2 * i + 1] = static_cast<char>(samples[i] >> (8 - first));
+void write_words(const std::vector<uint16_t>& samples, bool big_endian, const ByteSink& sink) {
+    const bool swapped = big_endian != (std::endian::native == std::endian::big);
+    std::vector<uint16_t> block;
+    for (size_t at = 0; at < samples.size(); at += block.size()) {
+        const size_t count =
+            std::min(samples.size() - at, static_cast<size_t>(block_bytes / sizeof(uint16_t)));
+        block.assign(samples.begin() + static_cast<std::ptrdiff_t>(at),
+                     samples.begin() + static_cast<std::ptrdiff_t>(at + count));
+        if (swapped)
+            swap_bytes(block);
+        sink({reinterpret_cast<const char*>(block.data()), block.size() * sizeof(uint16_t)});
     }
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "io/byte_sink.h"
 #include "io/input_file.h"
 
 namespace zerklsc::tool {
@@ -37,7 +38,7 @@ std::vector<uint16_t> read_rows(InputFile& file, const RowLayout& layout, Unpack
 // The same for 16-bit words of either byte order.
 std::vector<uint16_t> read_word_rows(InputFile& file, const RowLayout& layout, bool big_endian);
 
-// Appends the samples as words.
-void append_words(std::string& bytes, const std::vector<uint16_t>& samples, bool big_endian);
+// Writes the samples as words, in blocks.
+void write_words(const std::vector<uint16_t>& samples, bool big_endian, const ByteSink& sink);
 
 } // namespace zerklsc::tool
