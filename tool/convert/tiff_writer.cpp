@@ -90,7 +90,7 @@ std::string TiffWriter::bytes(const std::vector<uint16_t>& samples) {
     }
     append(file, 0, 4);
     file += values;
-    append_words(file, samples, false);
+    write_words(samples, false, [&](std::string_view bytes) { file += bytes; });
     return file;
 }
 
