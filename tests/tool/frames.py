@@ -88,10 +88,20 @@ def read_png(path):
 
 
 def unfiltered(kind, row, above):
-    for i, value in enumerate(row):
-        left = row[i - 3] if i >= 3 else 0
-        corner = above[i - 3] if i >= 3 else 0
-        guess = left + above[i] - corner
-        nearest = min((left, above[i], corner), key=lambda candidate: abs(guess - candidate))
-        row[i] = value + (0, left, above[i], (left + above[i]) // 2, nearest)[kind] & 255
-    return bytes(row)
+    """A row whose bytes are kept as differences to what the filter of that kind makes of their neighbours."""
+    if kind == 0:
+        return row
+    if kind == 2:
+        return bytes([value + up & 255 for value, up in zip(row, above)])
+    for i, up in enumerate(above):
+        left, corner = (row[i - 3], above[i - 3]) if i >= 3 else (0, 0)
+        row[i] = row[i] + (left if kind == 1 else (left + up) // 2 if kind == 3 else paeth(left, up, corner)) & 255
+    return row
+
+
+def paeth(left, up, corner):
+    """The neighbour that is nearest to left + up - corner."""
+    to_left, to_up, to_corner = abs(up - corner), abs(left - corner), abs(left + up - 2 * corner)
+    if to_left <= to_up and to_left <= to_corner:
+        return left
+    return up if to_up <= to_corner else corner
