@@ -7,7 +7,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INC
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/LICENSE
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.c")
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN "*.1" EXCLUDE
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN "*.scd" EXCLUDE
                                                                                  PATTERN Doxyfile EXCLUDE)
 
 # Sets `result` to the path from the folder `from` to `to`; both are install directories. An absolute one stays.
@@ -21,7 +21,6 @@ endfunction()
 
 if(ZERKLSC_TOOL)
     install(TARGETS zerklsc_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-    install(FILES ${PROJECT_SOURCE_DIR}/docs/zerklsc.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
     zerklsc_path_between(BINDIR LIBDIR library_path)
     if(NOT IS_ABSOLUTE "${library_path}")
         string(PREPEND library_path "$ORIGIN/")

@@ -188,11 +188,11 @@ void add_calibrate(Command app) {
     auto options = std::make_shared<Options>();
     Command command = app.subcommand("calibrate", "Make gain tables from flat-field captures");
     add_raw_options(command, options->raw, options->flats, "flat");
-    command.option("-o,--output", options->output, "table file to write (JSON)").required();
-    command.option("--text", options->text, "also write the four tables as plain text, in plane order");
-    command
-        .option("--algorithm", options->algorithm,
-                "0 halvane, 1 orvel-otp, 2 orvel, 3 beta, 4 orvel-weights, by number or name")
+    command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
+    command.option("--text", options->text, "also write the four tables as plain text, in plane order")
+        .takes("FILE");
+    command.option("--algorithm", options->algorithm, "the method, by number 0 to 4 in this order or by name")
+        .takes("{halvane,orvel-otp,orvel,beta,orvel-weights}")
         .show_default();
     add_grid_options(command, options->settings);
     command.option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")

@@ -8,6 +8,8 @@
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
+#include "commands/option_tree.h"
+#include "commands/report.h"
 #include "failure.h"
 
 namespace zerklsc::tool {
@@ -75,6 +77,11 @@ Option& Option::range(double lowest, double highest) {
 
 Option& Option::one_of(std::initializer_list<const char*> words) {
     option_->check(CLI::IsMember(std::vector<std::string>(words.begin(), words.end())));
+    return *this;
+}
+
+Option& Option::takes(const std::string& value) {
+    option_->type_name(value);
     return *this;
 }
 
@@ -147,6 +154,10 @@ Request parse_command_line(const Program& program, int argc, char** argv) {
     // CLI11 takes the words from the last to the first.
     std::vector<std::string> words = words_of(argc, argv);
     const std::string first = words.empty() ? "" : words.front();
+    if (first == "--option-tree") {
+        request.run = [tree = option_tree(app).text()](Report& report) { report.print(tree); };
+        return request;
+    }
     std::ranges::reverse(words);
     try {
         app.parse(std::move(words));

@@ -36,6 +36,9 @@ class Option {
     Option& range(int lowest, int highest);
     Option& range(double lowest, double highest);
     Option& one_of(std::initializer_list<const char*> words);
+    // What the help calls the value: "FILE", or a list as "{a,b}", which is not checked. Shells complete
+    // both.
+    Option& takes(const std::string& value);
     // Shows the variable's present value as the default in the help text.
     Option& show_default();
     Option& needs(const Option& other);
@@ -81,6 +84,7 @@ struct Program {
 
 // Finds the command and sets its options. The request has nothing to run where help or the version was asked
 // for and has been printed. A wrong command line is a usage failure.
+// "--option-tree", which no help names, asks for all commands as JSON.
 Request parse_command_line(const Program& program, int argc, char** argv);
 
 } // namespace zerklsc::tool

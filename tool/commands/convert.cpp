@@ -45,11 +45,11 @@ constexpr std::array<Format, 8> formats{{{"rkisp1", ".yaml", nullptr},
                                          {"npy", ".npy", nullptr},
                                          {"text", ".txt", nullptr}}};
 
-std::string format_names() {
+std::string format_names(const char* separator) {
     std::vector<std::string> names;
     for (const Format& format : formats)
         names.emplace_back(format.name);
-    return fmt::format("{}", fmt::join(names, ", "));
+    return fmt::format("{}", fmt::join(names, separator));
 }
 
 const Format& format_of(const Options& options) {
@@ -60,8 +60,8 @@ const Format& format_of(const Options& options) {
             return format;
     if (options.format.empty())
         usage_failure("{}: its extension does not say the format: give --to {}", options.output,
-                      format_names());
-    usage_failure("--to: {} is not known: expected {}", options.format, format_names());
+                      format_names(", "));
+    usage_failure("--to: {} is not known: expected {}", options.format, format_names(", "));
 }
 
 bool is(const Format& format, std::string_view name) {
@@ -146,9 +146,10 @@ void run(const Options& options, Report& report) {
 void add_convert(Command app) {
     auto options = std::make_shared<Options>();
     Command command = app.subcommand("convert", "Write tables in the format of a camera stack");
-    command.option("tables", options->tables, "table files of zerklsc calibrate").required();
-    command.option("-o,--output", options->output, "file to write").required();
-    command.option("--to", options->format, format_names() + " (default: by the extension of the output)");
+    command.option("tables", options->tables, "table files of zerklsc calibrate").required().takes("FILE");
+    command.option("-o,--output", options->output, "file to write").required().takes("FILE");
+    command.option("--to", options->format, "format of the output (default: by its extension)")
+        .takes("{" + format_names(",") + "}");
     command.option("--ct", options->kelvin,
                    "colour temperature of each table file in kelvin, as 2856,5000 (rkisp1, alsc)");
     command.option("--grid", options->grid, "COLUMNS,ROWS of the target (alsc: 32,32; android: 17,13)");

@@ -65,13 +65,15 @@ void add_correct(Command app) {
     auto options = std::make_shared<Options>();
     Command command = app.subcommand("correct", "Correct a frame with gain tables exactly as the ISP does");
     add_raw_options(command, options->raw, "raw");
-    command.option("--tables", options->tables, "table file of zerklsc calibrate").required();
+    command.option("--tables", options->tables, "table file of zerklsc calibrate").required().takes("FILE");
     command
         .option("-o,--output", options->output,
                 "frame to write, in the form of the input or by its extension")
-        .required();
-    command.option("--isp", options->isp,
-                   "tvessa2 or vessal2 (default: the one that the tables were made for)");
+        .required()
+        .takes("FILE");
+    command
+        .option("--isp", options->isp, "ISP that corrects (default: the one that the tables were made for)")
+        .takes("{tvessa2,vessal2}");
     command.flag("--restore-black", options->restore_black, "put the black level back after the correction");
     command.flag("--scale", options->scale, "scale samples deeper than 10 bits to 10 bits");
     command.footer("The result has 10-bit samples, as the ISP's. A black level that neither --black-level "

@@ -189,12 +189,12 @@ void add_encode(Command otp) {
     auto options = std::make_shared<EncodeOptions>();
     Command command =
         otp.subcommand("encode", "Pack tables into a stream, decode it again and report the loss");
-    command.option("tables", options->tables, "table file of zerklsc calibrate").required();
-    command.option("-o,--output", options->output, "stream to write, bare bytes").required();
+    command.option("tables", options->tables, "table file of zerklsc calibrate").required().takes("FILE");
+    command.option("-o,--output", options->output, "stream to write, bare bytes").required().takes("FILE");
     command.option("--mode", options->mode, "0: 24 bits per node, 1: 14 bits per node")
         .range(lowest_precision_mode, highest_precision_mode)
         .show_default();
-    command.option("--c-array", options->c_array, "also write the stream as a C array");
+    command.option("--c-array", options->c_array, "also write the stream as a C array").takes("FILE");
     command
         .option("--max-error", options->max_error,
                 "refuse a larger gain error, percent (mode 0: 1, mode 1: 4)")
@@ -210,16 +210,19 @@ void add_encode(Command otp) {
 void add_decode(Command otp) {
     auto options = std::make_shared<DecodeOptions>();
     Command command = otp.subcommand("decode", "Unpack a stream into tables");
-    command.option("stream", options->stream, "stream of zerklsc otp encode").required();
-    command.option("-o,--output", options->output, "table file to write (JSON)").required();
-    Option like = command.option("--like", options->like, "table file of the same geometry");
+    command.option("stream", options->stream, "stream of zerklsc otp encode").required().takes("FILE");
+    command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
+    Option like = command.option("--like", options->like, "table file of the same geometry").takes("FILE");
     command.option("--width", options->width, "frame width in pixels").range(2, 65534).excludes(like);
     command.option("--height", options->height, "frame height in pixels").range(2, 65534).excludes(like);
     command.option("--step", options->step, "node spacing in plane samples")
         .range(smallest_step, largest_step)
         .show_default()
         .excludes(like);
-    command.option("--pattern", options->pattern, "RGGB, GRBG, GBRG or BGGR").show_default().excludes(like);
+    command.option("--pattern", options->pattern, "Bayer pattern")
+        .takes("{RGGB,GRBG,GBRG,BGGR}")
+        .show_default()
+        .excludes(like);
     command.option("--black-level", options->black, "black level of 10-bit captures, for the table file")
         .show_default()
         .excludes(like);
@@ -235,8 +238,8 @@ void add_decode(Command otp) {
 void add_check(Command otp) {
     auto options = std::make_shared<CheckOptions>();
     Command command = otp.subcommand("check", "Compare what a stream decodes to with its tables");
-    command.option("stream", options->stream, "stream of zerklsc otp encode").required();
-    command.option("--tables", options->tables, "the tables that it was made from").required();
+    command.option("stream", options->stream, "stream of zerklsc otp encode").required().takes("FILE");
+    command.option("--tables", options->tables, "the tables that it was made from").required().takes("FILE");
     command
         .option("--max-error", options->max_error,
                 "exit with 1 at a larger gain error, percent (as in encode)")

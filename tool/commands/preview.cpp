@@ -196,12 +196,15 @@ void add_preview(Command app) {
     auto options = std::make_shared<Options>();
     Command command = app.subcommand("preview", "Draw the shading of a frame, before and after correction");
     add_raw_options(command, options->raw, "raw");
-    command.option("-o,--output", options->output, "picture to write (PNG)").required();
-    Option tables = command.option("--tables", options->tables, "correct the frame with this table file");
+    command.option("-o,--output", options->output, "picture to write (PNG)").required().takes("FILE");
+    Option tables =
+        command.option("--tables", options->tables, "correct the frame with this table file").takes("FILE");
     command
-        .option("--isp", options->isp, "tvessa2 or vessal2 (default: the one that the tables were made for)")
+        .option("--isp", options->isp, "ISP that corrects (default: the one that the tables were made for)")
+        .takes("{tvessa2,vessal2}")
         .needs(tables);
     Option corrected = command.option("--corrected", options->corrected, "compare with this corrected frame")
+                           .takes("FILE")
                            .excludes(tables);
     command
         .option("--corrected-black-level", options->corrected_black,

@@ -41,13 +41,13 @@ void add_headerless_options(Command command, RawOptions& options) {
     command.option("--height", hints.height, "height of a headerless frame").range(1, largest_side);
     command
         .option("--packing", options.packing,
-                "words, raw10 or raw12: how a headerless frame is packed (from the extension, else words)")
+                "how a headerless frame is packed (from the extension, else words)")
         .one_of({"words", "raw10", "raw12"});
     command.option("--stride", hints.stride, "bytes from row to row of a headerless frame, padding included")
         .range(1, 1 << 20);
     command.option("--offset", hints.offset, "bytes before the first row of a headerless frame")
         .range(0, 1 << 30);
-    command.option("--endian", options.endian, "byte order of headerless words: little or big")
+    command.option("--endian", options.endian, "byte order of headerless words")
         .one_of({"little", "big"})
         .show_default();
 }
@@ -63,7 +63,8 @@ void add_description_options(Command command, RawOptions& options) {
                 "right, or left where the samples fill the high bits of their words")
         .one_of({"left", "right"})
         .show_default();
-    command.option("--pattern", options.pattern, "Bayer pattern: RGGB, GRBG, GBRG or BGGR (from the file)");
+    command.option("--pattern", options.pattern, "Bayer pattern (from the file)")
+        .takes("{RGGB,GRBG,GBRG,BGGR}");
     command.option("--black-level", options.black,
                    "black level of all planes, or four levels by plane as 64,64,65,64 (from the file)");
     command
@@ -92,6 +93,7 @@ BlackLevel black_level_at(const GainTables& tables, int bits) {
 
 void add_raw_options(Command command, RawOptions& options, const char* argument) {
     Option path = command.option(argument, options.path, "raw frame: " + raw_format_names());
+    path.takes("FILE");
     if (argument[0] != '-')
         path.required();
     add_description_options(command, options);
@@ -99,7 +101,9 @@ void add_raw_options(Command command, RawOptions& options, const char* argument)
 
 void add_raw_options(Command command, RawOptions& options, std::vector<std::string>& paths,
                      const char* argument) {
-    command.option(argument, paths, "raw frame, or several of one module: " + raw_format_names()).required();
+    command.option(argument, paths, "raw frame, or several of one module: " + raw_format_names())
+        .required()
+        .takes("FILE");
     add_description_options(command, options);
 }
 

@@ -68,9 +68,10 @@ void add_resample(Command app) {
     auto options = std::make_shared<Options>();
     Command command =
         app.subcommand("resample", "Carry tables over to another grid step, crop or frame size");
-    command.option("tables", options->tables, "table file of zerklsc calibrate").required();
-    command.option("-o,--output", options->output, "table file to write (JSON)").required();
-    command.option("--text", options->text, "also write the four tables as plain text, in plane order");
+    command.option("tables", options->tables, "table file of zerklsc calibrate").required().takes("FILE");
+    command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
+    command.option("--text", options->text, "also write the four tables as plain text, in plane order")
+        .takes("FILE");
     command.option("--step", options->step, "node spacing in plane samples (default: as it is)")
         .range(smallest_step, largest_step);
     command.option("--crop", options->crop, "X,Y,WIDTH,HEIGHT of a window in pixels of the calibrated frame");

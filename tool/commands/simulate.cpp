@@ -49,7 +49,9 @@ void add_sensor_options(Command command, Options& options) {
     SimulationSettings& s = options.settings;
     command.option("--width", s.width, "frame width in pixels").range(2, 65534).show_default();
     command.option("--height", s.height, "frame height in pixels").range(2, 65534).show_default();
-    command.option("--pattern", options.pattern, "RGGB, GRBG, GBRG or BGGR").show_default();
+    command.option("--pattern", options.pattern, "Bayer pattern")
+        .takes("{RGGB,GRBG,GBRG,BGGR}")
+        .show_default();
     command.option("--bits", s.bits, "bit depth of the samples").range(9, 16).show_default();
     command.option("--black-level", s.black, "black level").range(0, 65535).show_default();
     command.option("--full-well", s.full_well, "electrons at full scale; 0 for a frame without noise")
@@ -80,7 +82,9 @@ void add_lens_options(Command command, Options& options) {
 void add_simulate(Command app) {
     auto options = std::make_shared<Options>();
     Command command = app.subcommand("simulate", "Make a flat-field capture of a module that does not exist");
-    command.option("-o,--output", options->output, "frame to write: .pgm, or .raw for headerless").required();
+    command.option("-o,--output", options->output, "frame to write: .pgm, or .raw for headerless")
+        .required()
+        .takes("FILE");
     add_sensor_options(command, *options);
     add_lens_options(command, *options);
     command.footer("The same options give the same bytes on every machine.\n\n"
