@@ -23,7 +23,7 @@ demo: configured
 	@tool/demo.sh build/release/tool/zerklsc demo
 
 test: release
-	@ctest --preset release
+	@ctest --preset release -j "$$(nproc)"
 
 bench: packages
 	@cmake/install-packages.sh bench
