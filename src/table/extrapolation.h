@@ -19,10 +19,12 @@ void extrapolate_border(View<T> table, Beyond beyond) {
         table.at(0, y) = beyond(&table.at(1, y), ptrdiff_t{1});
         table.at(right, y) = beyond(&table.at(right - 1, y), ptrdiff_t{-1});
     }
-    for (int32_t x = 0; x <= right; ++x) {
+    // One row after the other: a compiler makes vectors of a loop that writes one row, not of one that writes
+    // two.
+    for (int32_t x = 0; x <= right; ++x)
         table.at(x, 0) = beyond(&table.at(x, 1), table.stride);
+    for (int32_t x = 0; x <= right; ++x)
         table.at(x, bottom) = beyond(&table.at(x, bottom - 1), -table.stride);
-    }
 }
 
 } // namespace zerklsc
