@@ -42,7 +42,7 @@ void run(const Options& options, Report& report) {
     report.add("output", options.output);
     add_frame(report, frame);
     write_file(options.output,
-               [&](const ByteSink& sink) { write_raw_frame(options.output, frame, ".raw", sink); });
+               [&](const ByteSink& sink) { write_raw_frame(options.output, frame, "frame.pgm", sink); });
 }
 
 void add_sensor_options(Command command, Options& options) {
@@ -82,7 +82,9 @@ void add_lens_options(Command command, Options& options) {
 void add_simulate(Command app) {
     auto options = std::make_shared<Options>();
     Command command = app.subcommand("simulate", "Make a flat-field capture of a module that does not exist");
-    command.option("-o,--output", options->output, "frame to write: .pgm, or .raw for headerless")
+    command
+        .option("-o,--output", options->output,
+                "frame to write: .pgm (also on standard output, -), or .raw for headerless")
         .required()
         .takes("FILE");
     add_sensor_options(command, *options);
