@@ -36,6 +36,23 @@ std::string check_unsigned(const std::string& text) {
     return fmt::format("{} is not a whole number from 0 to {}", text, std::numeric_limits<uint64_t>::max());
 }
 
+// The command that was named last.
+const CLI::App& named_command(const CLI::App& app) {
+    const auto named = app.get_subcommands();
+    return named.empty() ? app : named_command(*named.front());
+}
+
+bool is_option(const std::string& word) {
+    return word.starts_with('-');
+}
+
+// A word that stands where a command is missing.
+std::string unknown_command(const CLI::App& named) {
+    const auto rest = named.remaining();
+    const bool stands = named.get_require_subcommand_min() > 0 && !rest.empty() && !is_option(rest.front());
+    return stands ? rest.front() : "";
+}
+
 std::string first_line(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
@@ -46,6 +63,23 @@ std::string command_of(const CLI::App& app) {
     for (const CLI::App* sub : app.get_subcommands())
         name += " " + command_of(*sub);
     return name;
+}
+
+// What is wrong, in the words of the command's help. CLI11 lists what is left over from back to front, and of
+// an unknown word where a command is expected only says that a command is missing.
+std::string what_is_wrong(const CLI::App& named, const CLI::ParseError& error) {
+    const std::string text = first_line(error.what());
+    if (const std::string command = unknown_command(named); !command.empty())
+        return command + " is not a command";
+    if (const auto rest = named.remaining(); !rest.empty()) {
+        const auto option = std::ranges::find_if(rest, is_option);
+        return option != rest.end() ? *option + " is not known" : rest.front() + " is one argument too many";
+    }
+    if (named.get_require_subcommand_min() > 0)
+        return "a command is missing";
+    if (error.get_name() == "ArgumentMismatch" && text.ends_with("missing"))
+        return text.substr(0, text.find(':')) + ": its value is missing";
+    return text;
 }
 
 // The command line; "help COMMAND" is "COMMAND --help".
@@ -131,16 +165,29 @@ Command Command::subcommand(const char* name, const char* description) {
 
 void Command::require_subcommand() {
     app_->require_subcommand(1);
+    add_report_options();
+}
+
+void Command::section(const char* title) {
+    app_->option_defaults()->group(title);
+}
+
+void Command::end_section() {
+    section("Options");
 }
 
 void Command::footer(const std::string& text) {
     app_->footer(text);
 }
 
-void Command::action(std::function<void(Report&)> run) {
+void Command::add_report_options() {
     app_->add_flag("--json", request_->json,
                    "print JSON: verdict, numbers and warnings, also when it refuses");
     app_->add_flag("-q,--quiet", request_->quiet, "print neither results nor warnings, only why it fails");
+}
+
+void Command::action(std::function<void(Report&)> run) {
+    add_report_options();
     app_->callback([request = request_, run = std::move(run)] { request->run = run; });
 }
 
@@ -148,9 +195,10 @@ Request parse_command_line(const Program& program, int argc, char** argv) {
     Request request;
     CLI::App app{program.description, "zerklsc"};
     app.set_version_flag("-V,--version", program.version);
-    app.require_subcommand(1);
     app.footer(program.footer);
-    program.add_commands({&app, &request});
+    Command root(&app, &request);
+    root.require_subcommand();
+    program.add_commands(root);
     // CLI11 takes the words from the last to the first.
     std::vector<std::string> words = words_of(argc, argv);
     const std::string first = words.empty() ? "" : words.front();
@@ -162,15 +210,13 @@ Request parse_command_line(const Program& program, int argc, char** argv) {
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        // Of a word that is no command, CLI11 only says that a command is missing, or prints the general
-        // help.
-        const bool unknown = !first.empty() && first[0] != '-' && app.get_subcommands().empty();
-        if (error.get_exit_code() == 0 && !unknown) {
+        const CLI::App& named = named_command(app);
+        if (error.get_exit_code() == 0 && unknown_command(named).empty()) {
             app.exit(error);
             return {};
         }
-        const std::string what = unknown ? first + " is not a command" : first_line(error.what());
-        usage_failure("{}: {} (see {} --help)", command_of(app), what, command_of(app));
+        usage_failure("{}: {} (see {} --help)", command_of(app), what_is_wrong(named, error),
+                      command_of(app));
     }
     return request;
 }

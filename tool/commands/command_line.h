@@ -66,10 +66,15 @@ class Command {
     Command subcommand(const char* name, const char* description);
     void require_subcommand();
     void footer(const std::string& text);
-    // What the command does once its options are set. Every command with an action takes --json and --quiet.
+    // The help lists the options that follow under a title of their own.
+    void section(const char* title);
+    void end_section();
+    // What the command does once its options are set. Every command takes --json and --quiet.
     void action(std::function<void(Report&)> run);
 
   private:
+    void add_report_options();
+
     CLI::App* app_;
     Request* request_; // filled when the command is named
 };

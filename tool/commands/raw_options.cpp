@@ -53,6 +53,7 @@ void add_headerless_options(Command command, RawOptions& options) {
 }
 
 void add_description_options(Command command, RawOptions& options) {
+    command.section("What the frame does not say, or says wrong");
     add_headerless_options(command, options);
     command
         .option("--bits", options.hints.bits,
@@ -71,6 +72,7 @@ void add_description_options(Command command, RawOptions& options) {
         .option("--white-level", options.white,
                 "level at which samples are clipped (from the file, else full scale)")
         .range(1, 65535);
+    command.end_section();
 }
 
 // Reads the frame, with a warning for what is overridden.
