@@ -77,6 +77,9 @@ std::string what_is_wrong(const CLI::App& named, const CLI::ParseError& error) {
     }
     if (named.get_require_subcommand_min() > 0)
         return "a command is missing";
+    // CLI11 keeps what stood before the command with the program.
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError))
+        return "an option of the command stands before it";
     if (error.get_name() == "ArgumentMismatch" && text.ends_with("missing"))
         return text.substr(0, text.find(':')) + ": its value is missing";
     return text;
