@@ -77,7 +77,8 @@ size_t InputFile::read_some(uint64_t offset, std::span<std::byte> to) {
     }
     if (offset < head_.size()) {
         done = std::min(to.size(), head_.size() - static_cast<size_t>(offset));
-        std::memcpy(to.data(), head_.data() + offset, done);
+        std::copy_n(head_.begin() + static_cast<std::ptrdiff_t>(offset), done,
+                    reinterpret_cast<char*>(to.data()));
     }
     std::array<std::byte, 4096> skipped;
     while (done < to.size() && position_ < offset + done) {
