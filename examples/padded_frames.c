@@ -88,8 +88,7 @@ static zerklsc_status open_service(service* s, const uint8_t* stream, size_t byt
     return ZERKLSC_OK;
 }
 
-/* ---- The made-up module
- * ---------------------------------------------------------------------------------------- */
+/* From here on: the made-up module. */
 
 /* A lens that keeps about 0.57 of the light at the corners. */
 static uint16_t fall_off(int x, int y, int level) {
@@ -117,7 +116,14 @@ static size_t burn(uint8_t* stream, size_t room) {
     for (int c = 0; c < 4; ++c)
         otp.lsc_table[c] = factory.info.lsc_table[c] = factory.tables[c];
     const size_t bytes = (size_t)zerklsc_stream_size(TABLE_W, TABLE_H, otp.precision_mode);
-    if (bytes > room || lsc2d_calibration_wrapper(flat, &factory.info) != 0 || lsc_compress(&otp) != 0)
+    zerklsc_report found;
+    const zerklsc_status status = zerklsc_calibrate(flat, &factory.info, &found);
+    if (status != ZERKLSC_OK)
+        return 0;
+    for (int c = 0; c < 4; ++c)
+        if (found.capped_nodes[c] != 0) /* the flat field was dark somewhere */
+            return 0;
+    if (bytes > room || lsc_compress(&otp) != 0)
         return 0;
     return bytes;
 }

@@ -41,7 +41,8 @@ typedef enum zerklsc_status {
     ZERKLSC_BAD_STRIDE = 8,        /**< a stride is odd, shorter than a row, or too long for the height */
     ZERKLSC_BAD_ROWS = 9,          /**< the rows are not all in the frame */
     ZERKLSC_OVERLAP = 10,          /**< input and output overlap without being the same rows */
-    ZERKLSC_BAD_STEP = 11,         /**< the step is 0, or above 255 where the ISP takes a byte */
+    /** the step is 0, above 255 where the ISP takes a byte, or the surface fit cannot lay its points by it */
+    ZERKLSC_BAD_STEP = 11,
     /** tvessa2: planes one sample past whole cells, whose tables the ISP takes to be a node smaller */
     ZERKLSC_OTHER_TABLE_SIZE = 12,
     ZERKLSC_TOO_FEW_NODES = 13, /**< the grid has fewer nodes than the method's stencils */
@@ -49,7 +50,7 @@ typedef enum zerklsc_status {
     ZERKLSC_BAD_RADIUS = 14,
     /** the planes are too small for what the method measures on them */
     ZERKLSC_PLANE_TOO_SMALL = 15,
-    ZERKLSC_NO_SOLUTION = 16, /**< the surface fit has too few points, or its system is singular */
+    ZERKLSC_NO_SOLUTION = 16, /**< the system of the surface fit is singular: its points are too few */
 
     /* Advice: possible, but not what one would expect. */
     /** tvessa2: the step does not divide 64: gains jump between cells, above 64 from node to node */
@@ -76,11 +77,12 @@ enum {
 /** lsc_otp_info.precision_mode: bits that a node of all four tables takes in the stream. */
 enum { ZERKLSC_PRECISION_24_BITS = 0, ZERKLSC_PRECISION_14_BITS = 1 };
 
-/** What a generator found; all zero for a field without a fault. */
+/** What a calibration or a generator found; all zero for a field without a fault. */
 typedef struct zerklsc_report {
-    uint32_t clipped_samples[4]; /**< by plane number: samples above 1023, black level taken off */
-    uint32_t capped_nodes[4];    /**< by plane number: inner nodes that hold the highest gain */
-    uint32_t dark_row_ends;      /**< halvane: row ends, of all planes, that extend to 0 or below */
+    /** by plane number: samples above 1023, black level taken off; 0 for methods 2 .. 4, which take them */
+    uint32_t clipped_samples[4];
+    uint32_t capped_nodes[4]; /**< by plane number: inner nodes that hold the highest gain */
+    uint32_t dark_row_ends;   /**< halvane: row ends, of all planes, that extend to 0 or below */
 } zerklsc_report;
 
 #ifdef __cplusplus
@@ -137,6 +139,37 @@ ZERKLSC_API zerklsc_status zerklsc_check_correction(const lsc2d_info* info);
  */
 ZERKLSC_API zerklsc_status zerklsc_correct(const lsc2d_info* info, const uint16_t* in, size_t in_stride,
                                            uint16_t* out, size_t out_stride, int32_t first_row, int32_t rows);
+
+/**
+ * Whether zerklsc_calibrate() can calibrate such a frame, and zerklsc_correct() then correct with the tables
+ * as one expects. Which geometries those are differs from method to method: see lsc2d_calibration_wrapper().
+ *
+ * Methods 0 .. 2 and 4 are answered at once. Method 3 sets up and inverts the system of its fit, which takes
+ * the time and the memory of lsc2d_calibration_beta().
+ *
+ * A fit whose points are few without its system being singular is accepted, although rounding shows in it.
+ *
+ * @param info  all but the tables, the weights and shading_percent is read
+ * @return      ZERKLSC_OK. Refusals, in this order: those of zerklsc_check_correction(), which include a
+ *              `grid` above 255 and, for methods 0 .. 3, planes one sample past whole cells, although
+ *              lsc2d_calibration_wrapper() makes tables for them; ZERKLSC_BAD_RADIUS,
+ *              ZERKLSC_PLANE_TOO_SMALL, ZERKLSC_TOO_FEW_NODES, and for method 3 ZERKLSC_BAD_STEP,
+ *              ZERKLSC_NO_SOLUTION or ZERKLSC_NO_MEMORY, the first one that its method meets. The advice of
+ *              zerklsc_check_correction()
+ */
+ZERKLSC_API zerklsc_status zerklsc_check_calibration(const lsc2d_info* info);
+
+/**
+ * lsc2d_calibration_wrapper() with a status and counts instead of printed lines, and with nothing left
+ * allocated: the same tables to the bit, and with method 4 the same weights.
+ *
+ * @param raw     the flat field, info->width x info->height samples without padding; only read
+ * @param info    as for that function; the tables it names are written, and by method 4 its weights
+ * @param report  written when the call succeeds; may be null. `capped_nodes` are those of the finished tables
+ * @return        ZERKLSC_OK; with nothing written ZERKLSC_NULL_POINTER, what zerklsc_check_calibration()
+ *                refuses, or ZERKLSC_NO_MEMORY. What that function only advises against is done
+ */
+ZERKLSC_API zerklsc_status zerklsc_calibrate(const uint16_t* raw, lsc2d_info* info, zerklsc_report* report);
 
 /**
  * bicubic_lnc_param_gen_orvel_otp() with a status and counts instead of printed lines: the same tables to the

@@ -1,4 +1,6 @@
 // lsc2d_calibration_beta
+#include "calibration/beta.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -29,44 +31,72 @@ void store_table(const SurfaceGrid& grid, const float* inner, uint16_t* table) {
     }
 }
 
-bool invert_or_warn(System& system, int32_t unknowns) {
-    const Inversion inversion = invert_matrix(system.normal.get(), unknowns);
-    if (inversion == Inversion::singular)
-        std::puts("Warning: singular matrix, no solution was found!");
-    return inversion == Inversion::done;
+Fit invert(Scratch<double>& normal, const SurfaceGrid& grid) {
+    if (normal == nullptr)
+        return Fit::refused;
+    switch (invert_matrix(normal.get(), static_cast<int32_t>(grid.inner_count()))) {
+    case Inversion::done:
+        return Fit::done;
+    case Inversion::singular:
+        return Fit::singular;
+    default:
+        return Fit::refused;
+    }
 }
 
-bool calibrate(const FlatField& flat, uint16_t** tables, const SurfaceGrid& grid, int32_t step,
-               int32_t start) {
+Fit calibrate(const FlatField& flat, uint16_t** tables, const SurfaceGrid& grid, int32_t step,
+              int32_t start) {
     const FitLines columns = fit_lines(flat.planes.width, step, start);
     const FitLines rows = fit_lines(flat.planes.height, step, start);
-    if (columns.at == nullptr || rows.at == nullptr || !lines_fit(flat, columns, rows))
-        return false;
+    if (check_lines(columns, flat.planes.width, flat.window) != ZERKLSC_OK
+        || check_lines(rows, flat.planes.height, flat.window) != ZERKLSC_OK)
+        return Fit::refused;
+    const FitRaster raster = {grid, step, columns, rows};
     const Scratch<float> inner =
         allocate<float>(ZERKLSC_CHANNELS * static_cast<uint64_t>(grid.inner_count()));
-    System system = make_system(grid, step, columns, rows, flat);
-    if (inner == nullptr || system.normal == nullptr
-        || !invert_or_warn(system, static_cast<int32_t>(grid.inner_count())))
-        return false;
+    System system = {normal_matrix(raster), right_sides(raster, flat)};
+    if (inner == nullptr || system.right == nullptr)
+        return Fit::refused;
+    const Fit fit = invert(system.normal, grid);
+    if (fit != Fit::done)
+        return fit;
     solve(system, grid, inner.get());
     for (int k = 0; k < ZERKLSC_CHANNELS; ++k)
         store_table(grid, inner.get() + k * grid.inner_count(), tables[k]);
-    return true;
+    return Fit::done;
 }
 
 } // namespace
+
+Fit fit_surface(const uint16_t* image, int32_t width, int32_t height, uint16_t** tables, int32_t nx,
+                int32_t ny, const lsc2d_calib_param& param) {
+    const SurfaceGrid grid = {nx, ny};
+    if (param.grid <= 0 || nx < 4 || ny < 4 || grid.inner_count() > INT32_MAX)
+        return Fit::refused;
+    const FlatField flat = make_flat_field(
+        image, width, height, {param.filter_type, param.filter_radius, param.boundary_mode, nullptr});
+    if (!flat.measurable)
+        return Fit::refused;
+    // The radius of the window is, by intent, also where the first line of fit points stands.
+    return calibrate(flat, tables, grid, param.grid, param.filter_radius);
+}
+
+Fit try_fit(const SurfaceGrid& grid, int32_t plane_w, int32_t plane_h, const lsc2d_calib_param& param) {
+    const FitLines columns = fit_lines(plane_w, param.grid, param.filter_radius);
+    const FitLines rows = fit_lines(plane_h, param.grid, param.filter_radius);
+    if (columns.at == nullptr || rows.at == nullptr)
+        return Fit::refused;
+    Scratch<double> normal = normal_matrix({grid, param.grid, columns, rows});
+    return invert(normal, grid);
+}
+
 } // namespace zerklsc
 
 int32_t lsc2d_calibration_beta(uint16_t* image, int32_t width, int32_t height, uint16_t** tables, int32_t nx,
                                int32_t ny, lsc2d_calib_param* param) {
     using namespace zerklsc;
-    const SurfaceGrid grid = {nx, ny};
-    if (param->grid <= 0 || nx < 4 || ny < 4 || grid.inner_count() > INT32_MAX)
-        return -1;
-    const FlatField flat = make_flat_field(
-        image, width, height, {param->filter_type, param->filter_radius, param->boundary_mode, nullptr});
-    if (!flat.measurable)
-        return -1;
-    // The radius of the window is, by intent, also where the first line of fit points stands.
-    return calibrate(flat, tables, grid, param->grid, param->filter_radius) ? 0 : -1;
+    const Fit fit = fit_surface(image, width, height, tables, nx, ny, *param);
+    if (fit == Fit::singular)
+        std::puts("Warning: singular matrix, no solution was found!");
+    return fit == Fit::done ? 0 : -1;
 }

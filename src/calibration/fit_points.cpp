@@ -45,4 +45,15 @@ FitLines fit_lines(int32_t extent, int32_t step, int32_t start) {
     return lines;
 }
 
+zerklsc_status check_lines(const FitLines& lines, int32_t extent, const Window& window) {
+    if (lines.at == nullptr)
+        return lines.count == 0 ? ZERKLSC_BAD_STEP : ZERKLSC_NO_MEMORY;
+    for (const int16_t at : lines) {
+        // Only a step longer than the plane takes lines out of it.
+        if (!window_fits(window, extent, at, at))
+            return at < 0 || at >= extent ? ZERKLSC_BAD_STEP : ZERKLSC_BAD_RADIUS;
+    }
+    return ZERKLSC_OK;
+}
+
 } // namespace zerklsc

@@ -14,14 +14,6 @@ FlatField make_flat_field(const uint16_t* image, int32_t width, int32_t height, 
     return flat;
 }
 
-bool lines_fit(const FlatField& flat, const FitLines& columns, const FitLines& rows) {
-    const auto fits = [&flat](int32_t extent) {
-        return [&flat, extent](int16_t at) { return window_fits(flat.window, extent, at, at); };
-    };
-    return std::all_of(columns.begin(), columns.end(), fits(flat.planes.width))
-           && std::all_of(rows.begin(), rows.end(), fits(flat.planes.height));
-}
-
 void gains_at(const FlatField& flat, int32_t x, int32_t y, float gains[ZERKLSC_CHANNELS]) {
     uint64_t sums[ZERKLSC_CHANNELS];
     sum_window(flat.planes, flat.window, x, y, sums);

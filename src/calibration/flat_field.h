@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "calibration/fit_points.h"
 #include "sampling/plane_set.h"
 #include "sampling/window.h"
 #include "zerklsc.h"
@@ -21,9 +20,6 @@ struct FlatField {
 
 // The frame has width x height samples; it is read by gains_at() too.
 FlatField make_flat_field(const uint16_t* image, int32_t width, int32_t height, const imfilter_t& filter);
-
-// Whether the windows around all crossings of the lines can be read.
-bool lines_fit(const FlatField& flat, const FitLines& columns, const FitLines& rows);
 
 // Peak divided by level, for each plane.
 void gains_at(const FlatField& flat, int32_t x, int32_t y, float gains[ZERKLSC_CHANNELS]);

@@ -41,7 +41,7 @@ void strip_border(const uint16_t* table, int32_t width, int32_t height, uint16_t
 
 // Replaces the generator's own border and applies the shading model. Only a failed allocation is refused
 // here, before a table is written.
-int32_t finish_tables(const TableSet& staged, TableSet& nodes, Request& request) {
+bool finish_tables(const TableSet& staged, TableSet& nodes, Request& request) {
     const int32_t w = request.table_w;
     const int32_t h = request.table_h;
     for (int32_t c = 0; c < ZERKLSC_CHANNELS; ++c)
@@ -49,30 +49,32 @@ int32_t finish_tables(const TableSet& staged, TableSet& nodes, Request& request)
     if (lsc2d_table_preproc(nodes.tables, request.tables, request.plane_w, request.plane_h, w, h,
                             &request.param)
         != 0)
-        return -1;
-    return lsc2d_table_postproc(request.tables, request.plane_w, request.plane_h, w, h, &request.param);
+        return false;
+    return lsc2d_table_postproc(request.tables, request.plane_w, request.plane_h, w, h, &request.param) == 0;
 }
 
 } // namespace
 
-int32_t run_halvane(Request& request, const lsc2d_info& info) {
+zerklsc_status run_halvane(Request& request, const lsc2d_info& info, Generator& generate,
+                           zerklsc_report* report) {
     isp_param_tag isp = generator_record(info);
-    return bicubic_lnc_param_gen_halvane(request.raw, &isp);
+    return generate(request.raw, &isp, report);
 }
 
 // The generator writes to tables of its own, so that a failed allocation leaves the caller's untouched.
-int32_t run_orvel_otp(Request& request, const lsc2d_info& info) {
+zerklsc_status run_orvel_otp(Request& request, const lsc2d_info& info, Generator& generate,
+                             zerklsc_report* report) {
     const TableSet staged(request.table_w, request.table_h);
     TableSet nodes(request.table_w - border, request.table_h - border);
     if (!staged || !nodes)
-        return -1;
+        return ZERKLSC_NO_MEMORY;
     lsc2d_info staged_info = info;
     std::copy_n(staged.tables, ZERKLSC_CHANNELS, staged_info.lsc_table);
     isp_param_tag isp = generator_record(staged_info);
-    const int32_t status = bicubic_lnc_param_gen_orvel_otp(request.raw, &isp);
-    if (status == -1 || finish_tables(staged, nodes, request) != 0)
-        return -1;
-    return status;
+    const zerklsc_status status = generate(request.raw, &isp, report);
+    if (status != ZERKLSC_OK)
+        return status;
+    return finish_tables(staged, nodes, request) ? ZERKLSC_OK : ZERKLSC_NO_MEMORY;
 }
 
 } // namespace zerklsc

@@ -1,15 +1,19 @@
-// The methods of lsc2d_calibration_wrapper() that run a parameter generator of the ISP.
+// The calibration methods that run a parameter generator of the ISP.
 #pragma once
 
-#include <cstdint>
-
 #include "calibration/request.h"
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc {
 
-int32_t run_halvane(Request& request, const lsc2d_info& info);
+// A parameter generator, with what it finds written to `report` or printed.
+using Generator = zerklsc_status(const uint16_t* raw, isp_param_tag* param, zerklsc_report* report);
 
-int32_t run_orvel_otp(Request& request, const lsc2d_info& info);
+zerklsc_status run_halvane(Request& request, const lsc2d_info& info, Generator& generate,
+                           zerklsc_report* report);
+
+// The report is of the generator's tables, which the shading model then changes.
+zerklsc_status run_orvel_otp(Request& request, const lsc2d_info& info, Generator& generate,
+                             zerklsc_report* report);
 
 } // namespace zerklsc

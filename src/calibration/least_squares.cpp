@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace zerklsc {
 namespace {
@@ -25,29 +26,42 @@ Scratch<double> allocate_zeros(uint64_t count) {
     return zeros;
 }
 
-} // namespace
-
-System make_system(const SurfaceGrid& grid, int32_t step, const FitLines& columns, const FitLines& rows,
-                   const FlatField& flat) {
-    const uint64_t unknowns = static_cast<uint64_t>(grid.inner_count());
-    const Scratch<AxisTaps> column_taps = line_taps(columns, step, grid.width);
-    const Scratch<AxisTaps> row_taps = line_taps(rows, step, grid.height);
-    System system = {allocate_zeros(unknowns * unknowns), allocate_zeros(channels * unknowns)};
-    if (column_taps == nullptr || row_taps == nullptr || system.normal == nullptr || system.right == nullptr)
-        return {};
+// Calls visit(column, row, weights) for every point, row by row. False without memory.
+template <class Visit>
+bool for_each_point(const FitRaster& raster, const Visit& visit) {
+    const Scratch<AxisTaps> column_taps = line_taps(raster.columns, raster.step, raster.grid.width);
+    const Scratch<AxisTaps> row_taps = line_taps(raster.rows, raster.step, raster.grid.height);
+    if (column_taps == nullptr || row_taps == nullptr)
+        return false;
     const AxisTaps* y = row_taps.get();
-    for (const int16_t row : rows) {
+    for (const int16_t row : raster.rows) {
         const AxisTaps* x = column_taps.get();
-        for (const int16_t column : columns) {
-            float gains[channels];
-            gains_at(flat, column, row, gains);
-            const DesignRow weights = design_row(*x++, *y, grid);
-            add_to_normal_matrix(weights, grid, system.normal.get());
-            add_to_right_sides(weights, grid, gains, system.right.get());
-        }
+        for (const int16_t column : raster.columns)
+            visit(column, row, design_row(*x++, *y, raster.grid));
         ++y;
     }
-    return system;
+    return true;
+}
+
+} // namespace
+
+Scratch<double> normal_matrix(const FitRaster& raster) {
+    const uint64_t unknowns = static_cast<uint64_t>(raster.grid.inner_count());
+    Scratch<double> normal = allocate_zeros(unknowns * unknowns);
+    const auto add = [&](int16_t, int16_t, const DesignRow& weights) {
+        add_to_normal_matrix(weights, raster.grid, normal.get());
+    };
+    return normal != nullptr && for_each_point(raster, add) ? std::move(normal) : nullptr;
+}
+
+Scratch<double> right_sides(const FitRaster& raster, const FlatField& flat) {
+    Scratch<double> right = allocate_zeros(channels * static_cast<uint64_t>(raster.grid.inner_count()));
+    const auto add = [&](int16_t column, int16_t row, const DesignRow& weights) {
+        float gains[channels];
+        gains_at(flat, column, row, gains);
+        add_to_right_sides(weights, raster.grid, gains, right.get());
+    };
+    return right != nullptr && for_each_point(raster, add) ? std::move(right) : nullptr;
 }
 
 // The products are taken in double precision, the sums kept in single precision.

@@ -13,13 +13,23 @@ namespace zerklsc {
 // The inner nodes are the unknowns. They are the same combinations of the gains in all four channels, which
 // have one matrix and differ in their right-hand sides.
 struct System {
-    Scratch<double> normal; // unknowns x unknowns; null where memory is lacking
+    Scratch<double> normal; // unknowns x unknowns
     Scratch<double> right;  // four for each unknown
 };
 
-// From the gains at the crossings of the lines, `step` being the distance of the nodes.
-System make_system(const SurfaceGrid& grid, int32_t step, const FitLines& columns, const FitLines& rows,
-                   const FlatField& flat);
+// The raster of fit points: the crossings of the lines, on a grid whose nodes are `step` apart.
+struct FitRaster {
+    const SurfaceGrid& grid;
+    int32_t step;
+    const FitLines& columns;
+    const FitLines& rows;
+};
+
+// The matrix, which no frame changes. Null where memory is lacking.
+Scratch<double> normal_matrix(const FitRaster& raster);
+
+// From the gains at the points. Null where memory is lacking.
+Scratch<double> right_sides(const FitRaster& raster, const FlatField& flat);
 
 // The inner nodes of the four channels, one channel after the other, once the matrix is inverted.
 void solve(const System& system, const SurfaceGrid& grid, float* inner);

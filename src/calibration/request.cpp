@@ -1,9 +1,11 @@
-// The request of the calibration entry point.
+// The request of the calibration entry points.
 #include "calibration/request.h"
 
 #include <algorithm>
 
-#include "sampling/center_points.h"
+#include "calibration/fit_points.h"
+#include "sampling/brightest_level.h"
+#include "sampling/mask.h"
 
 namespace zerklsc {
 namespace {
@@ -17,15 +19,57 @@ bool holds_stencils(const Request& request) {
 }
 
 // The parameter generators take the low byte of the step and reflect the planes into a margin.
-bool generator_accepts(const Request& request, int32_t least_extent) {
+zerklsc_status check_generator(const Request& request, int32_t least_extent) {
     const int32_t extent = std::min(request.plane_w, request.plane_h);
-    return extent >= least_extent && request.param.grid <= highest_byte
-           && request.param.filter_radius < extent && holds_stencils(request);
+    if (request.param.grid > highest_byte)
+        return ZERKLSC_BAD_STEP;
+    if (extent < least_extent)
+        return ZERKLSC_PLANE_TOO_SMALL;
+    if (request.param.filter_radius >= extent)
+        return ZERKLSC_BAD_RADIUS;
+    return holds_stencils(request) ? ZERKLSC_OK : ZERKLSC_TOO_FEW_NODES;
 }
 
-// Whether the planes are large enough for the cluster that gives the reference level.
-bool has_centre(const Request& request) {
-    return centre_cluster(request.plane_w, request.plane_h).points() > 0;
+// How far the averaging window reaches, which is all that the questions below ask of it.
+Window outline(const Request& request) {
+    Window window;
+    window.radius = request.param.filter_radius;
+    window.boundary_mode = request.param.boundary_mode;
+    return window;
+}
+
+// Whether the planes are large enough for the cluster that gives the reference level, and for the windows
+// around its points.
+zerklsc_status check_centre(const Request& request) {
+    const CentreCluster cluster = centre_cluster(request.plane_w, request.plane_h);
+    if (cluster.points() == 0)
+        return ZERKLSC_PLANE_TOO_SMALL;
+    const PlaneSet planes = mosaic_planes(request.raw, request.width, request.height);
+    return request.param.filter_radius <= max_radius && cluster_fits(planes, outline(request), cluster)
+               ? ZERKLSC_OK
+               : ZERKLSC_BAD_RADIUS;
+}
+
+zerklsc_status check_sampling(const Request& request) {
+    const zerklsc_status centre = check_centre(request);
+    if (centre != ZERKLSC_OK)
+        return centre;
+    if (request.param.filter_radius >= std::min(request.plane_w, request.plane_h))
+        return ZERKLSC_BAD_RADIUS;
+    return holds_stencils(request) ? ZERKLSC_OK : ZERKLSC_TOO_FEW_NODES;
+}
+
+zerklsc_status check_fit(const Request& request) {
+    const zerklsc_status centre = check_centre(request);
+    if (centre != ZERKLSC_OK)
+        return centre;
+    for (const int32_t extent : {request.plane_w, request.plane_h}) {
+        const FitLines lines = fit_lines(extent, request.param.grid, request.param.filter_radius);
+        const zerklsc_status status = check_lines(lines, extent, outline(request));
+        if (status != ZERKLSC_OK)
+            return status;
+    }
+    return ZERKLSC_OK;
 }
 
 } // namespace
@@ -47,23 +91,25 @@ Request make_request(const uint16_t* raw, const lsc2d_info& info) {
     return request;
 }
 
-bool method_accepts(int32_t algorithm, const Request& request) {
+zerklsc_status check_method(int32_t algorithm, const Request& request) {
     constexpr int32_t halvane_block = 50;
-    if (request.param.grid == 0 || request.param.filter_radius < 0)
-        return false;
+    if (algorithm < ZERKLSC_ALGORITHM_HALVANE || algorithm > ZERKLSC_ALGORITHM_ORVEL_WEIGHTS)
+        return ZERKLSC_UNKNOWN_ALGORITHM;
+    if (request.param.grid == 0)
+        return ZERKLSC_BAD_STEP;
+    if (request.param.filter_radius < 0)
+        return ZERKLSC_BAD_RADIUS;
     switch (algorithm) {
     case ZERKLSC_ALGORITHM_HALVANE:
-        return generator_accepts(request, halvane_block);
+        return check_generator(request, halvane_block);
     case ZERKLSC_ALGORITHM_ORVEL_OTP:
-        return generator_accepts(request, 1);
-    case ZERKLSC_ALGORITHM_ORVEL:
-        return has_centre(request) && holds_stencils(request);
+        return check_generator(request, 1);
     case ZERKLSC_ALGORITHM_BETA:
-        return has_centre(request);
+        return check_fit(request);
     case ZERKLSC_ALGORITHM_ORVEL_WEIGHTS:
-        return has_centre(request) && holds_stencils(request) && request.param.grid <= highest_byte;
+        return request.param.grid > highest_byte ? ZERKLSC_BAD_STEP : check_sampling(request);
     default:
-        return false;
+        return check_sampling(request);
     }
 }
 

@@ -1,9 +1,9 @@
-// What lsc2d_calibration_wrapper() is asked for, and whether its method can do it.
+// What the two entry points of the calibration are asked for, and whether the method can do it.
 #pragma once
 
 #include <cstdint>
 
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc {
 
@@ -21,8 +21,8 @@ struct Request {
 
 Request make_request(const uint16_t* raw, const lsc2d_info& info);
 
-// False for an unknown algorithm and for a geometry that the method cannot take. What depends on the filter
-// alone and what the surface fit asks beyond that is refused by the methods themselves, before they write.
-bool method_accepts(int32_t algorithm, const Request& request);
+// Why a method cannot take the geometry; the frame and the tables are not looked at. What is accepted here is
+// refused by the method itself only for a singular system or for want of memory.
+zerklsc_status check_method(int32_t algorithm, const Request& request);
 
 } // namespace zerklsc

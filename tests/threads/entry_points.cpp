@@ -100,6 +100,16 @@ void reports(W& b) {
     b.note_tables();
 }
 
+template <int algorithm>
+void silent_calibration(W& b) {
+    zerklsc_report report{};
+    b.info.algorithm = algorithm;
+    b.note(zerklsc_check_calibration(&b.info));
+    b.note(zerklsc_calibrate(b.frame.data(), &b.info, &report));
+    b.note(&report, sizeof report);
+    b.note_tables();
+}
+
 void texts(W& b) {
     b.note(zerklsc_status_text(ZERKLSC_BAD_STEP), 4);
     b.note(zerklsc_version());
@@ -285,6 +295,9 @@ constexpr EntryPoint all[] = {
     {"zerklsc_check_correction zerklsc_correct", band},
     {"zerklsc_check_stream zerklsc_stream_size", stream_fit},
     {"zerklsc_generate_orvel_otp zerklsc_generate_halvane", reports},
+    {"zerklsc_check_calibration zerklsc_calibrate", silent_calibration<ZERKLSC_ALGORITHM_HALVANE>},
+    {"zerklsc_check_calibration zerklsc_calibrate", silent_calibration<ZERKLSC_ALGORITHM_ORVEL>},
+    {"zerklsc_check_calibration zerklsc_calibrate", silent_calibration<ZERKLSC_ALGORITHM_BETA>},
     {"zerklsc_status_text zerklsc_version", texts},
 };
 

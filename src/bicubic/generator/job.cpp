@@ -8,6 +8,7 @@
 #include "bicubic/generator/gains.h"
 #include "bicubic/generator/target.h"
 #include "frame/planes.h"
+#include "table/inner_nodes.h"
 #include "table/wrapping_border.h"
 
 namespace zerklsc {
@@ -52,14 +53,6 @@ void finish_table(const isp_param_tag& param, View<uint16_t> table) {
     fill_wrapping_border(table);
     if (is_limited(param))
         format_lsc_table(table.data, table.width, table.height);
-}
-
-uint32_t count_inner_nodes(View<uint16_t> table, uint16_t gain) {
-    uint32_t count = 0;
-    for (int32_t y = ZERKLSC_BORDER; y < table.height - ZERKLSC_BORDER; ++y)
-        for (int32_t x = ZERKLSC_BORDER; x < table.width - ZERKLSC_BORDER; ++x)
-            count += table.at(x, y) == gain ? 1 : 0;
-    return count;
 }
 
 } // namespace

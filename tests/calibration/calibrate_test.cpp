@@ -1,0 +1,256 @@
+// zerklsc_check_calibration, zerklsc_calibrate
+#include "zerklsc_driver.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include "calibration/tables.h"
+#include "support/allocations.h"
+#include "support/random.h"
+
+namespace {
+
+using namespace zerklsc::testing;
+using Samples = std::vector<uint16_t>;
+
+struct Geometry {
+    int32_t algorithm;
+    int width, height, grid; // of the frame
+    int32_t radius;
+};
+
+std::ostream& operator<<(std::ostream& to, const Geometry& g) {
+    return to << "algorithm " << g.algorithm << ", " << g.width << "x" << g.height << ", grid " << g.grid
+              << ", radius " << g.radius;
+}
+
+// A record whose tables and weights start out recognisable.
+struct Call {
+    int32_t table_w = 3, table_h = 3;
+    lsc2d_info info{};
+    std::unique_ptr<Tables> tables;
+
+    explicit Call(const Geometry& g, int32_t percent = 90) {
+        if (g.grid > 0)
+            lsc2d_table_size(g.width / 2, g.height / 2, g.grid, g.grid, &table_w, &table_h);
+        tables = std::make_unique<Tables>(table_w, table_h);
+        std::memset(&info, 0x5B, sizeof info);
+        info.width = static_cast<uint16_t>(g.width);
+        info.height = static_cast<uint16_t>(g.height);
+        std::copy_n(tables->list, 4, info.lsc_table);
+        info.grid = static_cast<uint16_t>(g.grid);
+        info.shading_percent = percent;
+        info.filter_radius = g.radius;
+        info.algorithm = g.algorithm;
+    }
+
+    bool same_as(const Call& other) const {
+        for (size_t c = 0; c < 4; ++c)
+            if (tables->table[c].copy() != other.tables->table[c].copy())
+                return false;
+        return std::memcmp(&info.weight, &other.info.weight, sizeof info.weight) == 0;
+    }
+
+    uint32_t inner_nodes_at(size_t plane, uint16_t gain) const {
+        const Samples table = tables->table[plane].copy();
+        uint32_t count = 0;
+        for (int32_t j = 1; j < table_h - 1; ++j)
+            for (int32_t i = 1; i < table_w - 1; ++i)
+                count += table[static_cast<size_t>(j * table_w + i)] == gain;
+        return count;
+    }
+};
+
+Samples noise(const Geometry& g, int64_t low, int64_t high) {
+    Random random(static_cast<uint64_t>(g.width * 1000 + g.height));
+    Samples raw(static_cast<size_t>(g.width * g.height) + 1);
+    for (uint16_t& v : raw)
+        v = static_cast<uint16_t>(random.between(low, high));
+    return raw;
+}
+
+Geometry random_geometry(Random& random) {
+    const auto up_to = [&random](int64_t last) { return static_cast<int>(random.between(0, last)); };
+    const int large = up_to(2) == 0 ? 60 : 0;
+    return {up_to(4), large + up_to(140), large + up_to(130), up_to(up_to(2) == 0 ? 255 : 40),
+            static_cast<int32_t>(up_to(up_to(3) == 0 ? 120 : 14)) - (up_to(30) == 0 ? 1 : 0)};
+}
+
+// The tvessa2 ISP takes planes of this size to have a node less than the tables.
+bool is_past_whole_cells(int size, int step) {
+    return size % step == 1 % step;
+}
+
+TEST(CheckCalibration, AcceptsExactlyWhatTheCalibrationTakesAndTheIspReads) {
+    Random random(17);
+    int accepted[5] = {}, other_size = 0;
+    for (int round = 0; round < 4000; ++round) {
+        const Geometry g = random_geometry(random);
+        Call plain(g), silent(g);
+        if (g.algorithm == ZERKLSC_ALGORITHM_BETA && plain.table_w * plain.table_h > 250)
+            continue;
+        const Samples raw = noise(g, 300, 1100);
+        ::testing::internal::CaptureStdout();
+        const bool done = lsc2d_calibration_wrapper(raw.data(), &plain.info) == 0;
+        ::testing::internal::GetCapturedStdout();
+        ::testing::internal::CaptureStdout();
+        const zerklsc_status fit = zerklsc_check_calibration(&silent.info);
+        const zerklsc_status status = zerklsc_calibrate(raw.data(), &silent.info, nullptr);
+        EXPECT_EQ(::testing::internal::GetCapturedStdout(), "") << g;
+
+        const bool misread =
+            g.algorithm != ZERKLSC_ALGORITHM_ORVEL_WEIGHTS && g.grid > 0
+            && (is_past_whole_cells(g.width / 2, g.grid) || is_past_whole_cells(g.height / 2, g.grid));
+        EXPECT_EQ(!ZERKLSC_REFUSED(fit), done && !misread) << g << ": " << zerklsc_status_text(fit);
+        EXPECT_EQ(status, ZERKLSC_REFUSED(fit) ? fit : ZERKLSC_OK) << g;
+        if (status == ZERKLSC_OK)
+            EXPECT_TRUE(silent.same_as(plain)) << g;
+        else
+            EXPECT_TRUE(silent.same_as(Call(g))) << g;
+        accepted[g.algorithm] += status == ZERKLSC_OK;
+        other_size += status == ZERKLSC_OTHER_TABLE_SIZE && done;
+    }
+    for (const int count : accepted)
+        EXPECT_GT(count, 50);
+    EXPECT_GT(other_size, 80);
+}
+
+TEST(CheckCalibration, EachRefusalAndAdviceHasItsReason) {
+    const struct {
+        std::vector<int32_t> algorithms;
+        int width, height, grid;
+        int32_t radius;
+        zerklsc_status expected;
+    } cases[] = {
+        {{0, 1, 2, 3, 4}, 250, 220, 16, 3, ZERKLSC_OK},
+        {{-1, 5, INT32_MIN}, 250, 220, 16, 3, ZERKLSC_UNKNOWN_ALGORITHM},
+        {{0, 4}, 0, 220, 16, 3, ZERKLSC_EMPTY_FRAME},
+        {{0, 1, 2, 3, 4}, 250, 220, 0, 3, ZERKLSC_BAD_STEP},
+        {{0, 1, 2, 3, 4}, 1200, 1100, 256, 3, ZERKLSC_BAD_STEP}, // which methods 2 and 3 would take
+        {{3}, 250, 220, 7, 6, ZERKLSC_BAD_STEP},                 // an eighth of it is 0
+        {{3}, 62, 64, 110, 2, ZERKLSC_BAD_STEP},                 // its points leave the planes
+        {{0, 1, 2, 3}, 258, 220, 64, 3, ZERKLSC_OTHER_TABLE_SIZE},
+        {{0, 1, 2, 3}, 250, 258, 64, 3, ZERKLSC_OTHER_TABLE_SIZE},
+        {{4}, 258, 258, 64, 3, ZERKLSC_OK},
+        {{0, 1, 2, 3, 4}, 250, 220, 16, -1, ZERKLSC_BAD_RADIUS},
+        {{0, 1, 2, 4}, 250, 220, 16, 110, ZERKLSC_BAD_RADIUS},
+        {{3}, 250, 220, 16, 400, ZERKLSC_BAD_RADIUS},
+        {{2, 3, 4}, 30000, 30002, 255, 11585, ZERKLSC_BAD_RADIUS},
+        {{0}, 250, 96, 16, 3, ZERKLSC_PLANE_TOO_SMALL},
+        {{2, 3, 4}, 252, 16, 4, 3, ZERKLSC_PLANE_TOO_SMALL},
+        {{4}, 250, 1, 4, 0, ZERKLSC_PLANE_TOO_SMALL},
+        {{0, 1, 2, 4}, 250, 160, 80, 3, ZERKLSC_TOO_FEW_NODES},
+        {{3}, 24, 26, 8, 8, ZERKLSC_NO_SOLUTION}, // it has a single point
+        {{0, 1, 2, 3}, 250, 220, 24, 3, ZERKLSC_STEP_NOT_SMOOTH},
+        {{0, 1, 2, 3}, 126, 220, 16, 3, ZERKLSC_NARROW_FRAME},
+        {{4}, 126, 220, 24, 3, ZERKLSC_OK},
+    };
+    for (const auto& c : cases)
+        for (const int32_t algorithm : c.algorithms) {
+            const Geometry g = {algorithm, c.width, c.height, c.grid, c.radius};
+            const Call call(g);
+            const AllocationScope scope;
+            EXPECT_EQ(zerklsc_check_calibration(&call.info), c.expected) << g;
+            EXPECT_TRUE(scope.leftovers().empty()) << g;
+        }
+    EXPECT_EQ(zerklsc_check_calibration(nullptr), ZERKLSC_NULL_POINTER);
+}
+
+TEST(Calibrate, MissingPointersAreNamedAndTheReportIsLeftAlone) {
+    const Geometry g = {2, 250, 220, 16, 3};
+    const Samples raw = noise(g, 300, 1000);
+    zerklsc_report report{.clipped_samples = {7, 7, 7, 7}, .capped_nodes = {}, .dark_row_ends = 7};
+    EXPECT_EQ(zerklsc_calibrate(raw.data(), nullptr, &report), ZERKLSC_NULL_POINTER);
+    for (size_t missing = 0; missing <= 4; ++missing) {
+        Call call(g);
+        if (missing < 4)
+            call.info.lsc_table[missing] = nullptr;
+        EXPECT_EQ(zerklsc_calibrate(missing < 4 ? raw.data() : nullptr, &call.info, &report),
+                  ZERKLSC_NULL_POINTER);
+        EXPECT_TRUE(call.tables->all_untouched()) << missing;
+    }
+    EXPECT_EQ(report.dark_row_ends, 7u);
+}
+
+TEST(Calibrate, EveryFailedAllocationIsNamedAndNothingIsEverLeft) {
+    for (int32_t algorithm = 0; algorithm <= 4; ++algorithm) {
+        const Geometry g = {algorithm, 120, 110, 24, 2};
+        const Samples raw = noise(g, 300, 1000);
+        bool failed = true;
+        for (size_t n = 0; failed; ++n) {
+            ASSERT_LT(n, 200u) << algorithm;
+            Call call(g);
+            zerklsc_report report{.clipped_samples = {}, .capped_nodes = {}, .dark_row_ends = 7};
+            const AllocationScope scope(n);
+            const zerklsc_status status = zerklsc_calibrate(raw.data(), &call.info, &report);
+            failed = scope.failed();
+            EXPECT_EQ(status, failed ? ZERKLSC_NO_MEMORY : ZERKLSC_OK) << algorithm << " request " << n;
+            EXPECT_TRUE(scope.leftovers().empty()) << algorithm << " request " << n;
+            EXPECT_EQ(call.same_as(Call(g)), failed) << algorithm << " request " << n;
+            EXPECT_EQ(report.dark_row_ends, failed ? 7u : 0u) << algorithm << " request " << n;
+        }
+    }
+}
+
+// Without memory only the surface fit cannot be answered for.
+TEST(CheckCalibration, NamesMissingMemory) {
+    for (int32_t algorithm = 0; algorithm <= 4; ++algorithm) {
+        const Call call({algorithm, 250, 220, 16, 3});
+        bool failed = true;
+        for (size_t n = 0; failed; ++n) {
+            const AllocationScope scope(n);
+            const zerklsc_status status = zerklsc_check_calibration(&call.info);
+            failed = scope.failed();
+            EXPECT_EQ(status, failed ? ZERKLSC_NO_MEMORY : ZERKLSC_OK) << algorithm << " request " << n;
+            EXPECT_TRUE(scope.leftovers().empty()) << algorithm << " request " << n;
+            EXPECT_TRUE(!failed || algorithm == ZERKLSC_ALGORITHM_BETA);
+        }
+    }
+}
+
+// Clipped samples in three planes, a black patch of plane 1 around node (2, 3), and a right edge that fades.
+Samples faulty(const Geometry& g, uint32_t clipped[4]) {
+    Samples raw(static_cast<size_t>(g.width * g.height));
+    for (int y = 0; y < g.height; ++y)
+        for (int x = 0; x < g.width; ++x) {
+            const int plane = x % 2 + 2 * (y % 2);
+            const bool clips = y < 2 * (plane + 1) && x == 40 + plane && plane != 2;
+            const bool black =
+                plane == 1 && std::abs(x / 2 - 2 * g.grid) < 6 && std::abs(y / 2 - 3 * g.grid) < 6;
+            raw[static_cast<size_t>(y * g.width + x)] =
+                static_cast<uint16_t>(clips              ? 1024 + plane
+                                      : black            ? 0
+                                      : x >= g.width - 4 ? 9
+                                                         : 600 + plane);
+            clipped[plane] += clips;
+        }
+    return raw;
+}
+
+TEST(Calibrate, CountsWhatItClipsAndWhatItCaps) {
+    for (int32_t algorithm = 0; algorithm <= 4; ++algorithm) {
+        const Geometry g = {algorithm, 204, 180, 16, 2};
+        uint32_t clipped[4] = {};
+        const Samples raw = faulty(g, clipped);
+        Call call(g, 100);
+        zerklsc_report report;
+        std::memset(&report, 0x5B, sizeof report);
+        ASSERT_FALSE(ZERKLSC_REFUSED(zerklsc_calibrate(raw.data(), &call.info, &report))) << algorithm;
+        for (size_t plane = 0; plane < 4; ++plane) {
+            EXPECT_EQ(report.clipped_samples[plane], algorithm <= 1 ? clipped[plane] : 0u) << algorithm;
+            EXPECT_EQ(report.capped_nodes[plane], call.inner_nodes_at(plane, ZERKLSC_HIGHEST_GAIN))
+                << algorithm;
+        }
+        // The fit smooths the patch.
+        if (algorithm != ZERKLSC_ALGORITHM_BETA) {
+            EXPECT_GE(report.capped_nodes[1], 1u) << algorithm;
+            EXPECT_LT(report.capped_nodes[3], report.capped_nodes[1]) << algorithm;
+        }
+        EXPECT_EQ(report.dark_row_ends > 0, algorithm == 0) << algorithm;
+    }
+}
+
+} // namespace
