@@ -7,10 +7,10 @@
 
 #include "commands.h"
 #include "commands/frame_text.h"
+#include "commands/option_values.h"
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/otp_stream.h"
-#include "io/black_level_text.h"
 #include "io/file_identity.h"
 #include "io/input_file.h"
 #include "io/output_set.h"
@@ -131,24 +131,14 @@ GainTables described(const DecodeOptions& options) {
     if (options.width == 0 || options.height == 0)
         usage_failure(
             "otp decode: the stream does not say its geometry: give --like TABLES, or --width and --height");
-    if (options.width % 2 != 0 || options.height % 2 != 0)
-        usage_failure("--width and --height: {} x {} are not whole 2 x 2 Bayer cells: give even numbers",
-                      options.width, options.height);
-    const auto pattern = bayer_pattern_from(options.pattern);
-    if (!pattern)
-        usage_failure("--pattern: {} is not known: expected RGGB, GRBG, GBRG or BGGR", options.pattern);
-    const auto black = black_level_from(options.black);
-    if (!black)
-        usage_failure(
-            "--black-level: {} is not a level from 0 to 65535, nor four of them with commas between",
-            options.black);
+    check_even(options.width, options.height);
     GainTables tables;
     tables.raw_width = options.width;
     tables.raw_height = options.height;
     tables.step = options.step;
     tables.algorithm = ZERKLSC_ALGORITHM_ORVEL;
-    tables.pattern = *pattern;
-    tables.black = *black;
+    tables.pattern = pattern_of_option(options.pattern);
+    tables.black = black_level_of_option(options.black);
     tables.bits = 10;
     tables.set_table_size();
     return tables;
@@ -213,8 +203,10 @@ void add_decode(Command otp) {
     command.option("stream", options->stream, "stream of zerklsc otp encode").required().takes("FILE");
     command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
     Option like = command.option("--like", options->like, "table file of the same geometry").takes("FILE");
-    command.option("--width", options->width, "frame width in pixels").range(2, 65534).excludes(like);
-    command.option("--height", options->height, "frame height in pixels").range(2, 65534).excludes(like);
+    command.option("--width", options->width, "frame width in pixels").range(2, largest_side).excludes(like);
+    command.option("--height", options->height, "frame height in pixels")
+        .range(2, largest_side)
+        .excludes(like);
     command.option("--step", options->step, "node spacing in plane samples")
         .range(smallest_step, largest_step)
         .show_default()

@@ -6,28 +6,10 @@
 #include <fmt/format.h>
 
 #include "failure.h"
-#include "io/black_level_text.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {
 namespace {
-
-constexpr int largest_side = 65534;
-
-std::optional<BayerPattern> pattern_from(const std::string& text) {
-    const auto pattern = bayer_pattern_from(text);
-    if (!pattern && !text.empty())
-        usage_failure("--pattern: {} is not known: expected RGGB, GRBG, GBRG or BGGR", text);
-    return pattern;
-}
-
-std::optional<BlackLevel> black_from(const std::string& text) {
-    const auto black = black_level_from(text);
-    if (!black && !text.empty())
-        usage_failure(
-            "--black-level: {} is not a level from 0 to 65535, nor four of them with commas between", text);
-    return black;
-}
 
 std::optional<Packing> packing_from(const std::string& text) {
     if (text.empty())
@@ -114,8 +96,10 @@ RawReading read_raw_and_description(const RawOptions& options) {
     hints.big_endian = options.endian == "big";
     hints.left_aligned = options.alignment == "left";
     hints.packing = packing_from(options.packing);
-    hints.pattern = pattern_from(options.pattern);
-    hints.black = black_from(options.black);
+    if (!options.pattern.empty())
+        hints.pattern = pattern_of_option(options.pattern);
+    if (!options.black.empty())
+        hints.black = black_level_of_option(options.black);
     if (options.white != 0)
         hints.white = options.white;
     if ((hints.width == 0) != (hints.height == 0))

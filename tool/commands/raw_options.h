@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "commands/command_line.h"
+#include "commands/option_values.h"
 #include "imaging/gain_tables.h"
 #include "io/raw_format.h"
 

@@ -27,7 +27,7 @@ struct Options {
 CropWindow window_of(const Options& options, const GainTables& tables) {
     if (options.crop.empty())
         return {0, 0, tables.raw_width, tables.raw_height};
-    const auto crop = integer_list("--crop", options.crop, 4, 0, 65534);
+    const auto crop = integer_list("--crop", options.crop, 4, 0, largest_side);
     const int x = crop[0], y = crop[1], width = crop[2], height = crop[3];
     if (x % 2 != 0 || y % 2 != 0 || width % 2 != 0 || height % 2 != 0 || width == 0 || height == 0)
         usage_failure("--crop: {} is not on whole 2 x 2 Bayer cells: give even numbers", options.crop);
@@ -42,7 +42,7 @@ GainTables resample(const Options& options, const GainTables& tables) {
     const CropWindow window = window_of(options, tables);
     std::vector<int> size{window.width, window.height};
     if (!options.size.empty())
-        size = integer_list("--size", options.size, 2, 2, 65534);
+        size = integer_list("--size", options.size, 2, 2, largest_side);
     const int width = size[0], height = size[1];
     if (width % 2 != 0 || height % 2 != 0)
         usage_failure("--size: {} is not whole 2 x 2 Bayer cells: give even numbers", options.size);

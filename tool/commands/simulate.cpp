@@ -5,6 +5,7 @@
 #include "commands.h"
 #include "commands/frame_text.h"
 #include "commands/number_list.h"
+#include "commands/option_values.h"
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/simulation.h"
@@ -25,15 +26,10 @@ struct Options {
 
 void run(const Options& options, Report& report) {
     SimulationSettings settings = options.settings;
-    const auto pattern = bayer_pattern_from(options.pattern);
-    if (!pattern)
-        usage_failure("--pattern: {} is not known: expected RGGB, GRBG, GBRG or BGGR", options.pattern);
-    settings.pattern = *pattern;
+    settings.pattern = pattern_of_option(options.pattern);
     std::ranges::copy(number_list("--corners", options.corners, 4, 1, 100), settings.corners.begin());
     std::ranges::copy(number_list("--centre", options.centre, 2, 0, 100), settings.centre.begin());
-    if (settings.width % 2 != 0 || settings.height % 2 != 0)
-        usage_failure("--width and --height: {} x {} are not whole 2 x 2 Bayer cells: give even numbers",
-                      settings.width, settings.height);
+    check_even(settings.width, settings.height);
     if (settings.black >= (1 << settings.bits) - 1)
         usage_failure("--black-level: {} leaves no range below the full scale of {}: give a lower level",
                       settings.black, (1 << settings.bits) - 1);
@@ -47,8 +43,8 @@ void run(const Options& options, Report& report) {
 
 void add_sensor_options(Command command, Options& options) {
     SimulationSettings& s = options.settings;
-    command.option("--width", s.width, "frame width in pixels").range(2, 65534).show_default();
-    command.option("--height", s.height, "frame height in pixels").range(2, 65534).show_default();
+    command.option("--width", s.width, "frame width in pixels").range(2, largest_side).show_default();
+    command.option("--height", s.height, "frame height in pixels").range(2, largest_side).show_default();
     command.option("--pattern", options.pattern, "Bayer pattern")
         .takes("{RGGB,GRBG,GBRG,BGGR}")
         .show_default();

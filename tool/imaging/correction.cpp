@@ -1,4 +1,4 @@
-// name_of, isp_from, isp_of_algorithm, correct
+// name_of, isp_of_algorithm, correct
 #include "imaging/correction.h"
 
 #include <algorithm>
@@ -39,8 +39,8 @@ void check_tvessa2(const RawFrame& frame, const GainTables& tables, const std::s
         data_failure(
             "{}: step {} leaves one column of the {} samples of a plane beyond the last whole cell, where "
             "the "
-            "tvessa2 ISP reads the tables one node short per row: calibrate with --step {}, or correct with "
-            "--isp vessal2",
+            "tvessa2 ISP reads the tables one node short per row: calibrate with step {}, or correct as "
+            "the vessal2 ISP does",
             tables_name, tables.step, w, nearest_steps(w, tables.step));
     if (tvessa2_phases % tables.step != 0)
         warn(fmt::format(
@@ -56,13 +56,6 @@ void check_tvessa2(const RawFrame& frame, const GainTables& tables, const std::s
 
 const char* name_of(Isp isp) {
     return isp == Isp::tvessa2 ? "tvessa2" : "vessal2";
-}
-
-Isp isp_from(const std::string& name) {
-    for (const Isp isp : {Isp::tvessa2, Isp::vessal2})
-        if (name == name_of(isp))
-            return isp;
-    usage_failure("--isp: {} is not known: expected tvessa2 or vessal2", name);
 }
 
 Isp isp_of_algorithm(int algorithm) {

@@ -11,8 +11,6 @@ namespace zerklsc::tool {
 enum class Isp { tvessa2 = 3, vessal2 = 4 };
 
 const char* name_of(Isp isp);
-// A usage failure for a name that is none.
-Isp isp_from(const std::string& name);
 // The generation for which an algorithm makes its tables.
 Isp isp_of_algorithm(int algorithm);
 

@@ -1,9 +1,8 @@
-// GainTables, algorithm_name, algorithm_from
+// GainTables, algorithm_name
 #include "imaging/gain_tables.h"
 
 #include <algorithm>
 
-#include "failure.h"
 #include "zerklsc.h"
 
 namespace zerklsc::tool {
@@ -39,16 +38,6 @@ double GainTables::largest_gain(int plane) const {
 
 const char* algorithm_name(int algorithm) {
     return names[static_cast<size_t>(algorithm)];
-}
-
-int algorithm_from(const std::string& text) {
-    for (size_t i = 0; i < names.size(); ++i)
-        if (text == names[i] || text == std::to_string(i))
-            return static_cast<int>(i);
-    usage_failure(
-        "--algorithm: {} is not known: expected 0 or halvane, 1 or orvel-otp, 2 or orvel, 3 or beta, 4 or "
-        "orvel-weights",
-        text);
 }
 
 } // namespace zerklsc::tool

@@ -43,8 +43,7 @@ struct GainTables {
 constexpr int smallest_step = 1;
 constexpr int largest_step = 255;
 
-// "orvel" for 2, and back from a name or a number; a usage failure for any other text.
+// "orvel" for 2.
 const char* algorithm_name(int algorithm);
-int algorithm_from(const std::string& text);
 
 } // namespace zerklsc::tool

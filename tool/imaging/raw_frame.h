@@ -15,11 +15,14 @@ namespace zerklsc::tool {
 // Black levels by plane number, at the frame's own bit depth.
 using BlackLevel = std::array<int, 4>;
 
+// The longest side of a frame: even, and in the 16 bits that the library's records have for it.
+constexpr int largest_side = 65534;
+
 // Everything about a frame but its samples.
 struct RawDescription {
     std::string name;   // the path as the user wrote it, for messages
     std::string format; // of the file, for people
-    int width = 0;      // even, at most 65534
+    int width = 0;      // even, at most `largest_side`
     int height = 0;
     int bits = 0;      // samples are 0 .. 2^bits - 1
     int word_bits = 0; // of the words that the file stores them in

@@ -35,7 +35,6 @@ constexpr std::array<std::pair<Packing, const char*>, 3> packings{
     {{Packing::words, "words"}, {Packing::raw10, "raw10"}, {Packing::raw12, "raw12"}}};
 
 constexpr size_t most_suggestions = 4;
-constexpr int largest_side = 65534;
 
 uint64_t padded(uint64_t bytes, uint64_t alignment) {
     return (bytes + alignment - 1) / alignment * alignment;

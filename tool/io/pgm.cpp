@@ -18,8 +18,6 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr int largest_side = 65534;
-
 struct Header {
     int width = 0, height = 0, maxval = 0;
     std::string comments; // the text of all of them, a line each

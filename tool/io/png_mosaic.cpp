@@ -12,7 +12,6 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr unsigned largest_side = 65534;
 constexpr size_t message_size = 128;
 
 // What libpng's callbacks see. They may not throw: libpng leaves them by longjmp().

@@ -103,7 +103,7 @@ void check_version(const Reader& reader) {
 
 GainTables read_header(const Reader& reader) {
     GainTables tables;
-    const auto raw_size = reader.integers<2>("raw_size", 2, 65534);
+    const auto raw_size = reader.integers<2>("raw_size", 2, largest_side);
     tables.raw_width = raw_size[0];
     tables.raw_height = raw_size[1];
     if (tables.raw_width % 2 != 0 || tables.raw_height % 2 != 0)

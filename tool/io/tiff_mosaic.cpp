@@ -14,7 +14,6 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr uint64_t largest_side = 65534;
 // What is read of a pipe: a TIFF has its parts in any order.
 constexpr uint64_t largest_held = uint64_t{1} << 30;
 
