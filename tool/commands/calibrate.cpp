@@ -52,6 +52,7 @@ std::vector<RawFrame> read_captures(const Options& options) {
 }
 
 GainTables calibrate_light(RawFrame frame, const CalibrationSettings& settings) {
+    check_grid_options(frame, settings);
     const BlackLevel black = *frame.black;
     subtract_black(frame, black);
     return calibrate(frame, *frame.pattern, black, settings);

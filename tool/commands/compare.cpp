@@ -58,6 +58,7 @@ double otp_loss(const GainTables& tables, int mode) {
 
 // `light` is the capture, black level taken off.
 Outcome try_method(const RawFrame& capture, const RawFrame& light, const CalibrationSettings& settings) {
+    check_grid_options(light, settings);
     const GainTables tables = calibrate(light, *capture.pattern, *capture.black, settings);
     const FrameLevels after =
         predict_levels(capture, tables, "the calibrated tables", isp_of_algorithm(settings.algorithm));

@@ -7,7 +7,11 @@
 
 namespace zerklsc::tool {
 
-// --step, --radius and --shading.
+// --step, --radius, --shading and --max-memory.
 void add_grid_options(Command command, CalibrationSettings& settings);
+
+// Throws a data failure when the planes of the frame are too small for the options, or the fit of algorithm 3
+// takes more memory than they allow; warns when it takes long.
+void check_grid_options(const RawFrame& flat, const CalibrationSettings& settings);
 
 } // namespace zerklsc::tool

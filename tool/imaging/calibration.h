@@ -13,6 +13,14 @@ struct CalibrationSettings {
     int max_memory = 1024; // MiB that the surface fit of algorithm 3 may take
 };
 
+// The surface fit of algorithm 3 solves a dense system of one equation per node, in two square matrices of
+// doubles, in a time that grows with the cube of their side.
+struct FitCost {
+    double mebibytes;
+    double seconds; // about
+};
+FitCost fit_cost(double nodes);
+
 // Runs the algorithm on a frame whose black level `black` has been taken off. Algorithms 0 and 1 take 10-bit
 // samples: they see a deeper frame scaled to 10 bits. Throws a data failure when the frame and the settings
 // do not go together.

@@ -45,8 +45,8 @@ void check_dark_corners(const RawFrame& frame, Colour colour, const PlaneLevels&
     if (*darkest < black_corner)
         data_failure(
             "{}: the {} corner of {} is {:.2f} above the black level, while the centre is {:.0f} above it: "
-            "no "
-            "gain can be measured there: look for what covers it, or give the right --black-level or --bits",
+            "no gain can be measured there: look for what covers it, or give the right black level or bit "
+            "depth",
             frame.name, names[static_cast<size_t>(darkest - corners.begin())], name_of(colour), *darkest,
             levels.centre());
 }
@@ -65,7 +65,7 @@ void check_exposure(const RawFrame& frame, const FrameLevels& levels, double cli
     if (brightest < dark_centre)
         warn(fmt::format(
             "{}: the brightest channel reaches {:.1f} % of full scale at the centre (expected 20 % or more): "
-            "raise the exposure, or give the right --bits when samples are not {} bits deep",
+            "raise the exposure, or give the right bit depth when samples do not have {} bits",
             frame.name, 100 * brightest, frame.bits));
 }
 
