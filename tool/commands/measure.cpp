@@ -13,8 +13,6 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr int usual_block_count = 11;
-
 struct Options {
     RawOptions raw;
     int blocks = usual_block_count;

@@ -135,7 +135,7 @@ Deviation PlaneLevels::worst() const {
 }
 
 int usual_blocks(const RawDescription& frame) {
-    return std::min(11, std::min(frame.width, frame.height) / 2);
+    return std::min(usual_block_count, std::min(frame.width, frame.height) / 2);
 }
 
 FrameLevels measure_planes(const RawFrame& frame, const BlackLevel& black, int blocks) {

@@ -44,7 +44,9 @@ struct PlaneLevels {
 
 using FrameLevels = std::array<PlaneLevels, 4>; // by plane
 
-// The coarse blocks each way where nothing else is said, as far as the frame has so many samples.
+// The coarse blocks each way where nothing else is said.
+constexpr int usual_block_count = 11;
+// As many, as far as the frame has so many samples.
 int usual_blocks(const RawDescription& frame);
 
 // What is above `black`; the planes must have at least `blocks` samples each way.
