@@ -1,4 +1,5 @@
-// describe, add_frame, text_of, json_of, add_written_tables, text_table, percent, rounded
+// describe, add_frame, text_of, json_of, json_of_colour_shading, add_written_tables, text_table, percent,
+// rounded
 #include "commands/frame_text.h"
 
 #include <algorithm>
@@ -31,6 +32,20 @@ std::string text_of(const Deviation& deviation) {
 JsonValue json_of(const Deviation& deviation) {
     return JsonValue::object(
         {{"deviation", rounded(deviation.fraction)}, {"at", JsonValue::array({deviation.x, deviation.y})}});
+}
+
+JsonValue json_of(Colour colour, const PlaneLevels& levels) {
+    return JsonValue::object({{"colour", name_of(colour)},
+                              {"mean", rounded(levels.mean)},
+                              {"centre", rounded(levels.centre())},
+                              {"corner_to_centre", rounded(levels.corner_to_centre())},
+                              {"flatness", rounded(levels.flatness())},
+                              {"worst_block", json_of(levels.worst())}});
+}
+
+JsonValue json_of_colour_shading(const FrameLevels& levels, BayerPattern pattern) {
+    return JsonValue::object({{"r_to_g", json_of(colour_shading(levels, pattern, Colour::r))},
+                              {"b_to_g", json_of(colour_shading(levels, pattern, Colour::b))}});
 }
 
 void add_written_tables(Report& report, const std::string& path, const GainTables& tables) {

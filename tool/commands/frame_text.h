@@ -21,6 +21,10 @@ void add_frame(Report& report, const RawFrame& frame);
 std::string text_of(const Deviation& deviation);
 JsonValue json_of(const Deviation& deviation);
 
+// What is measured of a channel, and of the colours against each other, as JSON.
+JsonValue json_of(Colour colour, const PlaneLevels& levels);
+JsonValue json_of_colour_shading(const FrameLevels& levels, BayerPattern pattern);
+
 // Tables that were written to `path`: a line, and the fields of the document.
 void add_written_tables(Report& report, const std::string& path, const GainTables& tables);
 

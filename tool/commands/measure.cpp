@@ -19,25 +19,16 @@ struct Options {
     double limit = -1; // percent; negative: none
 };
 
-const PlaneLevels& levels_of(const FrameLevels& levels, const RawFrame& frame, Colour colour) {
-    return levels[static_cast<size_t>(plane_of_colour(*frame.pattern, colour))];
-}
-
 void report_channels(Report& report, const RawFrame& frame, const FrameLevels& levels, int blocks) {
     std::vector<std::vector<std::string>> rows{
         {"channel", "mean", "centre", "corner/centre", "flatness", "worst small block"}};
     JsonValue channels = JsonValue::array();
     for (const Colour colour : all_colours) {
-        const PlaneLevels& plane = levels_of(levels, frame, colour);
+        const PlaneLevels& plane = levels_of(levels, *frame.pattern, colour);
         rows.push_back({name_of(colour), fmt::format("{:.2f}", plane.mean),
                         fmt::format("{:.2f}", plane.centre()), percent(plane.corner_to_centre()),
                         percent(plane.flatness()), text_of(plane.worst())});
-        channels.add(JsonValue::object({{"colour", name_of(colour)},
-                                        {"mean", rounded(plane.mean)},
-                                        {"centre", rounded(plane.centre())},
-                                        {"corner_to_centre", rounded(plane.corner_to_centre())},
-                                        {"flatness", rounded(plane.flatness())},
-                                        {"worst_block", json_of(plane.worst())}}));
+        channels.add(json_of(colour, plane));
     }
     report.print(
         fmt::format("{}flatness: largest deviation of a block from the channel's mean, {} x {} blocks\n",
@@ -51,13 +42,14 @@ void report_colours(Report& report, const RawFrame& frame, const FrameLevels& le
     const Deviation blue = colour_shading(levels, *frame.pattern, Colour::b);
     report.print(fmt::format("colour shading, largest change from the centre: R/G {}, B/G {}\n", text_of(red),
                              text_of(blue)));
-    report.add("colour_shading", JsonValue::object({{"r_to_g", json_of(red)}, {"b_to_g", json_of(blue)}}));
+    report.add("colour_shading", json_of_colour_shading(levels, *frame.pattern));
 }
 
 void check_limit(const RawFrame& frame, const FrameLevels& levels, double limit) {
     std::string beyond;
     for (const Colour colour : all_colours)
-        if (const double flatness = levels_of(levels, frame, colour).flatness(); 100 * flatness > limit)
+        if (const double flatness = levels_of(levels, *frame.pattern, colour).flatness();
+            100 * flatness > limit)
             beyond +=
                 fmt::format("{}{} by {}", beyond.empty() ? "" : ", ", name_of(colour), percent(flatness));
     if (!beyond.empty())

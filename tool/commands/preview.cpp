@@ -1,7 +1,6 @@
 // zerklsc preview: a picture of what the lens does to a frame, and of what a correction leaves
-#include <algorithm>
-#include <cmath>
 #include <memory>
+#include <optional>
 
 #include <fmt/format.h>
 
@@ -10,12 +9,12 @@
 #include "commands/raw_options.h"
 #include "commands/report.h"
 #include "failure.h"
-#include "imaging/correction.h"
-#include "imaging/levels.h"
+#include "imaging/prediction.h"
 #include "io/file_identity.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "preview/png.h"
+#include "preview/rows.h"
 #include "preview/sheet.h"
 #include "terminal.h"
 
@@ -27,112 +26,6 @@ struct Options {
     std::string tables, corrected, corrected_black, isp, output;
 };
 
-// One frame of the sheet, black level taken off.
-struct Shown {
-    RawFrame frame;
-    BayerPattern pattern;
-    std::array<Field, 4> fields; // brightness by colour
-    FrameLevels levels;
-};
-
-Shown show(RawFrame frame, BayerPattern pattern, PanelSize size) {
-    Shown shown{std::move(frame), pattern, {}, {}};
-    shown.levels = measure_planes(shown.frame, {}, usual_blocks(shown.frame));
-    for (size_t i = 0; i < all_colours.size(); ++i)
-        shown.fields[i] =
-            brightness_field(shown.frame, plane_of_colour(pattern, all_colours[i]), size.width, size.height);
-    return shown;
-}
-
-std::vector<std::string> labels_between(double low, double high, int count, const char* format) {
-    std::vector<std::string> labels;
-    for (int i = 0; i < count; ++i)
-        labels.push_back(fmt::format(fmt::runtime(format), low + (high - low) * i / (count - 1)));
-    return labels;
-}
-
-const PlaneLevels& levels_of(const Shown& shown, size_t colour) {
-    return shown.levels[static_cast<size_t>(plane_of_colour(shown.pattern, all_colours[colour]))];
-}
-
-// Each channel in percent of its brightest place. `low` is the lower end of the scale.
-PanelRow illumination_row(const std::string& title, const Shown& shown, double low) {
-    PanelRow row;
-    row.title = title;
-    row.low = low;
-    row.high = 100;
-    row.contour = 10;
-    row.labels = labels_between(low, 100, static_cast<int>((100 - low) / 10) + 1, "{:.0f} %");
-    for (size_t i = 0; i < all_colours.size(); ++i) {
-        const double top = shown.fields[i].largest();
-        const PlaneLevels& levels = levels_of(shown, i);
-        row.panels[i] = {shown.fields[i].scaled(top > 0 ? 100 / top : 0),
-                         fmt::format("{}  corner/centre {:.1f} %", name_of(all_colours[i]),
-                                     100 * levels.corner_to_centre())};
-    }
-    return row;
-}
-
-// The scale that shows the darkest corner and ends at a round number.
-double lowest_percent(const Shown& shown) {
-    double low = 1;
-    for (const Field& field : shown.fields)
-        low = std::min(low, field.largest() > 0 ? field.smallest() / field.largest() : 0);
-    return std::min(std::floor(low * 10) * 10, 90.0);
-}
-
-PanelRow gain_row(const GainTables& tables, PanelSize size) {
-    PanelRow row;
-    row.title =
-        fmt::format("gain of the tables ({}, step {})", algorithm_name(tables.algorithm), tables.step);
-    double highest = 1;
-    for (size_t i = 0; i < all_colours.size(); ++i) {
-        const int plane = plane_of_colour(tables.pattern, all_colours[i]);
-        row.panels[i] = {
-            gain_field(tables, plane, size.width, size.height),
-            fmt::format("{}  largest gain {:.2f}", name_of(all_colours[i]), tables.largest_gain(plane))};
-        highest = std::max(highest, tables.largest_gain(plane));
-    }
-    row.low = 1;
-    row.high = 1 + std::max(std::ceil((highest - 1) * 2), 1.0) / 2;
-    row.contour = (row.high - row.low) / 8;
-    row.labels = labels_between(row.low, row.high, 5, "{:.2f}");
-    return row;
-}
-
-// The narrowest usual scale that holds 99 % of the deviations; a few pixels in the corners may go beyond it.
-double usual_reach(std::vector<double> deviations) {
-    const auto most = deviations.begin() + static_cast<ptrdiff_t>(deviations.size() * 99 / 100);
-    std::ranges::nth_element(deviations, most, {}, [](double v) { return std::abs(v); });
-    double reach = 100;
-    for (const double narrower : {50.0, 20.0, 10.0, 5.0, 2.0, 1.0})
-        reach = std::abs(*most) <= narrower ? narrower : reach;
-    return reach;
-}
-
-// The deviation of each channel from its mean.
-PanelRow residual_row(const std::string& title, const Shown& shown) {
-    PanelRow row;
-    std::vector<double> all;
-    for (size_t i = 0; i < all_colours.size(); ++i) {
-        Field field = shown.fields[i];
-        const double mean = field.mean();
-        for (double& v : field.values)
-            v = mean > 0 ? 100 * (v / mean - 1) : 0;
-        all.insert(all.end(), field.values.begin(), field.values.end());
-        row.panels[i] = {std::move(field), fmt::format("{}  flat to {:.2f} %", name_of(all_colours[i]),
-                                                       100 * levels_of(shown, i).flatness())};
-    }
-    const double reach = usual_reach(std::move(all));
-    row.title = fmt::format("{}: deviation from the channel's mean, scale +-{} %", title, reach);
-    row.low = -reach;
-    row.high = reach;
-    row.deviation = true;
-    row.labels = labels_between(-reach, reach, 5, "{:+.1f} %");
-    row.labels[2] = "0 %";
-    return row;
-}
-
 // The frame that was corrected elsewhere, in the same geometry.
 RawFrame read_corrected(const Options& options, const RawFrame& before) {
     RawOptions raw = options.raw;
@@ -142,42 +35,83 @@ RawFrame read_corrected(const Options& options, const RawFrame& before) {
     if (frame.width != before.width || frame.height != before.height)
         data_failure("{}: is {} x {}, but {} is {} x {}: give the corrected form of the same frame",
                      frame.name, frame.width, frame.height, before.name, before.width, before.height);
-    subtract_black(frame, BlackLevel(*frame.black));
     return frame;
 }
 
-Canvas draw(const Options& options, Report& report) {
-    const GainTables tables = options.tables.empty() ? GainTables() : read_table_json(options.tables);
-    RawFrame frame = options.tables.empty() ? read_raw(options.raw, UnknownBlack::take_0)
-                                            : read_raw_for(options.raw, tables, options.tables);
-    const BayerPattern pattern = *frame.pattern;
-    const BlackLevel black = *frame.black;
-    add_frame(report, frame);
-    std::vector<std::string> heading{describe(frame)};
-    heading[0].pop_back();
-    subtract_black(frame, black);
-    const PanelSize size = panel_size(frame.width, frame.height);
-    const Shown before = show(frame, pattern, size);
-    const double low = lowest_percent(before);
-    std::vector<PanelRow> rows{illumination_row("before: relative illumination", before, low)};
-    std::string how = "after";
+// What the sheet consists of.
+struct Sheet {
+    std::vector<std::string> heading;
+    std::vector<PanelRow> rows;
+};
+
+// The frame in its corrected form, as the tables or another program make it, or nothing.
+std::optional<RawFrame> corrected_frame(const Options& options, const GainTables& tables,
+                                        const RawFrame& frame, Sheet& sheet, std::string& how) {
     if (!options.tables.empty()) {
         const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
-        scale_to_10_bits(frame);
-        correct(frame, tables, options.tables, isp);
-        rows.push_back(gain_row(tables, size));
         how = fmt::format("after {}", name_of(isp));
-        heading.push_back(fmt::format("corrected with {} as the {} ISP does", options.tables, name_of(isp)));
-    } else if (!options.corrected.empty()) {
-        frame = read_corrected(options, frame);
-        heading.push_back(fmt::format("corrected: {}", options.corrected));
-    } else {
-        return draw_sheet(heading, rows);
+        sheet.heading.push_back(
+            fmt::format("corrected with {} as the {} ISP does", options.tables, name_of(isp)));
+        return correct_capture(frame, tables, options.tables, isp);
     }
-    const Shown after = show(std::move(frame), pattern, size);
-    rows.push_back(illumination_row(how + ": relative illumination", after, low));
-    rows.push_back(residual_row(how, after));
-    return draw_sheet(heading, rows);
+    if (options.corrected.empty())
+        return {};
+    how = "after";
+    sheet.heading.push_back(fmt::format("corrected: {}", options.corrected));
+    return read_corrected(options, frame);
+}
+
+void report_shown(Report& report, const char* name, const Shown& shown) {
+    JsonValue channels = JsonValue::array();
+    for (const Colour colour : all_colours) {
+        JsonValue channel = json_of(colour, levels_of(shown.levels, shown.pattern, colour));
+        channel.add("clipped", rounded(shown.clipped_fraction[static_cast<size_t>(colour)]));
+        channels.add(std::move(channel));
+    }
+    report.add(name,
+               JsonValue::object({{"channels", std::move(channels)},
+                                  {"colour_shading", json_of_colour_shading(shown.levels, shown.pattern)}}));
+}
+
+// Says what the colours of the sheet do not.
+void finish(Report& report, Sheet& sheet, bool clipped) {
+    JsonValue rows = JsonValue::array();
+    for (PanelRow& row : sheet.rows) {
+        rows.add(JsonValue::object({{"title", row.title},
+                                    {"low", rounded(row.low)},
+                                    {"high", rounded(row.high)},
+                                    {"beyond_scale", rounded(row.beyond_scale())}}));
+        row.title += beyond_scale_text(row);
+    }
+    report.add("rows", std::move(rows));
+    if (clipped)
+        sheet.heading.emplace_back("magenta: clipped samples");
+}
+
+Sheet make_sheet(const Options& options, Report& report) {
+    const GainTables tables = options.tables.empty() ? GainTables() : read_table_json(options.tables);
+    const RawFrame frame = options.tables.empty() ? read_raw(options.raw, UnknownBlack::take_0)
+                                                  : read_raw_for(options.raw, tables, options.tables);
+    add_frame(report, frame);
+    const PanelSize size = panel_size(frame.width, frame.height);
+    const Shown before = show(frame, size);
+    report_shown(report, "before", before);
+    const double low = lowest_percent(before);
+    Sheet sheet{{describe(frame)}, {illumination_row("before: relative illumination", before, low)}};
+    sheet.heading[0].pop_back();
+    std::string how;
+    const auto corrected = corrected_frame(options, tables, frame, sheet, how);
+    const Shown after = corrected ? show(*corrected, size) : Shown();
+    if (!options.tables.empty())
+        sheet.rows.push_back(gain_row(tables, size));
+    if (corrected) {
+        report_shown(report, "after", after);
+        sheet.rows.push_back(illumination_row(how + ": relative illumination", after, low));
+        sheet.rows.push_back(residual_row(how, after));
+    }
+    sheet.rows.push_back(colour_row(before, corrected ? &after : nullptr, size));
+    finish(report, sheet, before.any_clipped() || (corrected && after.any_clipped()));
+    return sheet;
 }
 
 void run(const Options& options, Report& report) {
@@ -187,7 +121,8 @@ void run(const Options& options, Report& report) {
     keep_files_apart({options.raw.path, options.tables, options.corrected}, {options.output});
     const Progress progress("drawing " + options.output);
     report.add("output", options.output);
-    write_file(options.output, encode_png(draw(options, report)));
+    const Sheet sheet = make_sheet(options, report);
+    write_file(options.output, encode_png(draw_sheet(sheet.heading, sheet.rows)));
 }
 
 } // namespace
@@ -210,11 +145,14 @@ void add_preview(Command app) {
         .option("--corrected-black-level", options->corrected_black,
                 "its black level (from the PGM comment, else 0)")
         .needs(corrected);
-    command.footer("Each channel is drawn relative to its own brightest place, smoothed.\n\n"
-                   "Example:\n"
-                   "  zerklsc simulate -o flat.pgm\n"
-                   "  zerklsc calibrate flat.pgm -o tables.json\n"
-                   "  zerklsc preview flat.pgm --tables tables.json -o preview.png");
+    command.footer(
+        "Each channel is drawn relative to its own brightest place, smoothed; R/G and B/G against the "
+        "centre.\n"
+        "Clipped samples are magenta. A title says which part of its row lies beyond the colour scale.\n\n"
+        "Example:\n"
+        "  zerklsc simulate -o flat.pgm\n"
+        "  zerklsc calibrate flat.pgm -o tables.json\n"
+        "  zerklsc preview flat.pgm --tables tables.json -o preview.png");
     command.action([options](Report& report) { run(*options, report); });
 }
 

@@ -1,4 +1,4 @@
-// PlaneLevels, usual_blocks, measure_planes, colour_shading, clipped_fraction
+// PlaneLevels, usual_blocks, measure_planes, levels_of, colour_changes, colour_shading, clipped_fraction
 #include "imaging/levels.h"
 
 #include <algorithm>
@@ -146,18 +146,29 @@ FrameLevels measure_planes(const RawFrame& frame, const BlackLevel& black, int b
     return levels;
 }
 
-Deviation colour_shading(const FrameLevels& levels, BayerPattern pattern, Colour colour) {
-    const auto of = [&](Colour c) -> const PlaneLevels& {
-        return levels[static_cast<size_t>(plane_of_colour(pattern, c))];
-    };
-    const PlaneLevels &own = of(colour), &gr = of(Colour::gr), &gb = of(Colour::gb);
+const PlaneLevels& levels_of(const FrameLevels& levels, BayerPattern pattern, Colour colour) {
+    return levels[static_cast<size_t>(plane_of_colour(pattern, colour))];
+}
+
+BlockMeans colour_changes(const FrameLevels& levels, BayerPattern pattern, Colour colour) {
+    const PlaneLevels& own = levels_of(levels, pattern, colour);
+    const PlaneLevels &gr = levels_of(levels, pattern, Colour::gr),
+                      &gb = levels_of(levels, pattern, Colour::gb);
     const double centre_green = gr.centre() + gb.centre();
-    if (!(own.centre() > 0 && centre_green > 0))
-        return {};
-    return largest_deviation(own, [&](int i, int j) {
-        const double green = gr.fine.at(i, j) + gb.fine.at(i, j);
-        return green > 0 ? own.fine.at(i, j) / green / (own.centre() / centre_green) - 1 : 0;
-    });
+    const bool has_light = own.centre() > 0 && centre_green > 0;
+    BlockMeans changes = own.fine;
+    for (size_t i = 0; i < changes.values.size(); ++i) {
+        const double green = gr.fine.values[i] + gb.fine.values[i];
+        changes.values[i] =
+            has_light && green > 0 ? own.fine.values[i] / green / (own.centre() / centre_green) - 1 : 0;
+    }
+    return changes;
+}
+
+Deviation colour_shading(const FrameLevels& levels, BayerPattern pattern, Colour colour) {
+    const BlockMeans changes = colour_changes(levels, pattern, colour);
+    return largest_deviation(levels_of(levels, pattern, colour),
+                             [&](int i, int j) { return changes.at(i, j); });
 }
 
 double clipped_fraction(const RawFrame& frame, int plane) {

@@ -8,7 +8,7 @@
 
 namespace zerklsc::tool {
 
-// The means of the blocks that a plane is divided into, row by row.
+// The means, or other numbers, of the blocks that a plane is divided into, row by row.
 struct BlockMeans {
     int columns = 0;
     int rows = 0;
@@ -52,8 +52,13 @@ int usual_blocks(const RawDescription& frame);
 // What is above `black`; the planes must have at least `blocks` samples each way.
 FrameLevels measure_planes(const RawFrame& frame, const BlackLevel& black, int blocks);
 
-// The largest change of `colour` against green from the centre: how far (colour / green) of a fine block is
-// from that of the centre, as a fraction. Green is the mean of both. 0 where the centre is black.
+const PlaneLevels& levels_of(const FrameLevels& levels, BayerPattern pattern, Colour colour);
+
+// How far (colour / green) of each fine block is from that of the centre, as a fraction. Green is the mean of
+// both. 0 where the block or the centre is black.
+BlockMeans colour_changes(const FrameLevels& levels, BayerPattern pattern, Colour colour);
+
+// The largest of these.
 Deviation colour_shading(const FrameLevels& levels, BayerPattern pattern, Colour colour);
 
 // The part of a plane's samples that stand at the white level, before black is taken off.

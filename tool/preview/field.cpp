@@ -1,4 +1,4 @@
-// Field, brightness_field, gain_field
+// Field, brightness_field, clipped_places, block_field, gain_field
 #include "preview/field.h"
 
 #include <algorithm>
@@ -9,16 +9,35 @@
 namespace zerklsc::tool {
 namespace {
 
-// The mean of the plane's samples that fall on one drawn pixel: one at least.
-double mean_under(const RawFrame& frame, int plane, const Field& field, int x, int y) {
-    const int w = frame.width / 2, h = frame.height / 2;
-    const int x0 = x * w / field.width, x1 = std::max((x + 1) * w / field.width, x0 + 1);
-    const int y0 = y * h / field.height, y1 = std::max((y + 1) * h / field.height, y0 + 1);
+// The samples of a plane that fall on one drawn pixel: one at least.
+struct SamplesUnder {
+    int x0, x1, y0, y1;
+
+    SamplesUnder(const RawFrame& frame, PanelSize size, int x, int y) {
+        const int w = frame.width / 2, h = frame.height / 2;
+        x0 = x * w / size.width, x1 = std::max((x + 1) * w / size.width, x0 + 1);
+        y0 = y * h / size.height, y1 = std::max((y + 1) * h / size.height, y0 + 1);
+    }
+    double count() const { return double(x1 - x0) * (y1 - y0); }
+};
+
+// The mean of what is above `black`.
+double mean_of(const RawFrame& frame, int plane, const SamplesUnder& under, int black) {
     uint64_t sum = 0;
-    for (int j = y0; j < y1; ++j)
-        for (int i = x0; i < x1; ++i)
-            sum += frame.at(2 * i + (plane & 1), 2 * j + (plane >> 1));
-    return static_cast<double>(sum) / ((x1 - x0) * (y1 - y0));
+    for (int j = under.y0; j < under.y1; ++j)
+        for (int i = under.x0; i < under.x1; ++i) {
+            const int light = frame.at(2 * i + (plane & 1), 2 * j + (plane >> 1)) - black;
+            sum += static_cast<uint64_t>(std::max(light, 0));
+        }
+    return static_cast<double>(sum) / under.count();
+}
+
+bool any_clipped(const RawFrame& frame, int plane, const SamplesUnder& under) {
+    for (int j = under.y0; j < under.y1; ++j)
+        for (int i = under.x0; i < under.x1; ++i)
+            if (frame.at(2 * i + (plane & 1), 2 * j + (plane >> 1)) >= frame.white_level())
+                return true;
+    return false;
 }
 
 // Replaces each value by the mean over a window that is cut off at the edges.
@@ -42,6 +61,16 @@ double table_gain(const GainTables& tables, int plane, int i, int j) {
     return tables.gains[static_cast<size_t>(plane)][at] / double{ZERKLSC_UNITY_GAIN};
 }
 
+// Between the values of `at(i, j)` around (u, v).
+template <class F>
+double bilinear(double u, double v, F at) {
+    const int i = static_cast<int>(u), j = static_cast<int>(v);
+    const double fu = u - i, fv = v - j;
+    const double above = at(i, j) * (1 - fu) + at(i + 1, j) * fu;
+    const double below = at(i, j + 1) * (1 - fu) + at(i + 1, j + 1) * fu;
+    return above * (1 - fv) + below * fv;
+}
+
 } // namespace
 
 double Field::smallest() const {
@@ -63,28 +92,46 @@ Field Field::scaled(double factor) const {
     return result;
 }
 
-Field brightness_field(const RawFrame& frame, int plane, int width, int height) {
-    Field field{width, height, {}};
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            field.values.push_back(mean_under(frame, plane, field, x, y));
+Field brightness_field(const RawFrame& frame, int plane, int black, PanelSize size) {
+    Field field{size.width, size.height, {}};
+    for (int y = 0; y < size.height; ++y)
+        for (int x = 0; x < size.width; ++x)
+            field.values.push_back(mean_of(frame, plane, SamplesUnder(frame, size, x, y), black));
     constexpr int radius = 3;
     return smoothed(smoothed(field, radius), radius);
 }
 
-Field gain_field(const GainTables& tables, int plane, int width, int height) {
-    Field field{width, height, {}};
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            const double u = (x + 0.5) * tables.plane_width() / width / tables.step;
-            const double v = (y + 0.5) * tables.plane_height() / height / tables.step;
-            const int i = static_cast<int>(u), j = static_cast<int>(v);
-            const double fu = u - i, fv = v - j;
-            const double above =
-                table_gain(tables, plane, i, j) * (1 - fu) + table_gain(tables, plane, i + 1, j) * fu;
-            const double below =
-                table_gain(tables, plane, i, j + 1) * (1 - fu) + table_gain(tables, plane, i + 1, j + 1) * fu;
-            field.values.push_back(above * (1 - fv) + below * fv);
+std::vector<bool> clipped_places(const RawFrame& frame, int plane, PanelSize size) {
+    std::vector<bool> places;
+    for (int y = 0; y < size.height; ++y)
+        for (int x = 0; x < size.width; ++x)
+            places.push_back(any_clipped(frame, plane, SamplesUnder(frame, size, x, y)));
+    return places;
+}
+
+Field block_field(const BlockMeans& blocks, PanelSize size) {
+    Field field{size.width, size.height, {}};
+    for (int y = 0; y < size.height; ++y)
+        for (int x = 0; x < size.width; ++x) {
+            // Half a block beyond the middles of the outermost blocks, these go on.
+            const double u =
+                std::clamp((x + 0.5) * blocks.columns / size.width - 0.5, 0.0, blocks.columns - 1.0);
+            const double v = std::clamp((y + 0.5) * blocks.rows / size.height - 0.5, 0.0, blocks.rows - 1.0);
+            field.values.push_back(bilinear(u, v, [&](int i, int j) {
+                return blocks.at(std::min(i, blocks.columns - 1), std::min(j, blocks.rows - 1));
+            }));
+        }
+    return field;
+}
+
+Field gain_field(const GainTables& tables, int plane, PanelSize size) {
+    Field field{size.width, size.height, {}};
+    for (int y = 0; y < size.height; ++y)
+        for (int x = 0; x < size.width; ++x) {
+            const double u = (x + 0.5) * tables.plane_width() / size.width / tables.step;
+            const double v = (y + 0.5) * tables.plane_height() / size.height / tables.step;
+            field.values.push_back(
+                bilinear(u, v, [&](int i, int j) { return table_gain(tables, plane, i, j); }));
         }
     return field;
 }

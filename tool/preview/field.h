@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "imaging/gain_tables.h"
+#include "imaging/levels.h"
 #include "imaging/raw_frame.h"
 
 namespace zerklsc::tool {
@@ -22,10 +23,20 @@ struct Field {
     Field scaled(double factor) const;
 };
 
-// The plane's brightness, averaged so far that noise does not show.
-Field brightness_field(const RawFrame& frame, int plane, int width, int height);
+struct PanelSize {
+    int width, height;
+};
+
+// The plane's brightness above `black`, averaged so far that noise does not show.
+Field brightness_field(const RawFrame& frame, int plane, int black, PanelSize size);
+
+// Which pixels of such a field, row by row, lie over a sample of the plane at the white level.
+std::vector<bool> clipped_places(const RawFrame& frame, int plane, PanelSize size);
+
+// Numbers of blocks, with a straight line from the middle of one to the next.
+Field block_field(const BlockMeans& blocks, PanelSize size);
 
 // The plane's gains between the nodes.
-Field gain_field(const GainTables& tables, int plane, int width, int height);
+Field gain_field(const GainTables& tables, int plane, PanelSize size);
 
 } // namespace zerklsc::tool

@@ -1,4 +1,4 @@
-// draw_sheet, panel_size
+// draw_sheet, draw_map, draw_scale_strip, panel_size
 #include "preview/sheet.h"
 
 #include <algorithm>
@@ -12,6 +12,7 @@ namespace {
 constexpr Rgb paper{250, 250, 248};
 constexpr Rgb ink{38, 40, 46};
 constexpr Rgb faint_ink{120, 124, 132};
+constexpr Rgb clipping_ink{214, 0, 158}; // in neither colour map
 
 constexpr int margin = 28;
 constexpr int gap = 18;     // between columns
@@ -44,15 +45,24 @@ bool crosses_contour(const PanelRow& row, const Field& field, int x, int y) {
     return band(x, y) != band(x + 1, y) || band(x, y) != band(x, y + 1);
 }
 
-void draw_panel(Canvas& canvas, int left, int top, const PanelRow& row, const Panel& panel) {
+void draw_field(Canvas& canvas, int left, int top, const PanelRow& row, const Panel& panel) {
     const Field& field = panel.field;
     for (int y = 0; y < field.height; ++y)
         for (int x = 0; x < field.width; ++x) {
             const Rgb colour = colour_of(row, field.at(x, y));
-            canvas.set(left + x, top + y, crosses_contour(row, field, x, y) ? darker(colour) : colour);
+            const bool clipped =
+                !panel.clipped.empty() && panel.clipped[static_cast<size_t>(y * field.width + x)];
+            canvas.set(left + x, top + y,
+                       clipped                             ? clipping_ink
+                       : crosses_contour(row, field, x, y) ? darker(colour)
+                                                           : colour);
         }
-    canvas.frame({left, top, field.width, field.height}, faint_ink);
-    canvas.text(left, top + field.height + 8, panel.caption, ink);
+}
+
+void draw_panel(Canvas& canvas, int left, int top, const PanelRow& row, const Panel& panel) {
+    draw_field(canvas, left, top, row, panel);
+    canvas.frame({left, top, panel.field.width, panel.field.height}, faint_ink);
+    canvas.text(left, top + panel.field.height + 8, panel.caption, ink);
 }
 
 void draw_scale(Canvas& canvas, int left, int top, int height, const PanelRow& row) {
@@ -77,6 +87,20 @@ PanelSize panel_size(int frame_width, int frame_height) {
             std::max(static_cast<int>(frame_height * shrink), 16)};
 }
 
+Canvas draw_map(const PanelRow& row, const Panel& panel) {
+    Canvas canvas(panel.field.width, panel.field.height, paper);
+    draw_field(canvas, 0, 0, row, panel);
+    return canvas;
+}
+
+Canvas draw_scale_strip(const PanelRow& row) {
+    constexpr int length = 256;
+    Canvas canvas(length, 1, paper);
+    for (int x = 0; x < length; ++x)
+        canvas.set(x, 0, colour_of(row, row.low + (x + 0.5) / length * (row.high - row.low)));
+    return canvas;
+}
+
 Canvas draw_sheet(const std::vector<std::string>& heading, const std::vector<PanelRow>& rows) {
     const Field& first = rows.front().panels[0].field;
     const int column = first.width + gap;
@@ -94,8 +118,8 @@ Canvas draw_sheet(const std::vector<std::string>& heading, const std::vector<Pan
     for (const PanelRow& row : rows) {
         canvas.text(margin, y, row.title, ink);
         const int top = y + line_height;
-        for (int i = 0; i < 4; ++i)
-            draw_panel(canvas, margin + i * column, top, row, row.panels[static_cast<size_t>(i)]);
+        for (size_t i = 0; i < row.panels.size(); ++i)
+            draw_panel(canvas, margin + static_cast<int>(i) * column, top, row, row.panels[i]);
         draw_scale(canvas, margin + 4 * column, top, first.height, row);
         y += row_height;
     }
