@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that a step of the build needs and the machine lacks: install-packages.sh STEP...
 #   build    the library, the tool and the tests
-#   ci       sanitizers with a second compiler, cross compilers and emulators
+#   ci       sanitizers with a second compiler, cross compilers and emulators, a browser for the report
 #   lint     what looks at the sources: formatting, faults, scripts, the reference of the header
 #   package  Debian's tools for packages
 #   bench    the libraries that the benchmark compares with
@@ -9,8 +9,8 @@ set -eu
 
 packages_of() {
     case $1 in
-    build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev libtiff-dev libraw-dev libgtest-dev python3 scdoc mandoc zsh ;;
-    ci) echo clang libclang-rt-14-dev abigail-tools darktable libimage-exiftool-perl googletest qemu-user \
+    build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev nettle-dev libtiff-dev libraw-dev libgtest-dev python3 scdoc mandoc zsh ;;
+    ci) echo clang libclang-rt-14-dev abigail-tools darktable libimage-exiftool-perl chromium chromium-driver googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu ;;
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;

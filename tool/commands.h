@@ -15,6 +15,7 @@ void add_compare(Command app);
 void add_info(Command app);
 void add_measure(Command app);
 void add_preview(Command app);
+void add_report(Command app);
 void add_resample(Command app);
 void add_otp(Command app);
 

@@ -39,6 +39,7 @@ void add_commands(Command program) {
     add_info(program);
     add_measure(program);
     add_preview(program);
+    add_report(program);
     add_resample(program);
     add_otp(program);
 }

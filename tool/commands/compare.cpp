@@ -50,19 +50,16 @@ Shading shading_of(const FrameLevels& levels) {
     return shading;
 }
 
-double otp_loss(const GainTables& tables, int mode) {
-    GainTables decoded = tables;
-    decode_stream(encode_stream(tables, mode), "the OTP stream", decoded);
-    return loss_of(tables, decoded, mode).worst();
-}
-
 // `light` is the capture, black level taken off.
 Outcome try_method(const RawFrame& capture, const RawFrame& light, const CalibrationSettings& settings) {
     check_grid_options(light, settings);
     const GainTables tables = calibrate(light, *capture.pattern, *capture.black, settings);
     const FrameLevels after =
         predict_levels(capture, tables, "the calibrated tables", isp_of_algorithm(settings.algorithm));
-    Outcome outcome{settings.algorithm, shading_of(after), 0, {otp_loss(tables, 0), otp_loss(tables, 1)}};
+    Outcome outcome{settings.algorithm,
+                    shading_of(after),
+                    0,
+                    {stream_loss(tables, 0).worst(), stream_loss(tables, 1).worst()}};
     for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane)
         outcome.largest_gain = std::max(outcome.largest_gain, tables.largest_gain(plane));
     return outcome;

@@ -48,6 +48,17 @@ JsonValue json_of_colour_shading(const FrameLevels& levels, BayerPattern pattern
                               {"b_to_g", json_of(colour_shading(levels, pattern, Colour::b))}});
 }
 
+JsonValue json_of(const StreamLoss& loss) {
+    JsonValue channels = JsonValue::array();
+    for (const Colour colour : all_colours) {
+        const auto i = static_cast<size_t>(colour);
+        channels.add(JsonValue::object({{"colour", name_of(colour)},
+                                        {"saturated_fields", loss.saturated[i]},
+                                        {"largest_gain_error", rounded(loss.largest_error[i])}}));
+    }
+    return channels;
+}
+
 void add_written_tables(Report& report, const std::string& path, const GainTables& tables) {
     report.print(fmt::format("{}: tables of {} x {} for frames of {} x {}, step {}\n", one_line(path),
                              tables.table_width, tables.table_height, tables.raw_width, tables.raw_height,

@@ -7,6 +7,7 @@
 #include "commands/report.h"
 #include "imaging/gain_tables.h"
 #include "imaging/levels.h"
+#include "imaging/otp_stream.h"
 #include "imaging/raw_frame.h"
 
 namespace zerklsc::tool {
@@ -24,6 +25,9 @@ JsonValue json_of(const Deviation& deviation);
 // What is measured of a channel, and of the colours against each other, as JSON.
 JsonValue json_of(Colour colour, const PlaneLevels& levels);
 JsonValue json_of_colour_shading(const FrameLevels& levels, BayerPattern pattern);
+
+// The channels of a stream that has lost this, as JSON.
+JsonValue json_of(const StreamLoss& loss);
 
 // Tables that were written to `path`: a line, and the fields of the document.
 void add_written_tables(Report& report, const std::string& path, const GainTables& tables);

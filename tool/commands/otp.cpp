@@ -61,21 +61,17 @@ void add_loss(Report& report, const GainTables& tables, int mode, size_t size, c
     report.print(fmt::format("mode {}, {} bytes for {} nodes, {} of them not stored\n", mode, size,
                              inner_nodes(tables), unstored_nodes(tables, mode)));
     std::vector<std::vector<std::string>> rows{{"channel", "saturated fields", "largest gain error"}};
-    JsonValue channels = JsonValue::array();
     for (const Colour colour : all_colours) {
         const auto i = static_cast<size_t>(colour);
         rows.push_back(
             {name_of(colour), fmt::format("{}", loss.saturated[i]), percent(loss.largest_error[i])});
-        channels.add(JsonValue::object({{"colour", name_of(colour)},
-                                        {"saturated_fields", loss.saturated[i]},
-                                        {"largest_gain_error", rounded(loss.largest_error[i])}}));
     }
     report.print(text_table(rows));
     report.add("mode", mode);
     report.add("stream_size", size);
     report.add("nodes", inner_nodes(tables));
     report.add("unstored_nodes", unstored_nodes(tables, mode));
-    report.add("channels", std::move(channels));
+    report.add("channels", json_of(loss));
 }
 
 // Why a stream loses more than rounding does, and what helps.

@@ -136,4 +136,10 @@ StreamLoss loss_of(const GainTables& tables, const GainTables& decoded, int mode
     return loss;
 }
 
+StreamLoss stream_loss(const GainTables& tables, int mode) {
+    GainTables decoded = tables;
+    decode_stream(encode_stream(tables, mode), "the OTP stream", decoded);
+    return loss_of(tables, decoded, mode);
+}
+
 } // namespace zerklsc::tool

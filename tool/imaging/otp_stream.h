@@ -37,6 +37,9 @@ struct StreamLoss {
     double worst() const;
 };
 
+// What a stream of `mode` loses of `tables`.
+StreamLoss stream_loss(const GainTables& tables, int mode);
+
 // What a stream of `mode` that decodes to `decoded` has lost of `tables`.
 StreamLoss loss_of(const GainTables& tables, const GainTables& decoded, int mode);
 

@@ -79,6 +79,15 @@ void draw_scale(Canvas& canvas, int left, int top, int height, const PanelRow& r
     }
 }
 
+// A panel or its caption.
+int widest_column(const std::vector<PanelRow>& rows) {
+    int widest = 0;
+    for (const PanelRow& row : rows)
+        for (const Panel& panel : row.panels)
+            widest = std::max({widest, panel.field.width, text_width(panel.caption)});
+    return widest;
+}
+
 } // namespace
 
 PanelSize panel_size(int frame_width, int frame_height) {
@@ -103,7 +112,7 @@ Canvas draw_scale_strip(const PanelRow& row) {
 
 Canvas draw_sheet(const std::vector<std::string>& heading, const std::vector<PanelRow>& rows) {
     const Field& first = rows.front().panels[0].field;
-    const int column = first.width + gap;
+    const int column = widest_column(rows) + gap;
     const int row_height = line_height + first.height + line_height + row_gap;
     const int width = 2 * margin + 4 * column + scale_width + 11 + scale_label_width;
     const int height = 2 * margin + static_cast<int>(heading.size()) * line_height + gap

@@ -1,0 +1,108 @@
+// zerklsc report: everything about a module's calibration on one page
+#include <memory>
+
+#include <fmt/format.h>
+
+#include "commands.h"
+#include "commands/frame_text.h"
+#include "commands/raw_options.h"
+#include "commands/report.h"
+#include "failure.h"
+#include "imaging/prediction.h"
+#include "io/file_identity.h"
+#include "io/output_set.h"
+#include "io/sha256.h"
+#include "io/table_json.h"
+#include "preview/rows.h"
+#include "preview/sheet.h"
+#include "report/document.h"
+#include "report/page.h"
+#include "terminal.h"
+
+namespace zerklsc::tool {
+namespace {
+
+struct Options {
+    RawOptions raw;
+    std::string tables, isp, output;
+};
+
+JsonValue input_of(const char* role, const std::string& path) {
+    const JsonValue hash = path == "-" ? JsonValue::null() : JsonValue(sha256_of_file(path));
+    return JsonValue::object({{"role", role}, {"path", path}, {"sha256", hash}});
+}
+
+void add_parameters(Report& report, const Options& options, const GainTables& tables, Isp isp) {
+    report.add("program", "zerklsc " ZERKLSC_VERSION);
+    report.add("inputs", JsonValue::array(
+                             {input_of("flat field", options.raw.path), input_of("tables", options.tables)}));
+    report.add("algorithm", algorithm_name(tables.algorithm));
+    report.add("step", tables.step);
+    report.add("filter_radius", tables.filter_radius);
+    report.add("shading_percent", tables.shading_percent);
+    report.add("table_size", JsonValue::array({tables.table_width, tables.table_height}));
+    report.add("isp", name_of(isp));
+}
+
+void add_measures(Report& report, const GainTables& tables, const Shown& before, const Shown& after) {
+    report.add("channels", channels_of(before.levels, after.levels, tables));
+    report.add("colour_shading",
+               JsonValue::object({{"before", json_of_colour_shading(before.levels, before.pattern)},
+                                  {"after", json_of_colour_shading(after.levels, after.pattern)}}));
+    report.add("otp", otp_of(tables));
+    report.add("sections", sections_of(before.levels, after.levels, tables.pattern));
+    report.print(fmt::format("flat to {} before and {} after correction, the worst channel\n",
+                             percent(worst_flatness(before.levels)), percent(worst_flatness(after.levels))));
+}
+
+std::vector<PanelRow> maps_of(const GainTables& tables, const Shown& before, const Shown& after,
+                              PanelSize size) {
+    const double low = lowest_percent(before);
+    return {illumination_row("relative illumination before", before, low), gain_row(tables, size),
+            illumination_row("relative illumination after", after, low), residual_row("after", after),
+            colour_row(before, &after, size)};
+}
+
+void run(const Options& options, Report& report) {
+    if (options.output != "-" && extension_of(options.output) != ".html")
+        usage_failure("{}: a report is written as HTML: give a name that ends in .html", options.output);
+    keep_files_apart({options.raw.path, options.tables}, {options.output});
+    const GainTables tables = read_table_json(options.tables);
+    const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
+    const RawFrame frame = read_raw_for(options.raw, tables, options.tables);
+    const Progress progress("writing " + options.output);
+    add_frame(report, frame);
+    report.print(describe(frame));
+    add_parameters(report, options, tables, isp);
+    const PanelSize size = panel_size(frame.width, frame.height);
+    const Shown before = show(frame, size);
+    const Shown after = show(correct_capture(frame, tables, options.tables, isp), size);
+    add_measures(report, tables, before, after);
+    write_file(options.output,
+               encode_page(report.json(exit_success, ""), maps_of(tables, before, after, size)));
+}
+
+} // namespace
+
+void add_report(Command app) {
+    auto options = std::make_shared<Options>();
+    Command command =
+        app.subcommand("report", "Put all about a module's calibration on one page that opens offline");
+    add_raw_options(command, options->raw, "flat");
+    command.option("--tables", options->tables, "table file of the module").required().takes("FILE");
+    command
+        .option("--isp", options->isp, "ISP that corrects (default: the one that the tables were made for)")
+        .takes("{tvessa2,vessal2}");
+    command.option("-o,--output", options->output, "page to write (HTML)").required().takes("FILE");
+    command.footer("The page holds maps, cross-sections and numbers before and after the correction by the "
+                   "exact model\n"
+                   "of the ISP, and asks for nothing from anywhere. --json prints the numbers that stand on "
+                   "it.\n\n"
+                   "Example:\n"
+                   "  zerklsc simulate -o flat.pgm\n"
+                   "  zerklsc calibrate flat.pgm -o tables.json\n"
+                   "  zerklsc report flat.pgm --tables tables.json -o report.html");
+    command.action([options](Report& report) { run(*options, report); });
+}
+
+} // namespace zerklsc::tool

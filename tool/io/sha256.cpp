@@ -1,0 +1,31 @@
+// sha256_of_file
+#include "io/sha256.h"
+
+#include <array>
+
+#include <fmt/format.h>
+#include <nettle/sha2.h>
+
+#include "io/input_file.h"
+
+namespace zerklsc::tool {
+
+std::string sha256_of_file(const std::string& path) {
+    InputFile file(path);
+    sha256_ctx context;
+    sha256_init(&context);
+    std::vector<std::byte> block(size_t{1} << 16);
+    uint64_t offset = 0;
+    while (const size_t length = file.read_some(offset, block)) {
+        sha256_update(&context, length, reinterpret_cast<const uint8_t*>(block.data()));
+        offset += length;
+    }
+    std::array<uint8_t, SHA256_DIGEST_SIZE> digest{};
+    sha256_digest(&context, digest.size(), digest.data());
+    std::string text;
+    for (const uint8_t byte : digest)
+        text += fmt::format("{:02x}", byte);
+    return text;
+}
+
+} // namespace zerklsc::tool

@@ -1,0 +1,76 @@
+// encode_page
+#include "report/page.h"
+
+#include "io/json_value.h"
+#include "preview/png.h"
+#include "preview/sheet.h"
+#include "report/page_parts.h"
+
+namespace zerklsc::tool {
+namespace {
+
+// RFC 4648.
+std::string base64(const std::string& bytes) {
+    constexpr const char* digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (size_t i = 0; i < bytes.size(); i += 3) {
+        const auto at = [&](size_t k) {
+            return k < bytes.size() ? uint32_t{static_cast<uint8_t>(bytes[k])} : 0U;
+        };
+        const uint32_t bits = at(i) << 16 | at(i + 1) << 8 | at(i + 2);
+        for (int shift = 18; shift >= 0; shift -= 6)
+            text += digits[bits >> shift & 63];
+    }
+    const size_t padding = (3 - bytes.size() % 3) % 3;
+    return text.replace(text.size() - padding, padding, padding, '=');
+}
+
+std::string data_uri(const Canvas& canvas) {
+    return "data:image/png;base64," + base64(encode_png(canvas));
+}
+
+JsonValue maps_of(const std::vector<PanelRow>& rows) {
+    JsonValue list = JsonValue::array();
+    for (const PanelRow& row : rows) {
+        JsonValue panels = JsonValue::array();
+        for (const Panel& panel : row.panels)
+            panels.add(JsonValue::object({{"caption", panel.caption},
+                                          {"width", panel.field.width},
+                                          {"height", panel.field.height},
+                                          {"image", data_uri(draw_map(row, panel))}}));
+        list.add(JsonValue::object({{"title", row.title + beyond_scale_text(row)},
+                                    {"scale", data_uri(draw_scale_strip(row))},
+                                    {"labels", JsonValue::list(row.labels)},
+                                    {"panels", std::move(panels)}}));
+    }
+    return list;
+}
+
+// JSON that stays inside its script element: "<" only stands inside its strings.
+std::string inside_script(const std::string& json) {
+    std::string text;
+    for (const char c : json)
+        text += c == '<' ? std::string("\\u003c") : std::string(1, c);
+    return text;
+}
+
+} // namespace
+
+std::string encode_page(const std::string& document, const std::vector<PanelRow>& rows) {
+    const std::pair<std::string, std::string> fillings[] = {
+        {"{{style}}", std::string(page_parts::uplot_style) + page_parts::style},
+        {"{{document}}", inside_script(document)},
+        {"{{maps}}", inside_script(maps_of(rows).text())},
+        {"{{uplot}}", page_parts::uplot_script},
+        {"{{script}}", page_parts::script}};
+    // From mark to mark, so that no mark is looked for in what has been filled in.
+    std::string page, rest = page_parts::page_template;
+    for (const auto& [mark, filling] : fillings) {
+        const size_t at = rest.find(mark);
+        page += rest.substr(0, at) + filling;
+        rest.erase(0, at + mark.size());
+    }
+    return page + rest;
+}
+
+} // namespace zerklsc::tool
