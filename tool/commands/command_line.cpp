@@ -158,6 +158,11 @@ Option Command::option(const char* names, std::vector<std::string>& variable,
     return Option(app_->add_option(names, variable, description));
 }
 
+Option Command::repeated(const char* names, std::vector<std::string>& variable,
+                         const std::string& description) {
+    return Option(app_->add_option(names, variable, description)->allow_extra_args(false));
+}
+
 Option Command::flag(const char* names, bool& variable, const std::string& description) {
     return Option(app_->add_flag(names, variable, description));
 }

@@ -61,6 +61,8 @@ class Command {
     Option option(const char* names, std::string& variable, const std::string& description);
     // Several values, for a positional argument all that are left.
     Option option(const char* names, std::vector<std::string>& variable, const std::string& description);
+    // An option that may be given again, with one word each time.
+    Option repeated(const char* names, std::vector<std::string>& variable, const std::string& description);
     Option flag(const char* names, bool& variable, const std::string& description);
 
     Command subcommand(const char* name, const char* description);

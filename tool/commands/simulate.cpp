@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <memory>
 
+#include <fmt/format.h>
+
 #include "commands.h"
 #include "commands/frame_text.h"
 #include "commands/number_list.h"
@@ -21,14 +23,19 @@ struct Options {
     std::string pattern = "RGGB";
     std::string corners = "34,40,41,45";
     std::string centre = "51.5,48";
+    std::string colours = "62,100,100,70";
+    std::vector<std::string> faults;
     std::string output;
 };
 
 void run(const Options& options, Report& report) {
     SimulationSettings settings = options.settings;
     settings.pattern = pattern_of_option(options.pattern);
-    std::ranges::copy(number_list("--corners", options.corners, 4, 1, 100), settings.corners.begin());
+    std::ranges::copy(number_list("--corners", options.corners, 4, 1, 199), settings.corners.begin());
     std::ranges::copy(number_list("--centre", options.centre, 2, 0, 100), settings.centre.begin());
+    std::ranges::copy(number_list("--colours", options.colours, 4, 0, 1000), settings.colour_levels.begin());
+    for (const std::string& fault : options.faults)
+        settings.faults.push_back(fault_from(fault));
     check_even(settings.width, settings.height);
     if (settings.black >= (1 << settings.bits) - 1)
         usage_failure("--black-level: {} leaves no range below the full scale of {}: give a lower level",
@@ -57,6 +64,9 @@ void add_sensor_options(Command command, Options& options) {
     command.option("--defects", s.defects, "pixels stuck at 0 or at full scale")
         .range(0, 1000000)
         .show_default();
+    command.option("--response", s.response, "deviation of the pixels' sensitivities, percent")
+        .range(0.0, 50.0)
+        .show_default();
     command.option("--seed", s.seed, "another seed is another noise, dust and defects").show_default();
 }
 
@@ -70,7 +80,19 @@ void add_lens_options(Command command, Options& options) {
         .show_default();
     command.option("--centre", options.centre, "optical centre X,Y, percent of width and height")
         .show_default();
+    command.option("--colours", options.colours, "level of R,Gr,Gb,B, percent of green").show_default();
+    command.option("--wave", s.wave, "how far the shading of a small lens waves about the cos^4 law, percent")
+        .range(0.0, 50.0)
+        .show_default();
     command.option("--dust", s.dust, "soft dark spots").range(0, 10000).show_default();
+}
+
+std::string list_of_faults() {
+    std::string text =
+        "Faults, as --fault uneven=40; the number after the name is what is taken without one:\n";
+    for (const FaultKind& kind : fault_kinds())
+        text += fmt::format("  {:<24} {}\n", fmt::format("{}={}", kind.name, kind.usual), kind.description);
+    return text + "\n";
 }
 
 } // namespace
@@ -85,10 +107,11 @@ void add_simulate(Command app) {
         .takes("FILE");
     add_sensor_options(command, *options);
     add_lens_options(command, *options);
-    command.footer("The same options give the same bytes on every machine.\n\n"
-                   "Example:\n"
-                   "  zerklsc simulate -o flat.pgm\n"
-                   "  zerklsc simulate --width 2104 --height 1560 --dust 20 --seed 7 -o dusty.pgm");
+    command.repeated("--fault", options->faults, "something that spoils the capture; may be given again");
+    command.footer("The same options give the same bytes on every machine.\n\n" + list_of_faults()
+                   + "Example:\n"
+                     "  zerklsc simulate -o flat.pgm\n"
+                     "  zerklsc simulate --width 2104 --height 1560 --dust 20 --seed 7 -o dusty.pgm");
     command.action([options](Report& report) { run(*options, report); });
 }
 

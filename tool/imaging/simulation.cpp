@@ -11,34 +11,40 @@ namespace {
 
 // Streams of random numbers, told apart by what they are for.
 enum Stream : uint64_t { noise_stream, dust_stream, defect_stream, stream_count };
+// The pixels' own sensitivities are the sensor's, whatever the seed.
+constexpr uint64_t response_stream = ~uint64_t{0};
 
 uint64_t stream_of(const SimulationSettings& settings, Stream use) {
     return settings.seed * stream_count + use;
 }
 
-// How bright the colours are beside green, as under daylight.
-double colour_level(Colour colour) {
-    return colour == Colour::r ? 0.62 : colour == Colour::b ? 0.7 : 1.0;
-}
-
-// The cos^4 law: with t = (distance from the optical centre) / (focal length), cos^4 is 1 / (1 + t^2)^2.
+// The cos^4 law: with t = (distance from the optical centre) / (focal length), cos^4 is 1 / (1 + t^2)^2. A
+// corner brighter than the centre takes 2 minus that. The wave is 0 at the centre, half-way and at the
+// corner.
 class FallOff {
   public:
     FallOff(const SimulationSettings& settings, double corner_percent)
-        : x_(settings.centre[0] / 100 * settings.width), y_(settings.centre[1] / 100 * settings.height) {
+        : x_(settings.centre[0] / 100 * settings.width), y_(settings.centre[1] / 100 * settings.height),
+          wave_(settings.wave / 100 * wave_peak) {
         const double half_w = settings.width / 2.0, half_h = settings.height / 2.0;
-        const double t2_corner = 1 / std::sqrt(corner_percent / 100) - 1;
-        t2_per_pixel_ = t2_corner / (half_w * half_w + half_h * half_h);
+        rising_ = corner_percent > 100;
+        const double corner = (rising_ ? 200 - corner_percent : corner_percent) / 100;
+        s_per_pixel_ = 1 / (half_w * half_w + half_h * half_h);
+        t2_corner_ = 1 / std::sqrt(corner) - 1;
     }
 
     double at(int x, int y) const {
         const double dx = x - x_, dy = y - y_;
-        const double s = 1 + (dx * dx + dy * dy) * t2_per_pixel_;
-        return 1 / (s * s);
+        const double s = (dx * dx + dy * dy) * s_per_pixel_;
+        const double t = 1 + s * t2_corner_;
+        const double law = rising_ ? 2 - 1 / (t * t) : 1 / (t * t);
+        return law * (1 + wave_ * s * (1 - s) * (1 - 2 * s));
     }
 
   private:
-    double x_, y_, t2_per_pixel_;
+    static constexpr double wave_peak = 10.392; // 1 over the largest s (1 - s) (1 - 2 s) between 0 and 1
+    double x_, y_, wave_, s_per_pixel_, t2_corner_;
+    bool rising_;
 };
 
 // The transmission of the dust, pixel by pixel; empty where there is none.
@@ -102,12 +108,17 @@ RawFrame simulate(const SimulationSettings& settings) {
     const double top = frame.full_scale();
     const double range = top - settings.black;
     const std::vector<float> dust = dust_map(settings);
+    std::vector<LightFactor> factors;
+    for (const Fault& fault : settings.faults)
+        if (auto factor = light_factor(fault, frame, settings.seed))
+            factors.push_back(std::move(factor));
     const Noise noise(settings, frame.full_scale());
     const uint64_t stream = stream_of(settings, noise_stream);
     for (int plane = 0; plane < 4; ++plane) {
         const Colour colour = colour_of_plane(settings.pattern, plane);
         const FallOff fall_off(settings, settings.corners[static_cast<size_t>(colour)]);
-        const double centre = settings.level / 100 * range * colour_level(colour);
+        const double centre =
+            settings.level / 100 * range * settings.colour_levels[static_cast<size_t>(colour)] / 100;
         for (int y = plane >> 1; y < frame.height; y += 2)
             for (int x = plane & 1; x < frame.width; x += 2) {
                 const size_t place =
@@ -115,12 +126,18 @@ RawFrame simulate(const SimulationSettings& settings) {
                 double signal = centre * fall_off.at(x, y);
                 if (!dust.empty())
                     signal *= static_cast<double>(dust[place]);
+                if (settings.response > 0)
+                    signal *= 1 + settings.response / 100 * random_normal(response_stream, place);
+                for (const LightFactor& factor : factors)
+                    signal *= factor(x, y);
                 const double noisy = signal + noise.deviation(signal) * random_normal(stream, place);
                 frame.samples[place] =
                     static_cast<uint16_t>(std::clamp(noisy + settings.black + 0.5, 0.0, top));
             }
     }
     add_defects(frame, settings);
+    for (const Fault& fault : settings.faults)
+        spoil_samples(fault, frame, settings.seed);
     return frame;
 }
 
