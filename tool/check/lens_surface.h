@@ -1,0 +1,57 @@
+// The smoothest brightness that a lens and a slightly tilted light can make.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace zerklsc::tool {
+
+// The logarithm of the brightness in cells of a plane, row by row. A cell without light holds `no_light`.
+struct LogCells {
+    int columns = 0;
+    int rows = 0;
+    double aspect = 1;        // height of the plane over its width
+    std::vector<double> u, v; // where the middles of the columns and of the rows are
+    std::vector<float> values;
+
+    double u_at(int column) const { return u[static_cast<size_t>(column)]; }
+    double v_at(int row) const { return v[static_cast<size_t>(row)]; }
+};
+
+constexpr float no_light = -1e9F;
+
+// Coordinates u and v are from the middle of the plane, in half diagonals.
+//
+// The model is h(r^2) + log(1 + gx u + gy v): h is a polynomial in the even powers of the distance from the
+// optical centre up to r^14, which holds the cos^4 law and the wavy shading of small lenses, and the second
+// term is light that rises evenly over the frame. A small smooth rest, a polynomial of degree 4 in u and v,
+// is what real modules have beside it.
+struct LensSurface {
+    std::array<double, 8> radial{}; // of r^0, r^2 .. r^14
+    std::array<double, 2> centre{};
+    std::array<double, 2> light{};
+    std::array<double, 15> rest{};
+
+    double lens_at(double u, double v) const;
+    double rest_at(double u, double v) const;
+    double at(double u, double v) const { return lens_at(u, v) + rest_at(u, v); }
+};
+
+// Where the middle of column `i` of `columns` lies, and the same for rows.
+double u_of(double i, int columns, double aspect);
+double v_of(double j, int rows, double aspect);
+
+// The outermost corners, which a housing often vignettes: no smooth surface holds for them.
+constexpr bool in_corner(double u, double v) {
+    constexpr double from = 0.85;
+    return u * u + v * v > from * from;
+}
+
+// Robust least squares by iteratively reweighted Gauss-Newton steps (P. W. Holland, R. E. Welsch, "Robust
+// regression using iteratively reweighted least-squares", 1977). Where the fall-off is so plain that a
+// shifted centre and tilted light look the same, both are made small: the centre is expected within a few
+// percent of the frame and the light within 10 %.
+LensSurface fit_lens_surface(const LogCells& cells);
+
+} // namespace zerklsc::tool

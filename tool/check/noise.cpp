@@ -1,0 +1,162 @@
+// photon_transfer, fit_noise_line, fit_noise_parabola
+#include "check/noise.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "check/least_squares.h"
+#include "check/robust.h"
+
+namespace zerklsc::tool {
+namespace {
+
+constexpr size_t classes = 24;
+// Of the sum of 32 squared differences per direction, 64 in all: the median of a chi-square distribution of k
+// degrees of freedom is k (1 - 2 / (9 k))^3 (E. B. Wilson, M. M. Hilferty, PNAS 17, 1931).
+constexpr double median_of_variances = 0.98964;
+
+NoisePoint point_of(const std::vector<float>& levels, const std::vector<float>& variances,
+                    const std::vector<uint32_t>& order, size_t begin, size_t end) {
+    std::vector<float> level, variance;
+    for (size_t i = begin; i < end; ++i) {
+        level.push_back(levels[order[i]]);
+        variance.push_back(variances[order[i]]);
+    }
+    return {median_of(level), median_of(variance) / median_of_variances};
+}
+
+std::vector<NoisePoint> curve_of(const std::vector<float>& levels, const std::vector<float>& variances) {
+    std::vector<uint32_t> order(levels.size());
+    std::iota(order.begin(), order.end(), 0U);
+    const size_t count = std::min(classes, std::max<size_t>(levels.size() / 16, 1));
+    std::vector<NoisePoint> curve;
+    size_t begin = 0;
+    for (size_t k = 0; k < count; ++k) {
+        const size_t end = levels.size() * (k + 1) / count;
+        // Only the classes have to be in order, not the tiles in them.
+        if (k + 1 < count)
+            std::nth_element(order.begin() + static_cast<std::ptrdiff_t>(begin),
+                             order.begin() + static_cast<std::ptrdiff_t>(end), order.end(),
+                             [&](uint32_t a, uint32_t b) { return levels[a] < levels[b]; });
+        curve.push_back(point_of(levels, variances, order, begin, end));
+        begin = end;
+    }
+    return curve;
+}
+
+double relative_misfit(const std::vector<NoisePoint>& curve, auto&& model) {
+    double sum = 0;
+    for (const NoisePoint& p : curve) {
+        const double off = model(p.level) / std::max(p.variance, 1e-9) - 1;
+        sum += off * off;
+    }
+    return std::sqrt(sum / static_cast<double>(curve.size()));
+}
+
+// The variance of a variance is proportional to its square.
+double weight_of(const NoisePoint& p) {
+    const double v = std::max(p.variance, 1e-6);
+    return 1 / (v * v);
+}
+
+// Fits the terms that are allowed, the others being 0.
+NoiseParabola fit_terms(const std::vector<NoisePoint>& curve, double black, int terms) {
+    NormalEquations<3> equations;
+    for (const NoisePoint& p : curve) {
+        const double x = p.level - black;
+        equations.add(
+            {(terms & 1) != 0 ? 1.0 : 0.0, (terms & 2) != 0 ? x : 0.0, (terms & 4) != 0 ? x * x : 0.0},
+            p.variance, weight_of(p));
+    }
+    const auto found = equations.solve();
+    NoiseParabola parabola{found[0], found[1], found[2], 0};
+    parabola.misfit = relative_misfit(curve, [&](double level) {
+        const double x = level - black;
+        return parabola.floor + x * (parabola.gain + x * parabola.response);
+    });
+    return parabola;
+}
+
+} // namespace
+
+std::vector<NoisePoint> photon_transfer(const PlaneTiles& tiles) {
+    std::vector<float> variances(tiles.mean.size());
+    for (size_t i = 0; i < variances.size(); ++i)
+        variances[i] = (tiles.variance_h[i] + tiles.variance_v[i]) / 2;
+    return curve_of(tiles.mean, variances);
+}
+
+std::vector<NoisePoint> photon_transfer(const PlaneTiles& first, const PlaneTiles& difference) {
+    std::vector<float> variances(first.mean.size());
+    // A difference has the noise of both captures.
+    for (size_t i = 0; i < variances.size(); ++i)
+        variances[i] = (difference.variance_h[i] + difference.variance_v[i]) / 4;
+    return curve_of(first.mean, variances);
+}
+
+double variance_at(const std::vector<NoisePoint>& curve, double level) {
+    const auto above = std::ranges::find_if(curve, [&](const NoisePoint& p) { return p.level > level; });
+    if (above == curve.begin())
+        return curve.front().variance;
+    if (above == curve.end())
+        return curve.back().variance;
+    const NoisePoint& below = *(above - 1);
+    const double t = (level - below.level) / std::max(above->level - below.level, 1e-9);
+    return below.variance + t * (above->variance - below.variance);
+}
+
+DeviationTable::DeviationTable(const std::vector<NoisePoint>& curve, double full_scale)
+    : scale_(static_cast<float>(classes / full_scale)) {
+    // A sample is a whole number, whose rounding alone has a deviation of about 0.3.
+    constexpr double least_variance = 0.1;
+    for (size_t k = 0; k < table_.size(); ++k) {
+        const double level = (static_cast<double>(k) + 0.5) * full_scale / classes;
+        table_[k] = static_cast<float>(std::sqrt(std::max(variance_at(curve, level), least_variance)));
+    }
+}
+
+std::optional<NoiseLine> fit_noise_line(const std::vector<NoisePoint>& curve) {
+    if (curve.size() < 6)
+        return {};
+    double weights = 0, level = 0, variance = 0;
+    for (const NoisePoint& p : curve) {
+        const double w = weight_of(p);
+        weights += w;
+        level += w * p.level;
+        variance += w * p.variance;
+    }
+    level /= weights;
+    variance /= weights;
+    double xx = 0, xy = 0;
+    for (const NoisePoint& p : curve) {
+        const double w = weight_of(p);
+        xx += w * (p.level - level) * (p.level - level);
+        xy += w * (p.level - level) * (p.variance - variance);
+    }
+    if (!(xx > 0 && xy > 0))
+        return {};
+    NoiseLine line;
+    line.gain = xy / xx;
+    line.black = level - variance / line.gain;
+    line.misfit = relative_misfit(curve, [&](double at) { return line.gain * (at - line.black); });
+    // The error of the quotient variance / gain about the weighted middle of the points.
+    const double gain_error = line.misfit / std::sqrt(xx);
+    const double variance_error = line.misfit / std::sqrt(weights);
+    line.black_error = std::hypot(variance_error, (level - line.black) * gain_error) / line.gain;
+    return line;
+}
+
+NoiseParabola fit_noise_parabola(const std::vector<NoisePoint>& curve, double black) {
+    NoiseParabola best;
+    best.misfit = 1e9;
+    for (int terms = 1; terms < 8; ++terms) {
+        const NoiseParabola found = fit_terms(curve, black, terms);
+        const double smallest = std::min({found.floor, found.gain, found.response});
+        if (smallest >= 0 && found.misfit < best.misfit * 0.999)
+            best = found;
+    }
+    return best;
+}
+
+} // namespace zerklsc::tool

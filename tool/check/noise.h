@@ -1,0 +1,64 @@
+// How the noise of a plane grows with its brightness: the photon transfer curve of a single capture.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <vector>
+
+#include "check/tiles.h"
+
+namespace zerklsc::tool {
+
+// Levels are samples, black level included; variances are squares of samples.
+struct NoisePoint {
+    double level;
+    double variance;
+};
+
+// The median variance of the tiles in classes of equal count, from dark to bright: photon transfer (J. R.
+// Janesick, "Photon Transfer", SPIE Press, 2007) over the fall-off of one flat field instead of over many
+// exposures. Defective pixels spoil few tiles, and a median does not see those.
+std::vector<NoisePoint> photon_transfer(const PlaneTiles& tiles);
+
+// The same of the noise that two captures do not share: fixed-pattern noise, which is the same in both,
+// cancels in their difference, as EMVA standard 1288 measures it.
+std::vector<NoisePoint> photon_transfer(const PlaneTiles& first, const PlaneTiles& difference);
+
+// The variance at a level, between the points of the curve.
+double variance_at(const std::vector<NoisePoint>& curve, double level);
+
+// The deviation of a sample by its level, in classes of level, for loops over many tiles.
+class DeviationTable {
+  public:
+    DeviationTable(const std::vector<NoisePoint>& curve, double full_scale);
+    float at(float level) const {
+        const auto place = static_cast<int>(level * scale_);
+        return table_[static_cast<size_t>(place < 0 ? 0 : place < classes ? place : classes)];
+    }
+
+  private:
+    static constexpr int classes = 256;
+    float scale_;
+    std::array<float, classes + 1> table_{};
+};
+
+// variance = gain * (level - black) + response^2 * (level - black)^2 with the read noise left out.
+struct NoiseLine {
+    double gain = 0;        // samples per electron
+    double black = 0;       // the level at which the variance ends
+    double black_error = 0; // standard error of that
+    double misfit = 0;      // of the points from the line, as a fraction
+};
+
+// The straight line; nothing where the points do not rise or span too little of the brightness.
+std::optional<NoiseLine> fit_noise_line(const std::vector<NoisePoint>& curve);
+
+// What the points leave when black is held at a level: variance = floor + gain x + response^2 x^2, x being
+// the light above `black`, none of the three negative.
+struct NoiseParabola {
+    double floor = 0, gain = 0, response = 0;
+    double misfit = 0;
+};
+NoiseParabola fit_noise_parabola(const std::vector<NoisePoint>& curve, double black);
+
+} // namespace zerklsc::tool
