@@ -1,11 +1,12 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test bench package release configured packages
+.PHONY: help demo test test-verdicts bench package release configured packages
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
 	@echo "make test    install what is missing, build, run every test"
+	@echo "make test-verdicts   try every verdict of the check command at 13 megapixels"
 	@echo "make bench   install what is missing, build, time every kernel against its plain form and its peers"
 	@echo "make package install what is missing, make Debian packages in build/package, check them"
 
@@ -24,6 +25,11 @@ demo: configured
 
 test: release
 	@ctest --preset release -j "$$(nproc)"
+
+test-verdicts: configured
+	@cmake --build --preset release --target zerklsc_tool
+	@tests/tool/verdicts.py --tool build/release/tool/zerklsc --width 4208 --height 3120
+	@tests/tool/verdicts.py --tool build/release/tool/zerklsc --modules 200
 
 bench: packages
 	@cmake/install-packages.sh bench

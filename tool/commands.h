@@ -8,6 +8,7 @@ namespace zerklsc::tool {
 
 // Each adds its subcommand with its options, and sets the callback that runs it.
 void add_simulate(Command app);
+void add_check(Command app);
 void add_calibrate(Command app);
 void add_convert(Command app);
 void add_correct(Command app);

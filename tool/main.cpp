@@ -32,6 +32,7 @@ constexpr const char* footer =
 
 void add_commands(Command program) {
     add_simulate(program);
+    add_check(program);
     add_calibrate(program);
     add_convert(program);
     add_correct(program);

@@ -9,6 +9,7 @@
 #include <fmt/core.h>
 
 #include "commands/option_tree.h"
+#include "commands/preset.h"
 #include "commands/report.h"
 #include "failure.h"
 
@@ -195,6 +196,9 @@ void Command::add_report_options() {
 }
 
 void Command::action(std::function<void(Report&)> run) {
+    app_->add_option("--preset", request_->preset,
+                     "TOML file with options of this command, which the command line overrides")
+        ->type_name("FILE");
     add_report_options();
     app_->callback([request = request_, run = std::move(run)] { request->run = run; });
 }
@@ -208,7 +212,7 @@ Request parse_command_line(const Program& program, int argc, char** argv) {
     root.require_subcommand();
     program.add_commands(root);
     // CLI11 takes the words from the last to the first.
-    std::vector<std::string> words = words_of(argc, argv);
+    std::vector<std::string> words = with_preset(app, words_of(argc, argv));
     const std::string first = words.empty() ? "" : words.front();
     if (first == "--option-tree") {
         request.run = [tree = option_tree(app).text()](Report& report) { report.print(tree); };

@@ -23,6 +23,7 @@ class Report;
 struct Request {
     std::function<void(Report&)> run;
     bool json = false;  // print the report's document, not its text
+    std::string preset; // a file of options, for the help text: it is replaced by them before
     bool quiet = false; // no text, no warnings
 };
 

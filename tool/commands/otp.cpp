@@ -223,7 +223,7 @@ void add_decode(Command otp) {
     command.action([options](Report& report) { run_decode(*options, report); });
 }
 
-void add_check(Command otp) {
+void add_otp_check(Command otp) {
     auto options = std::make_shared<CheckOptions>();
     Command command = otp.subcommand("check", "Compare what a stream decodes to with its tables");
     command.option("stream", options->stream, "stream of zerklsc otp encode").required().takes("FILE");
@@ -247,7 +247,7 @@ void add_otp(Command app) {
     otp.require_subcommand();
     add_encode(otp);
     add_decode(otp);
-    add_check(otp);
+    add_otp_check(otp);
     otp.footer("Example:\n"
                "  zerklsc simulate -o flat.pgm\n"
                "  zerklsc calibrate flat.pgm -o tables.json\n"

@@ -6,10 +6,10 @@
 namespace zerklsc::tool {
 namespace {
 
-const char* verdict_of(ExitCode code) {
+const char* verdict_of(ExitCode code, bool doubtful) {
     switch (code) {
     case exit_success:
-        return warnings().empty() ? "pass" : "warn";
+        return warnings().empty() && !doubtful ? "pass" : "warn";
     case exit_limit:
         return "fail";
     case exit_input:
@@ -24,7 +24,7 @@ const char* verdict_of(ExitCode code) {
 } // namespace
 
 std::string Report::json(ExitCode code, const std::string& message) const {
-    JsonValue whole = JsonValue::object({{"verdict", verdict_of(code)}, {"exit_code", code}});
+    JsonValue whole = JsonValue::object({{"verdict", verdict_of(code, doubtful_)}, {"exit_code", code}});
     if (code != exit_success)
         whole.add("message", message);
     whole.add("warnings", JsonValue::list(warnings()));

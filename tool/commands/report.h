@@ -16,6 +16,9 @@ class Report {
     // A field of the document.
     void add(const char* name, JsonValue value) { document_.add(name, std::move(value)); }
 
+    // The verdict of success is "warn", even where no warning was given.
+    void doubt() { doubtful_ = true; }
+
     const std::string& text() const { return text_; }
     // The document: "verdict", "exit_code", "message" where the command gave up, "warnings", then the fields.
     // The verdict is "pass", "warn", "fail" (a limit), "refuse" (the input) or "error" (usage, system).
@@ -23,6 +26,7 @@ class Report {
 
   private:
     std::string text_;
+    bool doubtful_ = false;
     JsonValue document_ = JsonValue::object();
 };
 

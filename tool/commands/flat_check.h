@@ -1,0 +1,41 @@
+// The checks of a flat field, as commands run them before they use it.
+#pragma once
+
+#include <span>
+
+#include "check/checks.h"
+#include "commands/command_line.h"
+#include "commands/report.h"
+#include "imaging/calibration.h"
+
+namespace zerklsc::tool {
+
+struct FlatCheckOptions {
+    std::vector<std::string> limits;
+    bool force = false;
+};
+
+// --limit, which changes the limits of a check.
+void add_limit_option(Command command, FlatCheckOptions& options);
+
+// --limit, and --force, which uses a refused capture all the same.
+void add_flat_check_options(Command command, FlatCheckOptions& options);
+
+CheckLimits limits_of(const FlatCheckOptions& options);
+
+// The findings as data, one object each.
+JsonValue json_of(const Findings& findings);
+
+// "flat.pgm: shadow of R is 12.3 % (refused above 8): advice".
+std::string sentence_of(const std::string& name, const Finding& finding);
+
+// Whether a frame has room for what the checks measure.
+bool can_be_checked(const RawFrame& frame);
+
+// Checks captures whose pattern and black level are known, adds "checks" to the document, warns, and refuses
+// what must be refused, unless it is forced. Returns the names of the checks that refuse one. Small frames
+// are judged by their exposure alone.
+std::vector<std::string> check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
+                                     const FlatCheckOptions& options, double clip_limit, Report& report);
+
+} // namespace zerklsc::tool
