@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/flat_check.h"
 #include "commands/frame_text.h"
 #include "commands/grid_options.h"
 #include "commands/raw_options.h"
@@ -31,6 +32,7 @@ struct Options {
     CalibrationSettings settings;
     std::string algorithm = "orvel";
     double clip_limit = usual_clip_limit;
+    FlatCheckOptions check;
     std::string output, text;
 };
 
@@ -163,15 +165,11 @@ void run(const Options& options, Report& report) {
     add_frame(report, frame);
     report.add("captures", JsonValue::list(options.flats));
     report.print(describe(frame));
-    FrameLevels levels;
-    for (const RawFrame& capture : captures) {
-        levels = measure_planes(capture, *capture.black, usual_blocks(capture));
-        check_exposure(capture, levels, options.clip_limit);
-    }
-    if (several)
-        levels = measure_planes(frame, *frame.black, usual_blocks(frame));
+    const auto refused = check_flats(captures, settings, options.check, options.clip_limit, report);
+    const FrameLevels levels = measure_planes(frame, *frame.black, usual_blocks(frame));
     const Progress progress("calibrating " + frame.name);
-    const GainTables tables = calibrate_light(frame, settings);
+    GainTables tables = calibrate_light(frame, settings);
+    tables.failed_checks = refused;
     report_channels(report, levels, tables);
     warn_about_gains(frame.name, tables);
     // Where no correction is possible, there is nothing to predict: the tables are what was asked for.
@@ -199,6 +197,7 @@ void add_calibrate(Command app) {
     command.option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
         .range(0.0, 100.0)
         .show_default();
+    add_flat_check_options(command, options->check);
     command.footer(
         "Of several captures of one module, the mean is calibrated, and each is also corrected by tables "
         "made\n"

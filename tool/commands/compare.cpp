@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/flat_check.h"
 #include "commands/frame_text.h"
 #include "commands/grid_options.h"
 #include "commands/raw_options.h"
@@ -24,6 +25,7 @@ namespace {
 struct Options {
     RawOptions raw;
     CalibrationSettings settings;
+    FlatCheckOptions check;
 };
 
 // The worst of the four channels.
@@ -152,7 +154,7 @@ void run(const Options& options, Report& report) {
     add_frame(report, capture);
     report.print(describe(capture));
     const FrameLevels levels = measure_planes(capture, *capture.black, usual_blocks(capture));
-    check_exposure(capture, levels, usual_clip_limit);
+    check_flats({&capture, 1}, options.settings, options.check, usual_clip_limit, report);
     const Shading before = shading_of(levels);
     const Outcomes outcomes = try_all(capture, options.settings);
     add_outcomes(report, before, outcomes);
@@ -168,6 +170,7 @@ void add_compare(Command app) {
         app.subcommand("compare", "Calibrate a capture by every method, and compare what they leave");
     add_raw_options(command, options->raw, "flat");
     add_grid_options(command, options->settings);
+    add_flat_check_options(command, options->check);
     command.footer(
         "Each method's tables correct the capture as their ISP does. off flat: largest deviation of\n"
         "11 x 11 blocks from the channel's mean. OTP loss: largest gain error of the decoded stream.\n"

@@ -19,9 +19,10 @@ struct GainTables {
     int filter_radius = 0;
     int shading_percent = 100;
     BayerPattern pattern = BayerPattern::rggb;
-    BlackLevel black{};  // at `bits`
-    int bits = 0;        // of the capture
-    int table_width = 0; // border included
+    BlackLevel black{};                     // at `bits`
+    int bits = 0;                           // of the capture
+    std::vector<std::string> failed_checks; // those that refused the capture, which was used all the same
+    int table_width = 0;                    // border included
     int table_height = 0;
     std::array<std::vector<uint16_t>, 4> gains; // by plane number, row by row, 1024 = gain 1.0
 

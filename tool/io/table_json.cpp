@@ -55,6 +55,20 @@ class Reader {
         return field(name).get<std::string>();
     }
 
+    // A list of names made of small letters and dashes; none where there is no such field.
+    std::vector<std::string> names(const char* name) const {
+        std::vector<std::string> found;
+        if (!object_.contains(name))
+            return found;
+        for (const json& element : object_[name]) {
+            found.push_back(element.is_string() ? element.get<std::string>() : "");
+            if (found.back().empty()
+                || found.back().find_first_not_of("abcdefghijklmnopqrstuvwxyz-") != std::string::npos)
+                data_failure("{}: \"{}\" is not a list of names", path_, name);
+        }
+        return found;
+    }
+
     template <size_t N>
     std::array<int, N> integers(const char* name, int lowest, int highest) const {
         const json& list = field(name);
@@ -120,6 +134,7 @@ GainTables read_header(const Reader& reader) {
     tables.pattern = *pattern;
     tables.black = reader.integers<4>("black_level", 0, 65535);
     tables.bits = reader.integer("bit_depth", 8, 16);
+    tables.failed_checks = reader.names("failed_checks");
     // The tables themselves are made row by row as the file holds them, not from what it says in its head.
     tables.set_table_size();
     const auto size = reader.integers<2>("table_size", 1, std::numeric_limits<int>::max());
@@ -150,6 +165,10 @@ std::string encode_table_json(const GainTables& tables) {
     std::string planes;
     for (int plane = 0; plane < 4; ++plane)
         planes += (plane == 0 ? "" : ",\n") + encode_table(tables, plane);
+    const std::string failed =
+        tables.failed_checks.empty()
+            ? ""
+            : fmt::format("  \"failed_checks\": [\"{}\"],\n", fmt::join(tables.failed_checks, "\", \""));
     return fmt::format(R"({{
   "format": "{}",
   "version": {},
@@ -164,7 +183,7 @@ std::string encode_table_json(const GainTables& tables) {
   "bayer_pattern": "{}",
   "black_level": [{}],
   "bit_depth": {},
-  "tables": [
+{}  "tables": [
 {}
   ]
 }}
@@ -173,7 +192,7 @@ std::string encode_table_json(const GainTables& tables) {
                        tables.plane_height(), tables.step, tables.table_width, tables.table_height,
                        tables.algorithm, algorithm_name(tables.algorithm), tables.filter_radius,
                        tables.shading_percent, name_of(tables.pattern), fmt::join(tables.black, ", "),
-                       tables.bits, planes);
+                       tables.bits, failed, planes);
 }
 
 GainTables read_table_json(const std::string& path) {
