@@ -31,7 +31,7 @@ def missing_files():
 def unknown_presets():
     presets = {preset["name"] for preset in json.loads((TOP / "CMakePresets.json").read_text())["configurePresets"]}
     for document in documents():
-        for name in re.findall(r"--preset (\w+)", document.read_text()):
+        for name in re.findall(r"(?:cmake|ctest|--build) --preset (\w+)", document.read_text()):
             if name not in presets:
                 yield f"{document.name}: there is no preset {name}"
     developing = (TOP / "docs/developing.md").read_text()
