@@ -72,7 +72,8 @@ std::string encode_alsc(const std::vector<LitTables>& sets, int columns, int row
         for (size_t i = 0; i < luminance.size(); ++i)
             luminance[i] += green[i] / static_cast<double>(ascending.size());
     }
-    losses.emplace_back("the gains of Gr and Gb become their mean, and every table is relative to its minimum");
+    losses.emplace_back(
+        "the gains of Gr and Gb become their mean, and every table is relative to its minimum");
     return fmt::format(
         "{{\n    \"version\": 2.0,\n    \"target\": \"{}\",\n    \"algorithms\": [\n        {{\n"
         "            \"rpi.alsc\": {{\n                \"omega\": 1.3,\n                \"n_iter\": 100,\n"
