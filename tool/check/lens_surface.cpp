@@ -147,9 +147,9 @@ LensSurface fit_lens_surface(const LogCells& cells) {
     const std::vector<Point> points = points_of(cells);
     if (points.size() < 2 * unknowns)
         return surface;
-    std::vector<float> values;
-    for (const Point& p : points)
-        values.push_back(static_cast<float>(p.value));
+    std::vector<float> values(points.size());
+    std::ranges::transform(points, values.begin(),
+                           [](const Point& p) { return static_cast<float>(p.value); });
     surface.radial[0] = median_of(values);
     for (int round = 0; round < rounds; ++round)
         step(points, scale_of(points, surface, values), round, surface);

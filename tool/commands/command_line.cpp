@@ -69,7 +69,7 @@ std::string command_of(const CLI::App& app) {
 // What is wrong, in the words of the command's help. CLI11 lists what is left over from back to front, and of
 // an unknown word where a command is expected only says that a command is missing.
 std::string what_is_wrong(const CLI::App& named, const CLI::ParseError& error) {
-    const std::string text = first_line(error.what());
+    std::string text = first_line(error.what());
     if (const std::string command = unknown_command(named); !command.empty())
         return command + " is not a command";
     if (const auto rest = named.remaining(); !rest.empty()) {
