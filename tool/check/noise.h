@@ -32,8 +32,9 @@ class DeviationTable {
   public:
     DeviationTable(const std::vector<NoisePoint>& curve, double full_scale);
     float at(float level) const {
-        const auto place = static_cast<int>(level * scale_);
-        return table_[static_cast<size_t>(place < 0 ? 0 : place < classes ? place : classes)];
+        const float place = level * scale_;
+        const int index = !(place > 0) ? 0 : place < classes ? static_cast<int>(place) : classes;
+        return table_[static_cast<size_t>(index)];
     }
 
   private:
