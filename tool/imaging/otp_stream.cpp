@@ -1,11 +1,12 @@
-// inner_nodes, stream_size, unstored_nodes, decodes_wrong, encode_stream, decode_stream, loss_of
+// inner_nodes, stream_size, unstored_nodes, decodes_wrong, check_stream, encode_stream, decode_stream,
+// StreamLoss, stream_loss, loss_of
 #include "imaging/otp_stream.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "failure.h"
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -29,6 +30,15 @@ lsc_otp_info otp_info(GainTables& tables, std::string& stream, int mode) {
     info.stream = reinterpret_cast<uint8_t*>(stream.data());
     info.precision_mode = static_cast<uint8_t>(mode);
     return info;
+}
+
+zerklsc_status stream_status(const GainTables& tables, int mode) {
+    lsc_otp_info info{};
+    info.bayer_pattern = static_cast<uint8_t>(tables.pattern);
+    info.grid_width = tables.table_width;
+    info.grid_height = tables.table_height;
+    info.precision_mode = static_cast<uint8_t>(mode);
+    return zerklsc_check_stream(&info);
 }
 
 int gain_at(const GainTables& tables, Colour colour, int node) {
@@ -82,8 +92,7 @@ int64_t inner_nodes(const GainTables& tables) {
 }
 
 size_t stream_size(const GainTables& tables, int mode) {
-    const int64_t nodes = inner_nodes(tables);
-    return static_cast<size_t>(mode == 0 ? 3 * nodes : 7 * (nodes / group));
+    return zerklsc_stream_size(tables.table_width, tables.table_height, mode);
 }
 
 int unstored_nodes(const GainTables& tables, int mode) {
@@ -91,7 +100,14 @@ int unstored_nodes(const GainTables& tables, int mode) {
 }
 
 bool decodes_wrong(const GainTables& tables) {
-    return inner_width(tables) % 2 == 1 && inner_height(tables) % 2 == 0;
+    return stream_status(tables, 0) == ZERKLSC_STREAM_DARKENS;
+}
+
+void check_stream(const GainTables& tables, int mode, const std::string& name) {
+    const zerklsc_status status = stream_status(tables, mode);
+    if (ZERKLSC_REFUSED(status))
+        data_failure("{}: grid: {} x {} in mode {} cannot be stored: {}", name, tables.table_width,
+                     tables.table_height, mode, zerklsc_status_text(status));
 }
 
 std::string encode_stream(const GainTables& tables, int mode) {

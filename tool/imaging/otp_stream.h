@@ -25,6 +25,9 @@ int unstored_nodes(const GainTables& tables, int mode);
 // rows.
 bool decodes_wrong(const GainTables& tables);
 
+// A data failure where streams of this mode cannot hold tables of this size. `name` is for messages.
+void check_stream(const GainTables& tables, int mode, const std::string& name);
+
 std::string encode_stream(const GainTables& tables, int mode);
 
 // Makes the gains of `tables`, whose geometry and pattern are those of the stream; the mode follows from its
