@@ -78,12 +78,12 @@ def run(tool, *words):
     return subprocess.run([tool, *map(str, words)], capture_output=True, text=True, check=False)
 
 
-def judge(tool, frame, options, step=32):
+def judge(tool, frame, options):
     """The verdict on a simulated capture, and the checks that did not pass."""
     made = run(tool, "simulate", "-o", frame, *options)
     if made.returncode != 0:
         return f"not simulated: {made.stderr}", []
-    came = run(tool, "check", frame, "--json", "--step", step)
+    came = run(tool, "check", frame, "--json")
     document = json.loads(came.stdout)
     if came.returncode != (3 if document["verdict"] == "refuse" else 0):
         return f"exit {came.returncode} with verdict {document['verdict']}", []
@@ -104,7 +104,7 @@ def try_cases(options, frame):
 
 
 def random_module(number):
-    """Options of a clean capture of some module, and a step that suits it."""
+    """Options of a clean capture of some module."""
     draw = random.Random(number)
     width, height = draw.choice([(640, 480), (1280, 720), (1600, 1200), (2104, 1560), (2592, 1944)])
     corner, spread = draw.uniform(20, 90), draw.uniform(0, 8)

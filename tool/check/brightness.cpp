@@ -24,7 +24,7 @@ void check_node_noise(const Judgement& judgement) {
     double worst = 0;
     size_t where = 0;
     // A window of radius r holds (2 r + 1)^2 samples.
-    const double samples = std::pow(2.0 * judgement.capture.radius + 1, 2);
+    const double samples = std::pow(2.0 * judgement.capture.settings.radius + 1, 2);
     for (size_t plane = 0; plane < 4; ++plane) {
         const double light = corner_light(judgement, plane);
         const double noise =

@@ -4,6 +4,7 @@
 #include "check/analysis.h"
 #include "check/finding.h"
 #include "check/limits.h"
+#include "imaging/calibration.h"
 
 namespace zerklsc::tool {
 
@@ -11,8 +12,7 @@ struct FlatCapture {
     const RawFrame& frame; // black level included
     BayerPattern pattern = BayerPattern::rggb;
     BlackLevel black{};
-    int step = 64;
-    int radius = 8;
+    CalibrationSettings settings; // that it is for, with a step
 
     double range(size_t plane) const { return frame.white_level() - black[plane]; }
     std::string colour(size_t plane) const {

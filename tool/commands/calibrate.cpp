@@ -30,7 +30,7 @@ struct Options {
     RawOptions raw;
     std::vector<std::string> flats;
     CalibrationSettings settings;
-    std::string algorithm = "orvel";
+    std::string algorithm = usual_algorithm;
     double clip_limit = usual_clip_limit;
     FlatCheckOptions check;
     std::string output, text;
@@ -156,9 +156,9 @@ void write_tables(const Options& options, const GainTables& tables) {
 
 void run(const Options& options, Report& report) {
     keep_files_apart(options.flats, {options.output, options.text});
-    CalibrationSettings settings = options.settings;
-    settings.algorithm = algorithm_from(options.algorithm);
     const std::vector<RawFrame> captures = read_captures(options);
+    CalibrationSettings settings = with_step(options.settings, captures.front());
+    settings.algorithm = algorithm_from(options.algorithm);
     const bool several = captures.size() > 1;
     const RawFrame mean = several ? mean_of(captures) : RawFrame();
     const RawFrame& frame = several ? mean : captures.front();
@@ -190,9 +190,7 @@ void add_calibrate(Command app) {
     command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
     command.option("--text", options->text, "also write the four tables as plain text, in plane order")
         .takes("FILE");
-    command.option("--algorithm", options->algorithm, "the method, by number 0 to 4 in this order or by name")
-        .takes("{halvane,orvel-otp,orvel,beta,orvel-weights}")
-        .show_default();
+    add_algorithm_option(command, options->algorithm);
     add_grid_options(command, options->settings);
     command.option("--clip-limit", options->clip_limit, "refuse when more of a channel is clipped, percent")
         .range(0.0, 100.0)

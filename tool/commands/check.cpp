@@ -19,6 +19,7 @@ struct Options {
     std::string turned, reference;
     RawOptions raw;
     CalibrationSettings settings;
+    std::string algorithm = usual_algorithm;
     FlatCheckOptions check;
 };
 
@@ -71,10 +72,8 @@ void check_others(const Options& options, const Judgement& judgement) {
         check_repetition(judgement, {other.frame, other.analysis});
         if (i == 1 && first.frame.samples != other.frame.samples)
             check_black_level_of_pair(judgement, {other.frame, other.analysis});
-        FlatCapture capture = first;
-        const Findings own =
-            check_capture({other.frame, capture.pattern, capture.black, capture.step, capture.radius},
-                          other.analysis, judgement.limits);
+        const Findings own = check_capture({other.frame, first.pattern, first.black, first.settings},
+                                           other.analysis, judgement.limits);
         for (Finding finding : own)
             if (finding.verdict == Verdict::refuse) {
                 finding.advice = fmt::format("{}: {}", options.flats[i], finding.advice);
@@ -102,9 +101,10 @@ void run(const Options& options, Report& report) {
     const RawFrame frame = read_frame(options, options.flats.front());
     add_frame(report, frame);
     report.print(describe(frame));
+    CalibrationSettings settings = with_step(options.settings, frame);
+    settings.algorithm = algorithm_from(options.algorithm);
     const Analysis analysis = analyse(frame, *frame.black);
-    const FlatCapture capture{frame, *frame.pattern, *frame.black, options.settings.step,
-                              options.settings.radius};
+    const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};
     Findings findings = check_capture(capture, analysis, limits);
     check_others(options, {capture, analysis, limits, findings});
     report.add("checks", json_of(findings));
@@ -141,6 +141,7 @@ void add_check(Command app) {
         .takes("FILE");
     command.option("--reference", options->reference, "table file of a good module of this kind")
         .takes("FILE");
+    add_algorithm_option(command, options->algorithm);
     add_grid_options(command, options->settings);
     add_limit_option(command, options->check);
     command.footer("Exit code 0: pass or warn; 3: refuse.\n\n" + list_of_checks()

@@ -154,11 +154,12 @@ void run(const Options& options, Report& report) {
     add_frame(report, capture);
     report.print(describe(capture));
     const FrameLevels levels = measure_planes(capture, *capture.black, usual_blocks(capture));
-    check_flats({&capture, 1}, options.settings, options.check, usual_clip_limit, report);
+    const CalibrationSettings settings = with_step(options.settings, capture);
+    check_flats({&capture, 1}, settings, options.check, usual_clip_limit, report);
     const Shading before = shading_of(levels);
-    const Outcomes outcomes = try_all(capture, options.settings);
+    const Outcomes outcomes = try_all(capture, settings);
     add_outcomes(report, before, outcomes);
-    print_table(report, options.settings, before, outcomes);
+    print_table(report, settings, before, outcomes);
     recommend(report, outcomes);
 }
 

@@ -81,7 +81,7 @@ std::vector<std::string> check_flats(std::span<const RawFrame> captures, const C
             check_exposure(frame, measure_planes(frame, *frame.black, usual_blocks(frame)), clip_limit);
             continue;
         }
-        const FlatCapture capture{frame, *frame.pattern, *frame.black, settings.step, settings.radius};
+        const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};
         for (const Finding& finding : check_capture(capture, analyse(frame, capture.black), limits)) {
             all.push_back(finding);
             const bool refuses = finding.verdict == Verdict::refuse;

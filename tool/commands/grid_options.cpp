@@ -1,4 +1,4 @@
-// add_grid_options, check_grid_options
+// add_algorithm_option, add_grid_options, with_step, check_grid_options
 #include "commands/grid_options.h"
 
 #include <algorithm>
@@ -27,10 +27,19 @@ void check_fit(const std::string& name, const CalibrationSettings& settings, dou
 
 } // namespace
 
-void add_grid_options(Command command, CalibrationSettings& settings) {
-    command.option("--step", settings.step, "node spacing in plane samples (half the pixels of the frame)")
-        .range(smallest_step, largest_step)
+void add_algorithm_option(Command command, std::string& algorithm) {
+    command.option("--algorithm", algorithm, "the method, by number 0 to 4 in this order or by name")
+        .takes("{halvane,orvel-otp,orvel,beta,orvel-weights}")
         .show_default();
+}
+
+void add_grid_options(Command command, CalibrationSettings& settings) {
+    command
+        .option(
+            "--step", settings.step,
+            "node spacing in plane samples (half the pixels of the frame); where none is given, the power "
+            "of two nearest to a sixty-fourth of the frame's width, 64 at most")
+        .range(smallest_step, largest_step);
     command.option("--radius", settings.radius, "radius of the averaging window in plane samples")
         .range(0, 90)
         .show_default();
@@ -45,6 +54,12 @@ void add_grid_options(Command command, CalibrationSettings& settings) {
             "memory that the fit of algorithm beta may take, MiB; it grows with the fourth power of 1 / step")
         .range(1, 1 << 20)
         .show_default();
+}
+
+CalibrationSettings with_step(CalibrationSettings settings, const RawFrame& flat) {
+    if (settings.step == 0)
+        settings.step = usual_step(flat.width, flat.height);
+    return settings;
 }
 
 void check_grid_options(const RawFrame& flat, const CalibrationSettings& settings) {

@@ -1,4 +1,4 @@
-// fit_cost, calibrate
+// usual_step, fit_cost, calibrate
 #include "imaging/calibration.h"
 
 #include <algorithm>
@@ -9,10 +9,12 @@
 #include "failure.h"
 #include "imaging/library_messages.h"
 #include "terminal.h"
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc::tool {
 namespace {
+
+constexpr int largest_usual_step = 64; // that tvessa2 interpolates
 
 // The two generators with the frame's own Bayer pattern, which lsc2d_calibration_wrapper() cannot know. They
 // measure 10-bit samples.
@@ -104,6 +106,22 @@ std::string in_own_words(const std::string& line, int count) {
 }
 
 } // namespace
+
+int usual_step(int frame_width, int frame_height) {
+    int nearest = 1;
+    for (int step = 2; step <= largest_usual_step; step *= 2)
+        if (std::abs(64 * step - frame_width) < std::abs(64 * nearest - frame_width))
+            nearest = step;
+    lsc2d_info info{};
+    info.width = static_cast<uint16_t>(frame_width);
+    info.height = static_cast<uint16_t>(frame_height);
+    info.algorithm = ZERKLSC_ALGORITHM_ORVEL;
+    const auto taken = [&](int step) {
+        info.grid = static_cast<uint16_t>(step);
+        return step <= largest_usual_step && !ZERKLSC_REFUSED(zerklsc_check_correction(&info));
+    };
+    return !taken(nearest) && taken(2 * nearest) ? 2 * nearest : nearest;
+}
 
 FitCost fit_cost(double nodes) {
     // 42 ms for 825 nodes, on a desktop processor of 2023.

@@ -7,11 +7,15 @@ namespace zerklsc::tool {
 
 struct CalibrationSettings {
     int algorithm = 2; // ZERKLSC_ALGORITHM_ORVEL
-    int step = 64;
+    int step = 0;      // 0: the usual one
     int radius = 8;
     int shading_percent = 100;
     int max_memory = 1024; // MiB that the surface fit of algorithm 3 may take
 };
+
+// The node spacing that suits a frame: of the steps that tvessa2 interpolates smoothly, the powers of two up
+// to 64, the one nearest to a sixty-fourth of the width, or the next one where that ISP takes only that.
+int usual_step(int frame_width, int frame_height);
 
 // The surface fit of algorithm 3 solves a dense system of one equation per node, in two square matrices of
 // doubles, in a time that grows with the cube of their side.

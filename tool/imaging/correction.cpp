@@ -19,7 +19,7 @@ constexpr int tvessa2_narrowest = 128;
 // The tvessa2 ISP counts its nodes from the last sample, so at one sample past a whole number of cells it
 // takes the tables' rows to be one node shorter than they are.
 bool tvessa2_reads_rows(int plane_width, int step) {
-    return plane_width % step != 1;
+    return (plane_width - 1) % step != 0;
 }
 
 // "32 or 63": the nearest steps below and above that the ISP reads as they are laid out.
