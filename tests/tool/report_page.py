@@ -87,7 +87,7 @@ def check_numbers(browser, document):
         check_cell(document, path, text)
     text = browser.run("return document.body.textContent")
     for entry in document["inputs"]:
-        assert entry["sha256"] in text and entry["path"] in text, entry
+        assert entry["sha256"] in text and entry["name"] in text, entry
 
 
 def check_charts(browser):

@@ -14,6 +14,7 @@
 #include "imaging/exposure.h"
 #include "imaging/prediction.h"
 #include "io/file_identity.h"
+#include "io/input_record.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
@@ -146,6 +147,16 @@ void report_prediction(Report& report, const std::string& name, const GainTables
             name, algorithm_name(tables.algorithm), percent(worst), 100 * flat_enough));
 }
 
+std::vector<TableInput> recorded(const std::vector<std::string>& flats,
+                                 const std::vector<Findings>& findings) {
+    std::vector<TableInput> inputs;
+    for (size_t i = 0; i < flats.size(); ++i) {
+        inputs.push_back(input_record("flat field", flats[i]));
+        inputs.back().checks = findings[i];
+    }
+    return inputs;
+}
+
 void write_tables(const Options& options, const GainTables& tables) {
     OutputSet outputs;
     outputs.add(options.output, encode_table_json(tables));
@@ -165,11 +176,11 @@ void run(const Options& options, Report& report) {
     add_frame(report, frame);
     report.add("captures", JsonValue::list(options.flats));
     report.print(describe(frame));
-    const auto refused = check_flats(captures, settings, options.check, options.clip_limit, report);
+    const auto findings = check_flats(captures, settings, options.check, options.clip_limit, report);
     const FrameLevels levels = measure_planes(frame, *frame.black, usual_blocks(frame));
     const Progress progress("calibrating " + frame.name);
     GainTables tables = calibrate_light(frame, settings);
-    tables.failed_checks = refused;
+    tables.inputs = recorded(options.flats, findings);
     report_channels(report, levels, tables);
     warn_about_gains(frame.name, tables);
     // Where no correction is possible, there is nothing to predict: the tables are what was asked for.

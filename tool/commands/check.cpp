@@ -9,6 +9,7 @@
 #include "commands/frame_text.h"
 #include "commands/grid_options.h"
 #include "commands/raw_options.h"
+#include "io/findings_json.h"
 #include "io/table_json.h"
 
 namespace zerklsc::tool {

@@ -6,22 +6,10 @@
 #include <fmt/format.h>
 
 #include "imaging/exposure.h"
+#include "io/findings_json.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {
-namespace {
-
-JsonValue limit_json(const std::optional<double>& limit) {
-    return limit ? JsonValue(*limit) : JsonValue::null();
-}
-
-// Numbers of all sizes, with four digits that count.
-double shortened(double value) {
-    return std::stod(fmt::format("{:.4g}", value));
-}
-
-} // namespace
-
 void add_limit_option(Command command, FlatCheckOptions& options) {
     command.repeated(
         "--limit", options.limits,
@@ -40,20 +28,6 @@ CheckLimits limits_of(const FlatCheckOptions& options) {
     return limits;
 }
 
-JsonValue json_of(const Findings& findings) {
-    JsonValue list = JsonValue::array();
-    for (const Finding& f : findings)
-        list.add(JsonValue::object({{"name", f.name},
-                                    {"plane", f.plane.empty() ? JsonValue::null() : JsonValue(f.plane)},
-                                    {"value", shortened(f.value)},
-                                    {"unit", f.unit},
-                                    {"limit_warn", limit_json(f.limits.warn)},
-                                    {"limit_refuse", limit_json(f.limits.refuse)},
-                                    {"verdict", name_of(f.verdict)},
-                                    {"advice", f.advice}}));
-    return list;
-}
-
 std::string sentence_of(const std::string& name, const Finding& f) {
     const bool refused = f.verdict == Verdict::refuse;
     // What is good lies on the other side of a limit than what is refused.
@@ -69,25 +43,24 @@ bool can_be_checked(const RawFrame& frame) {
     return std::min(frame.width, frame.height) >= least;
 }
 
-std::vector<std::string> check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
-                                     const FlatCheckOptions& options, double clip_limit, Report& report) {
+std::vector<Findings> check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
+                                  const FlatCheckOptions& options, double clip_limit, Report& report) {
     CheckLimits limits = limits_of(options);
     limits.set(fmt::format("clipping={},{}", clip_limit / 10, clip_limit));
+    std::vector<Findings> found;
     Findings all;
-    std::vector<std::string> refused;
     std::string refusal;
     for (const RawFrame& frame : captures) {
+        found.emplace_back();
         if (!can_be_checked(frame)) {
             check_exposure(frame, measure_planes(frame, *frame.black, usual_blocks(frame)), clip_limit);
             continue;
         }
         const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};
-        for (const Finding& finding : check_capture(capture, analyse(frame, capture.black), limits)) {
+        found.back() = check_capture(capture, analyse(frame, capture.black), limits);
+        for (const Finding& finding : found.back()) {
             all.push_back(finding);
-            const bool refuses = finding.verdict == Verdict::refuse;
-            if (refuses && std::ranges::find(refused, finding.name) == refused.end())
-                refused.push_back(finding.name);
-            if (refuses && refusal.empty() && !options.force)
+            if (finding.verdict == Verdict::refuse && refusal.empty() && !options.force)
                 refusal = sentence_of(frame.name, finding);
             else if (finding.verdict != Verdict::pass)
                 warn(sentence_of(frame.name, finding));
@@ -96,7 +69,7 @@ std::vector<std::string> check_flats(std::span<const RawFrame> captures, const C
     report.add("checks", json_of(all));
     if (!refusal.empty())
         data_failure("{}; --force uses the capture all the same", refusal);
-    return refused;
+    return found;
 }
 
 } // namespace zerklsc::tool

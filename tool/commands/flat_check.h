@@ -23,9 +23,6 @@ void add_flat_check_options(Command command, FlatCheckOptions& options);
 
 CheckLimits limits_of(const FlatCheckOptions& options);
 
-// The findings as data, one object each.
-JsonValue json_of(const Findings& findings);
-
 // "flat.pgm: shadow of R is 12.3 % (refused above 8): advice".
 std::string sentence_of(const std::string& name, const Finding& finding);
 
@@ -33,9 +30,9 @@ std::string sentence_of(const std::string& name, const Finding& finding);
 bool can_be_checked(const RawFrame& frame);
 
 // Checks captures whose pattern and black level are known, adds "checks" to the document, warns, and refuses
-// what must be refused, unless it is forced. Returns the names of the checks that refuse one. Small frames
-// are judged by their exposure alone.
-std::vector<std::string> check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
-                                     const FlatCheckOptions& options, double clip_limit, Report& report);
+// what must be refused, unless it is forced. Returns the findings of each capture. Small frames are judged by
+// their exposure alone, and have none.
+std::vector<Findings> check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
+                                  const FlatCheckOptions& options, double clip_limit, Report& report);
 
 } // namespace zerklsc::tool

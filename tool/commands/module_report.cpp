@@ -10,8 +10,8 @@
 #include "failure.h"
 #include "imaging/prediction.h"
 #include "io/file_identity.h"
+#include "io/input_record.h"
 #include "io/output_set.h"
-#include "io/sha256.h"
 #include "io/table_json.h"
 #include "preview/rows.h"
 #include "preview/sheet.h"
@@ -27,15 +27,10 @@ struct Options {
     std::string tables, isp, output;
 };
 
-JsonValue input_of(const char* role, const std::string& path) {
-    const JsonValue hash = path == "-" ? JsonValue::null() : JsonValue(sha256_of_file(path));
-    return JsonValue::object({{"role", role}, {"path", path}, {"sha256", hash}});
-}
-
 void add_parameters(Report& report, const Options& options, const GainTables& tables, Isp isp) {
     report.add("program", "zerklsc " ZERKLSC_VERSION);
-    report.add("inputs", JsonValue::array(
-                             {input_of("flat field", options.raw.path), input_of("tables", options.tables)}));
+    report.add("inputs", JsonValue::array({json_of(input_record("flat field", options.raw.path)),
+                                           json_of(input_record("tables", options.tables))}));
     report.add("algorithm", algorithm_name(tables.algorithm));
     report.add("step", tables.step);
     report.add("filter_radius", tables.filter_radius);

@@ -10,6 +10,7 @@
 #include "failure.h"
 #include "imaging/otp_stream.h"
 #include "io/file_identity.h"
+#include "io/input_record.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "terminal.h"
@@ -70,6 +71,7 @@ void run(const Options& options, Report& report) {
         warn(fmt::format("{}: a grid of {} x {} nodes, odd by even, decodes wrong in its lower half",
                          options.stream, tables.table_width - 2 * ZERKLSC_BORDER,
                          tables.table_height - 2 * ZERKLSC_BORDER));
+    tables.inputs = {input_record("OTP file", options.stream)};
     write_file(options.output, encode_table_json(tables));
     add_written_tables(report, options.output, tables);
 }

@@ -6,10 +6,19 @@
 #include <string>
 #include <vector>
 
+#include "check/finding.h"
 #include "imaging/bayer_pattern.h"
 #include "imaging/raw_frame.h"
 
 namespace zerklsc::tool {
+
+// A file that tables were made from.
+struct TableInput {
+    std::string role;   // "flat field"
+    std::string name;   // of the file, without its directory
+    std::string sha256; // in hexadecimal digits; nothing where the file could be read but once
+    Findings checks;    // what was found in a flat field
+};
 
 struct GainTables {
     int raw_width = 0;
@@ -19,10 +28,10 @@ struct GainTables {
     int filter_radius = 0;
     int shading_percent = 100;
     BayerPattern pattern = BayerPattern::rggb;
-    BlackLevel black{};                     // at `bits`
-    int bits = 0;                           // of the capture
-    std::vector<std::string> failed_checks; // those that refused the capture, which was used all the same
-    int table_width = 0;                    // border included
+    BlackLevel black{};             // at `bits`
+    int bits = 0;                   // of the capture
+    std::vector<TableInput> inputs; // nothing where they are not known
+    int table_width = 0;            // border included
     int table_height = 0;
     std::array<std::vector<uint16_t>, 4> gains; // by plane number, row by row, 1024 = gain 1.0
 

@@ -7,9 +7,13 @@
 
 namespace zerklsc::tool {
 
+constexpr const char* table_format_name = "zerklsc-tables";
+constexpr int table_format_version = 2; // docs/table-file.md says what each version holds
+
+// The same tables give the same bytes.
 std::string encode_table_json(const GainTables& tables);
 
-// Reads a table file; a data failure says which field is missing or wrong.
+// Reads a table file of this version or an earlier one; a data failure says which field is missing or wrong.
 GainTables read_table_json(const std::string& path);
 
 } // namespace zerklsc::tool

@@ -194,7 +194,7 @@ function showParameters() {
         ['Filter radius', cell('filter_radius', plain)], ['Shading corrected, percent', cell('shading_percent', plain)],
         ['Nodes of a table, border included', cell('table_size', size)]]));
     place('inputs').append(table(['Input', 'File', 'SHA-256'], data.inputs.map(input => [
-        input.role, make('td', {class: 'text'}, input.path), make('td', {class: 'text hash'}, input.sha256 || '–')])));
+        input.role, make('td', {class: 'text'}, input.name), make('td', {class: 'text hash'}, input.sha256 || '–')])));
 }
 
 function redraw() {

@@ -1,11 +1,10 @@
-// encode_table_json, read_table_json
+// read_table_json
 #include "io/table_json.h"
 
-#include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
 
 #include "failure.h"
@@ -15,23 +14,6 @@ namespace zerklsc::tool {
 namespace {
 
 using nlohmann::json;
-
-constexpr const char* format_name = "zerklsc-tables";
-constexpr int format_version = 1;
-
-// One grid row a line, so that people can read the tables and compare two files.
-std::string encode_table(const GainTables& tables, int plane) {
-    std::string rows;
-    const auto& gains = tables.gains[static_cast<size_t>(plane)];
-    for (int j = 0; j < tables.table_height; ++j) {
-        const auto row = gains.begin() + j * tables.table_width;
-        rows += fmt::format("{}        [{}]", j == 0 ? "" : ",\n",
-                            fmt::join(row, row + tables.table_width, ", "));
-    }
-    return fmt::format(
-        "    {{\n      \"plane\": {},\n      \"colour\": \"{}\",\n      \"gains\": [\n{}\n      ]\n    }}",
-        plane, name_of(colour_of_plane(tables.pattern, plane)), rows);
-}
 
 // Looks fields up in one file, and names the file and the field when they are not as they must be.
 class Reader {
@@ -55,19 +37,25 @@ class Reader {
         return field(name).get<std::string>();
     }
 
-    // A list of names made of small letters and dashes; none where there is no such field.
-    std::vector<std::string> names(const char* name) const {
-        std::vector<std::string> found;
-        if (!object_.contains(name))
-            return found;
-        for (const json& element : object_[name]) {
-            found.push_back(element.is_string() ? element.get<std::string>() : "");
-            if (found.back().empty()
-                || found.back().find_first_not_of("abcdefghijklmnopqrstuvwxyz-") != std::string::npos)
-                data_failure("{}: \"{}\" is not a list of names", path_, name);
-        }
-        return found;
+    // Nothing for null.
+    std::string text_or_null(const char* name) const {
+        return field(name).is_null() ? std::string() : text(name);
     }
+
+    std::optional<double> number_or_null(const char* name) const {
+        const json& value = field(name);
+        if (!value.is_number() && !value.is_null())
+            data_failure("{}: \"{}\" is neither a number nor null", path_, name);
+        return value.is_null() ? std::nullopt : std::optional(value.get<double>());
+    }
+
+    const json& list(const char* name) const {
+        if (!field(name).is_array())
+            data_failure("{}: \"{}\" is not a list", path_, name);
+        return field(name);
+    }
+
+    bool has(const char* name) const { return object_.is_object() && object_.contains(name); }
 
     template <size_t N>
     std::array<int, N> integers(const char* name, int lowest, int highest) const {
@@ -105,14 +93,77 @@ json parse(const std::string& path) {
 }
 
 void check_version(const Reader& reader) {
-    if (reader.text("format") != format_name)
+    if (reader.text("format") != table_format_name)
         data_failure("{}: is of format \"{}\", not \"{}\"", reader.path(), reader.text("format"),
-                     format_name);
+                     table_format_name);
     const int version = reader.integer("version", 1, std::numeric_limits<int>::max());
-    if (version != format_version)
-        data_failure(
-            "{}: is a table file of version {}, and this tool reads version {}: use the tool that wrote it",
-            reader.path(), version, format_version);
+    if (version > table_format_version)
+        data_failure("{}: is a table file of version {}, and this tool reads up to version {}: use the tool "
+                     "that wrote it",
+                     reader.path(), version, table_format_version);
+}
+
+Verdict verdict_from(const Reader& finding) {
+    for (const Verdict verdict : {Verdict::pass, Verdict::warn, Verdict::refuse})
+        if (finding.text("verdict") == name_of(verdict))
+            return verdict;
+    data_failure("{}: \"verdict\" holds \"{}\", which is not pass, warn or refuse", finding.path(),
+                 finding.text("verdict"));
+}
+
+Findings read_findings(const std::string& path, const json& list) {
+    Findings findings;
+    for (const json& object : list) {
+        const Reader finding(path, object);
+        findings.push_back({finding.text("name"),
+                            finding.text_or_null("plane"),
+                            finding.number_or_null("value").value_or(std::nan("")),
+                            finding.text("unit"),
+                            {finding.number_or_null("limit_warn"), finding.number_or_null("limit_refuse")},
+                            verdict_from(finding),
+                            finding.text("advice")});
+    }
+    return findings;
+}
+
+std::vector<TableInput> read_inputs(const Reader& reader) {
+    std::vector<TableInput> inputs;
+    for (const json& object : reader.list("inputs")) {
+        const Reader input(reader.path(), object);
+        inputs.push_back({input.text("role"), input.text("name"), input.text_or_null("sha256"),
+                          read_findings(reader.path(), input.list("checks"))});
+    }
+    return inputs;
+}
+
+// Version 1 only has the names of the checks that refused the capture.
+std::vector<TableInput> read_inputs_of_version_1(const Reader& reader) {
+    TableInput input{"flat field", "", "", {}};
+    if (!reader.has("failed_checks"))
+        return {};
+    for (const json& name : reader.list("failed_checks")) {
+        if (!name.is_string())
+            data_failure("{}: \"failed_checks\" is not a list of names", reader.path());
+        input.checks.push_back({name.get<std::string>(), "", std::nan(""), "", {}, Verdict::refuse, ""});
+    }
+    return {input};
+}
+
+// What the calibration was told, which version 1 holds beside the geometry.
+void read_parameters(const Reader& reader, GainTables& tables) {
+    tables.algorithm = reader.integer("algorithm", 0, 4);
+    tables.filter_radius = reader.integer("filter_radius", 0, 65535);
+    tables.shading_percent = reader.integer("shading_percent", 0, 65535);
+}
+
+void read_provenance(const Reader& reader, GainTables& tables) {
+    if (reader.integer("version", 1, table_format_version) == 1) {
+        read_parameters(reader, tables);
+        tables.inputs = read_inputs_of_version_1(reader);
+        return;
+    }
+    read_parameters(Reader(reader.path(), reader.field("parameters")), tables);
+    tables.inputs = read_inputs(reader);
 }
 
 GainTables read_header(const Reader& reader) {
@@ -124,9 +175,7 @@ GainTables read_header(const Reader& reader) {
         data_failure("{}: \"raw_size\" of {} x {} is not whole 2 x 2 Bayer cells", reader.path(),
                      tables.raw_width, tables.raw_height);
     tables.step = reader.integer("step", smallest_step, largest_step);
-    tables.algorithm = reader.integer("algorithm", 0, 4);
-    tables.filter_radius = reader.integer("filter_radius", 0, 65535);
-    tables.shading_percent = reader.integer("shading_percent", 0, 65535);
+    read_provenance(reader, tables);
     const auto pattern = bayer_pattern_from(reader.text("bayer_pattern"));
     if (!pattern)
         data_failure("{}: \"bayer_pattern\" holds \"{}\", which is not RGGB, GRBG, GBRG or BGGR",
@@ -134,7 +183,6 @@ GainTables read_header(const Reader& reader) {
     tables.pattern = *pattern;
     tables.black = reader.integers<4>("black_level", 0, 65535);
     tables.bits = reader.integer("bit_depth", 8, 16);
-    tables.failed_checks = reader.names("failed_checks");
     // The tables themselves are made row by row as the file holds them, not from what it says in its head.
     tables.set_table_size();
     const auto size = reader.integers<2>("table_size", 1, std::numeric_limits<int>::max());
@@ -160,40 +208,6 @@ void read_gains(const std::string& path, const json& rows, GainTables& tables, s
 }
 
 } // namespace
-
-std::string encode_table_json(const GainTables& tables) {
-    std::string planes;
-    for (int plane = 0; plane < 4; ++plane)
-        planes += (plane == 0 ? "" : ",\n") + encode_table(tables, plane);
-    const std::string failed =
-        tables.failed_checks.empty()
-            ? ""
-            : fmt::format("  \"failed_checks\": [\"{}\"],\n", fmt::join(tables.failed_checks, "\", \""));
-    return fmt::format(R"({{
-  "format": "{}",
-  "version": {},
-  "raw_size": [{}, {}],
-  "plane_size": [{}, {}],
-  "step": {},
-  "table_size": [{}, {}],
-  "algorithm": {},
-  "algorithm_name": "{}",
-  "filter_radius": {},
-  "shading_percent": {},
-  "bayer_pattern": "{}",
-  "black_level": [{}],
-  "bit_depth": {},
-{}  "tables": [
-{}
-  ]
-}}
-)",
-                       format_name, format_version, tables.raw_width, tables.raw_height, tables.plane_width(),
-                       tables.plane_height(), tables.step, tables.table_width, tables.table_height,
-                       tables.algorithm, algorithm_name(tables.algorithm), tables.filter_radius,
-                       tables.shading_percent, name_of(tables.pattern), fmt::join(tables.black, ", "),
-                       tables.bits, failed, planes);
-}
 
 GainTables read_table_json(const std::string& path) {
     const json object = parse(path);

@@ -1,0 +1,12 @@
+// What the checks found, as every document of the tool holds it.
+#pragma once
+
+#include "check/finding.h"
+#include "io/json_value.h"
+
+namespace zerklsc::tool {
+
+// One object for each finding: name, plane or null, value, unit, limits or null, verdict and advice.
+JsonValue json_of(const Findings& findings);
+
+} // namespace zerklsc::tool

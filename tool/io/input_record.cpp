@@ -1,0 +1,20 @@
+// input_record, json_of
+#include "io/input_record.h"
+
+#include "io/file_identity.h"
+#include "io/sha256.h"
+
+namespace zerklsc::tool {
+
+TableInput input_record(const char* role, const std::string& path) {
+    if (path == "-")
+        return {role, "standard input", "", {}};
+    return {role, path.substr(directory_of(path).size()), sha256_of_file(path), {}};
+}
+
+JsonValue json_of(const TableInput& input) {
+    const JsonValue hash = input.sha256.empty() ? JsonValue::null() : JsonValue(input.sha256);
+    return JsonValue::object({{"role", input.role}, {"name", input.name}, {"sha256", hash}});
+}
+
+} // namespace zerklsc::tool

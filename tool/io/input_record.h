@@ -1,0 +1,17 @@
+// How tables and reports name the files that they were made from.
+#pragma once
+
+#include <string>
+
+#include "imaging/gain_tables.h"
+#include "io/json_value.h"
+
+namespace zerklsc::tool {
+
+// Reads the file for its hash; "-" cannot be read again, and has none.
+TableInput input_record(const char* role, const std::string& path);
+
+// "role", "name" and "sha256", or null where it is not known.
+JsonValue json_of(const TableInput& input);
+
+} // namespace zerklsc::tool
