@@ -82,7 +82,7 @@ Shown show(const RawFrame& frame, PanelSize size) {
 
 double lowest_percent(const Shown& shown) {
     double low = 1;
-    for (const Field& field : shown.brightness)
+    for (const PanelField& field : shown.brightness)
         low = std::min(low, field.largest() > 0 ? field.smallest() / field.largest() : 0);
     return std::min(std::floor(low * 10) * 10, 90.0);
 }
@@ -128,7 +128,7 @@ PanelRow gain_row(const GainTables& tables, PanelSize size) {
 PanelRow residual_row(const std::string& title, const Shown& shown) {
     PanelRow row;
     for (size_t i = 0; i < all_colours.size(); ++i) {
-        Field field = shown.brightness[i];
+        PanelField field = shown.brightness[i];
         const double mean = field.mean();
         for (double& v : field.values)
             v = mean > 0 ? 100 * (v / mean - 1) : 0;

@@ -7,12 +7,12 @@
 
 #include "imaging/gain_tables.h"
 #include "imaging/levels.h"
-#include "preview/field.h"
+#include "preview/panel_field.h"
 
 namespace zerklsc::tool {
 
 struct Panel {
-    Field field;
+    PanelField field;
     std::string caption;       // below the panel
     std::vector<bool> clipped; // pixels over clipped samples, row by row; may be empty
 };
@@ -37,7 +37,7 @@ std::string beyond_scale_text(const PanelRow& row);
 struct Shown {
     BayerPattern pattern;
     FrameLevels levels;
-    std::array<Field, 4> brightness; // by colour, as what follows
+    std::array<PanelField, 4> brightness; // by colour, as what follows
     std::array<std::vector<bool>, 4> clipped;
     std::array<double, 4> clipped_fraction;
 

@@ -34,7 +34,7 @@ Rgb darker(Rgb c) {
     return {dim(c.r), dim(c.g), dim(c.b)};
 }
 
-bool crosses_contour(const PanelRow& row, const Field& field, int x, int y) {
+bool crosses_contour(const PanelRow& row, const PanelField& field, int x, int y) {
     if (row.contour <= 0)
         return false;
     // The ends of the scale are no contours: a field touches them in single points.
@@ -46,7 +46,7 @@ bool crosses_contour(const PanelRow& row, const Field& field, int x, int y) {
 }
 
 void draw_field(Canvas& canvas, int left, int top, const PanelRow& row, const Panel& panel) {
-    const Field& field = panel.field;
+    const PanelField& field = panel.field;
     for (int y = 0; y < field.height; ++y)
         for (int x = 0; x < field.width; ++x) {
             const Rgb colour = colour_of(row, field.at(x, y));
@@ -111,7 +111,7 @@ Canvas draw_scale_strip(const PanelRow& row) {
 }
 
 Canvas draw_sheet(const std::vector<std::string>& heading, const std::vector<PanelRow>& rows) {
-    const Field& first = rows.front().panels[0].field;
+    const PanelField& first = rows.front().panels[0].field;
     const int column = widest_column(rows) + gap;
     const int row_height = line_height + first.height + line_height + row_gap;
     const int width = 2 * margin + 4 * column + scale_width + 11 + scale_label_width;

@@ -1,5 +1,5 @@
-// Field, brightness_field, clipped_places, block_field, gain_field
-#include "preview/field.h"
+// PanelField, brightness_field, clipped_places, block_field, gain_field
+#include "preview/panel_field.h"
 
 #include <algorithm>
 #include <numeric>
@@ -41,8 +41,8 @@ bool any_clipped(const RawFrame& frame, int plane, const SamplesUnder& under) {
 }
 
 // Replaces each value by the mean over a window that is cut off at the edges.
-Field smoothed(const Field& field, int radius) {
-    Field result = field;
+PanelField smoothed(const PanelField& field, int radius) {
+    PanelField result = field;
     for (int y = 0; y < field.height; ++y)
         for (int x = 0; x < field.width; ++x) {
             const int x0 = std::max(x - radius, 0), x1 = std::min(x + radius + 1, field.width);
@@ -73,27 +73,27 @@ double bilinear(double u, double v, F at) {
 
 } // namespace
 
-double Field::smallest() const {
+double PanelField::smallest() const {
     return *std::ranges::min_element(values);
 }
 
-double Field::largest() const {
+double PanelField::largest() const {
     return *std::ranges::max_element(values);
 }
 
-double Field::mean() const {
+double PanelField::mean() const {
     return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
 }
 
-Field Field::scaled(double factor) const {
-    Field result = *this;
+PanelField PanelField::scaled(double factor) const {
+    PanelField result = *this;
     for (double& v : result.values)
         v *= factor;
     return result;
 }
 
-Field brightness_field(const RawFrame& frame, int plane, int black, PanelSize size) {
-    Field field{size.width, size.height, {}};
+PanelField brightness_field(const RawFrame& frame, int plane, int black, PanelSize size) {
+    PanelField field{size.width, size.height, {}};
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x)
             field.values.push_back(mean_of(frame, plane, SamplesUnder(frame, size, x, y), black));
@@ -109,8 +109,8 @@ std::vector<bool> clipped_places(const RawFrame& frame, int plane, PanelSize siz
     return places;
 }
 
-Field block_field(const BlockMeans& blocks, PanelSize size) {
-    Field field{size.width, size.height, {}};
+PanelField block_field(const BlockMeans& blocks, PanelSize size) {
+    PanelField field{size.width, size.height, {}};
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x) {
             // Half a block beyond the middles of the outermost blocks, these go on.
@@ -124,8 +124,8 @@ Field block_field(const BlockMeans& blocks, PanelSize size) {
     return field;
 }
 
-Field gain_field(const GainTables& tables, int plane, PanelSize size) {
-    Field field{size.width, size.height, {}};
+PanelField gain_field(const GainTables& tables, int plane, PanelSize size) {
+    PanelField field{size.width, size.height, {}};
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x) {
             const double u = (x + 0.5) * tables.plane_width() / size.width / tables.step;

@@ -9,7 +9,7 @@
 
 namespace zerklsc::tool {
 
-struct Field {
+struct PanelField {
     int width = 0;
     int height = 0;
     std::vector<double> values; // row by row
@@ -20,7 +20,7 @@ struct Field {
     double smallest() const;
     double largest() const;
     double mean() const;
-    Field scaled(double factor) const;
+    PanelField scaled(double factor) const;
 };
 
 struct PanelSize {
@@ -28,15 +28,15 @@ struct PanelSize {
 };
 
 // The plane's brightness above `black`, averaged so far that noise does not show.
-Field brightness_field(const RawFrame& frame, int plane, int black, PanelSize size);
+PanelField brightness_field(const RawFrame& frame, int plane, int black, PanelSize size);
 
 // Which pixels of such a field, row by row, lie over a sample of the plane at the white level.
 std::vector<bool> clipped_places(const RawFrame& frame, int plane, PanelSize size);
 
 // Numbers of blocks, with a straight line from the middle of one to the next.
-Field block_field(const BlockMeans& blocks, PanelSize size);
+PanelField block_field(const BlockMeans& blocks, PanelSize size);
 
 // The plane's gains between the nodes.
-Field gain_field(const GainTables& tables, int plane, PanelSize size);
+PanelField gain_field(const GainTables& tables, int plane, PanelSize size);
 
 } // namespace zerklsc::tool
