@@ -39,7 +39,7 @@ void bring_to_10_bits(RawFrame& frame, bool scale) {
 void run(const Options& options, Report& report) {
     keep_files_apart({options.raw.path, options.tables}, {options.output});
     const GainTables tables = read_table_json(options.tables);
-    const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
+    const Isp isp = isp_of_option(options.isp, tables);
     RawFrame frame = read_raw_for(options.raw, tables, options.tables);
     bring_to_10_bits(frame, options.scale);
     const BlackLevel black = *frame.black;
@@ -71,9 +71,7 @@ void add_correct(Command app) {
                 "frame to write, in the form of the input or by its extension")
         .required()
         .takes("FILE");
-    command
-        .option("--isp", options->isp, "ISP that corrects (default: the one that the tables were made for)")
-        .takes("{tvessa2,vessal2}");
+    add_isp_option(command, options->isp);
     command.flag("--restore-black", options->restore_black, "put the black level back after the correction");
     command.flag("--scale", options->scale, "scale samples deeper than 10 bits to 10 bits");
     command.footer("The result has 10-bit samples, as the ISP's. A black level that neither --black-level "

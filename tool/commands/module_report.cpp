@@ -63,7 +63,7 @@ void run(const Options& options, Report& report) {
         usage_failure("{}: a report is written as HTML: give a name that ends in .html", options.output);
     keep_files_apart({options.raw.path, options.tables}, {options.output});
     const GainTables tables = read_table_json(options.tables);
-    const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
+    const Isp isp = isp_of_option(options.isp, tables);
     const RawFrame frame = read_raw_for(options.raw, tables, options.tables);
     const Progress progress("writing " + options.output);
     add_frame(report, frame);
@@ -85,9 +85,7 @@ void add_report(Command app) {
         app.subcommand("report", "Put all about a module's calibration on one page that opens offline");
     add_raw_options(command, options->raw, "flat");
     command.option("--tables", options->tables, "table file of the module").required().takes("FILE");
-    command
-        .option("--isp", options->isp, "ISP that corrects (default: the one that the tables were made for)")
-        .takes("{tvessa2,vessal2}");
+    add_isp_option(command, options->isp);
     command.option("-o,--output", options->output, "page to write (HTML)").required().takes("FILE");
     command.footer("The page holds maps, cross-sections and numbers before and after the correction by the "
                    "exact model\n"

@@ -1,4 +1,4 @@
-// pattern_of_option, black_level_of_option, algorithm_from, isp_from, check_even
+// pattern_of_option, black_level_of_option, algorithm_from, add_isp_option, isp_of_option, check_even
 #include "commands/option_values.h"
 
 #include "failure.h"
@@ -32,7 +32,14 @@ int algorithm_from(const std::string& text) {
         text);
 }
 
-Isp isp_from(const std::string& name) {
+Option add_isp_option(Command command, std::string& name) {
+    return command.option("--isp", name, "ISP that corrects (default: the one that the tables were made for)")
+        .takes("{tvessa2,vessal2}");
+}
+
+Isp isp_of_option(const std::string& name, const GainTables& tables) {
+    if (name.empty())
+        return isp_of_algorithm(tables.algorithm);
     for (const Isp isp : {Isp::tvessa2, Isp::vessal2})
         if (name == name_of(isp))
             return isp;

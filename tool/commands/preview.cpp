@@ -48,7 +48,7 @@ struct Sheet {
 std::optional<RawFrame> corrected_frame(const Options& options, const GainTables& tables,
                                         const RawFrame& frame, Sheet& sheet, std::string& how) {
     if (!options.tables.empty()) {
-        const Isp isp = options.isp.empty() ? isp_of_algorithm(tables.algorithm) : isp_from(options.isp);
+        const Isp isp = isp_of_option(options.isp, tables);
         how = fmt::format("after {}", name_of(isp));
         sheet.heading.push_back(
             fmt::format("corrected with {} as the {} ISP does", options.tables, name_of(isp)));
@@ -134,10 +134,7 @@ void add_preview(Command app) {
     command.option("-o,--output", options->output, "picture to write (PNG)").required().takes("FILE");
     Option tables =
         command.option("--tables", options->tables, "correct the frame with this table file").takes("FILE");
-    command
-        .option("--isp", options->isp, "ISP that corrects (default: the one that the tables were made for)")
-        .takes("{tvessa2,vessal2}")
-        .needs(tables);
+    add_isp_option(command, options->isp).needs(tables);
     Option corrected = command.option("--corrected", options->corrected, "compare with this corrected frame")
                            .takes("FILE")
                            .excludes(tables);
