@@ -3,10 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "bicubic/generator/clipped_samples.h"
+#include "bicubic/generator/calls.h"
 #include "bicubic/generator/colour_plane.h"
-#include "bicubic/generator/gains.h"
-#include "bicubic/generator/job.h"
 #include "bicubic/generator/target.h"
 #include "zerklsc_driver.h"
 
@@ -76,23 +74,9 @@ GeneratorFindings generate(const GeneratorJob& job, isp_param_tag& param) {
 } // namespace
 
 int32_t bicubic_lnc_param_gen_halvane(uint16_t* raw, isp_param_tag* param) {
-    GeneratorJob job{};
-    if (prepare_patches(raw, param, job) != ZERKLSC_OK)
-        return -1;
-    print_clipped_samples(job.raw, *param);
-    print_findings(generate(job, *param), *param);
-    return 0;
+    return generate_and_print(raw, param, prepare_patches, generate);
 }
 
 zerklsc_status zerklsc_generate_halvane(const uint16_t* raw, isp_param_tag* param, zerklsc_report* report) {
-    GeneratorJob job{};
-    const zerklsc_status status = prepare_patches(raw, param, job);
-    if (status != ZERKLSC_OK)
-        return status;
-    if (!has_gain_format(param->isp_type))
-        return ZERKLSC_UNKNOWN_ISP;
-    const GeneratorFindings findings = generate(job, *param);
-    if (report != nullptr)
-        *report = make_report(job, *param, findings);
-    return ZERKLSC_OK;
+    return generate_and_report(raw, param, report, prepare_patches, generate);
 }
