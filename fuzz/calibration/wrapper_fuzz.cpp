@@ -7,9 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     lsc2d_info info{};
     info.algorithm = input.number();
-    info.grid = static_cast<uint16_t>(input.number());
-    info.width = static_cast<uint16_t>(input.number());
-    info.height = static_cast<uint16_t>(input.number());
+    take_geometry(input, info);
     info.filter_radius = input.number();
     info.shading_percent = input.number();
     int32_t table_w, table_h;
@@ -18,11 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (samples < 0 || entries < 0)
         return 0;
     const std::vector<uint16_t> raw = input.buffer<uint16_t>(samples);
-    std::vector<uint16_t> tables[4];
-    for (int k = 0; k < 4; ++k) {
-        tables[k].resize(static_cast<size_t>(entries));
-        info.lsc_table[k] = tables[k].data();
-    }
+    const auto tables = take_tables(input, info, entries);
     lsc2d_calibration_wrapper(raw.data(), &info);
     return 0;
 }

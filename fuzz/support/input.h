@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -62,6 +63,25 @@ inline int64_t elements_of(int64_t width, int64_t height) {
     if (width <= 0 || height <= 0)
         return 0;
     return width <= most_elements && height <= most_elements / width ? width * height : -1;
+}
+
+// A record's step and size.
+template <class Record>
+void take_geometry(Input& input, Record& record) {
+    record.grid = static_cast<uint16_t>(input.number());
+    record.width = static_cast<uint16_t>(input.number());
+    record.height = static_cast<uint16_t>(input.number());
+}
+
+// The four tables that the record points to from now on.
+template <class Record>
+std::array<std::vector<uint16_t>, 4> take_tables(const Input& input, Record& record, int64_t entries) {
+    std::array<std::vector<uint16_t>, 4> tables;
+    for (size_t k = 0; k < tables.size(); ++k) {
+        tables[k] = input.buffer<uint16_t>(entries);
+        record.lsc_table[k] = tables[k].data();
+    }
+    return tables;
 }
 
 } // namespace zerklsc::fuzz

@@ -21,9 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     lsc2d_info info{};
     info.algorithm = input.take<uint8_t>() % 6;
-    info.grid = static_cast<uint16_t>(input.number());
-    info.width = static_cast<uint16_t>(input.number());
-    info.height = static_cast<uint16_t>(input.number());
+    take_geometry(input, info);
     const int32_t first_row = input.number(), rows = input.number();
     const size_t stride = info.width + input.take<uint8_t>() % size_t{40};
     const int64_t samples = elements_of(static_cast<int64_t>(stride), info.height);
@@ -32,11 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int64_t entries = elements_of(table_w, table_h);
     if (samples <= 0 || entries < 0 || info.width == 0)
         return 0;
-    std::vector<uint16_t> tables[4];
-    for (int c = 0; c < 4; ++c) {
-        tables[c] = input.buffer<uint16_t>(entries);
-        info.lsc_table[c] = tables[c].data();
-    }
+    const auto tables = take_tables(input, info, entries);
     const auto packed = input.buffer<uint16_t>(int64_t{info.width} * info.height);
     const auto in = padded(packed, info.width, stride);
     auto out = in;

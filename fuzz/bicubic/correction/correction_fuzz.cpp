@@ -20,19 +20,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     isp_param_tag param{};
     const uint8_t choice = input.take<uint8_t>();
     const bool tvessa2 = (choice & 1) != 0, in_place = (choice & 2) != 0;
-    param.grid = static_cast<uint16_t>(input.number());
-    param.width = static_cast<uint16_t>(input.number());
-    param.height = static_cast<uint16_t>(input.number());
+    take_geometry(input, param);
     const int64_t entries = elements_of(table_nodes(param.width / 2, param.grid, tvessa2),
                                         table_nodes(param.height / 2, param.grid, tvessa2));
     const int64_t samples = elements_of(param.width, param.height);
     if (samples < 0 || entries < 0)
         return 0;
-    std::vector<uint16_t> tables[4];
-    for (int k = 0; k < 4; ++k) {
-        tables[k] = input.buffer<uint16_t>(entries);
-        param.lsc_table[k] = tables[k].data();
-    }
+    const auto tables = take_tables(input, param, entries);
     // A null table is refused; one without entries is not null.
     uint16_t none = 0;
     for (uint16_t*& table : param.lsc_table)

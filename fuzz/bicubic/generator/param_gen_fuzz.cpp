@@ -33,9 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const uint8_t generator = input.take<uint8_t>();
     param.isp_type = input.take<uint8_t>();
     param.bayer_pattern = input.take<uint8_t>();
-    param.grid = static_cast<uint16_t>(input.number());
-    param.width = static_cast<uint16_t>(input.number());
-    param.height = static_cast<uint16_t>(input.number());
+    take_geometry(input, param);
     param.filter_radius = input.number();
     param.shading_percent = input.number();
     for (uint8_t& level : param.blc)
@@ -45,11 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (samples < 0 || entries < 0)
         return 0;
     std::vector<uint16_t> raw = input.buffer<uint16_t>(samples);
-    std::vector<uint16_t> tables[4];
-    for (int k = 0; k < 4; ++k) {
-        tables[k].resize(static_cast<size_t>(entries));
-        param.lsc_table[k] = tables[k].data();
-    }
+    const auto tables = take_tables(input, param, entries);
     if (generator % 3 == 0)
         bicubic_lnc_param_gen_orvel_otp(raw.data(), &param);
     else if (generator % 3 == 1)
