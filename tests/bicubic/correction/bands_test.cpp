@@ -114,16 +114,20 @@ TEST(Bands, AnySplitOfPaddedRowsGivesTheBytesOfTheWholeAndNoOther) {
     EXPECT_GE(tried, 1000);
 }
 
+// Where a correction reads and writes in the frame of BandsCall: strides in bytes, the offset in samples.
+struct Placing {
+    size_t stride = 160, out_stride = 160, out_offset = 0;
+};
+
 struct BandsCall : ::testing::Test {
-    zerklsc_status run(int32_t first_row, int32_t rows) {
-        return zerklsc_correct(&whole.info, frame.data(), stride, frame.data() + out_offset, out_stride,
-                               first_row, rows);
+    zerklsc_status run(int32_t first_row, int32_t rows, const Placing& at = {}) {
+        return zerklsc_correct(&whole.info, frame.data(), at.stride, frame.data() + at.out_offset,
+                               at.out_stride, first_row, rows);
     }
 
     Random random{5};
     Whole whole{2, 64, 20, 8, random};
     std::vector<uint16_t> frame = std::vector<uint16_t>(6000, 0x1111);
-    size_t stride = 160, out_stride = 160, out_offset = 0;
 };
 
 TEST_F(BandsCall, RowsThatAreNotAskedForStay) {
@@ -141,43 +145,39 @@ TEST_F(BandsCall, RowsThatAreNotAskedForStay) {
 TEST_F(BandsCall, HostileRowsStridesAndOverlapsAreRefusedAndNothingIsWritten) {
     const auto before = frame;
     const struct {
-        size_t stride, out_stride, out_offset;
+        Placing at;
         int32_t first_row, rows;
         zerklsc_status status;
     } cases[] = {
-        {160, 160, 0, -1, 1, ZERKLSC_BAD_ROWS},
-        {160, 160, 0, 0, -1, ZERKLSC_BAD_ROWS},
-        {160, 160, 0, 1, 20, ZERKLSC_BAD_ROWS},
-        {160, 160, 0, 21, 0, ZERKLSC_BAD_ROWS},
-        {160, 160, 0, INT32_MAX, INT32_MAX, ZERKLSC_BAD_ROWS},
-        {160, 160, 0, INT32_MIN, INT32_MIN, ZERKLSC_BAD_ROWS},
-        {126, 160, 3000, 0, 20, ZERKLSC_BAD_STRIDE},
-        {160, 126, 3000, 0, 20, ZERKLSC_BAD_STRIDE},
-        {161, 161, 3000, 0, 20, ZERKLSC_BAD_STRIDE},
-        {0, 0, 3000, 0, 20, ZERKLSC_BAD_STRIDE},
-        {SIZE_MAX - 1, 160, 3000, 0, 20, ZERKLSC_BAD_STRIDE},
-        {160, SIZE_MAX / 2 - 1, 3000, 0, 20, ZERKLSC_BAD_STRIDE},
-        {160, 160, 1, 0, 20, ZERKLSC_OVERLAP},  // half a pixel's row further
-        {160, 160, 80, 0, 20, ZERKLSC_OVERLAP}, // a row further
-        {160, 160, 79, 0, 20, ZERKLSC_OVERLAP},
-        {160, 176, 0, 0, 20, ZERKLSC_OVERLAP},            // in place with another stride
-        {160, 128, 19 * 80 + 63, 0, 20, ZERKLSC_OVERLAP}, // the last sample
+        {{160, 160, 0}, -1, 1, ZERKLSC_BAD_ROWS},
+        {{160, 160, 0}, 0, -1, ZERKLSC_BAD_ROWS},
+        {{160, 160, 0}, 1, 20, ZERKLSC_BAD_ROWS},
+        {{160, 160, 0}, 21, 0, ZERKLSC_BAD_ROWS},
+        {{160, 160, 0}, INT32_MAX, INT32_MAX, ZERKLSC_BAD_ROWS},
+        {{160, 160, 0}, INT32_MIN, INT32_MIN, ZERKLSC_BAD_ROWS},
+        {{126, 160, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
+        {{160, 126, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
+        {{161, 161, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
+        {{0, 0, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
+        {{SIZE_MAX - 1, 160, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
+        {{160, SIZE_MAX / 2 - 1, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
+        {{160, 160, 1}, 0, 20, ZERKLSC_OVERLAP},  // half a pixel's row further
+        {{160, 160, 80}, 0, 20, ZERKLSC_OVERLAP}, // a row further
+        {{160, 160, 79}, 0, 20, ZERKLSC_OVERLAP},
+        {{160, 176, 0}, 0, 20, ZERKLSC_OVERLAP},            // in place with another stride
+        {{160, 128, 19 * 80 + 63}, 0, 20, ZERKLSC_OVERLAP}, // the last sample
     };
     for (const auto& c : cases) {
-        stride = c.stride, out_stride = c.out_stride, out_offset = c.out_offset;
-        EXPECT_EQ(run(c.first_row, c.rows), c.status) << &c - cases;
+        EXPECT_EQ(run(c.first_row, c.rows, c.at), c.status) << &c - cases;
         EXPECT_EQ(frame, before);
     }
 }
 
 TEST_F(BandsCall, FramesBesideEachOtherAndBehindEachOtherDoNotOverlap) {
-    const struct {
-        size_t stride, out_stride, out_offset;
-    } cases[] = {{256, 256, 64}, {300, 300, 80}, {160, 128, 19 * 80 + 64}, {160, 160, 20 * 80}};
-    for (const auto& c : cases) {
-        stride = c.stride, out_stride = c.out_stride, out_offset = c.out_offset;
-        EXPECT_EQ(run(0, 20), ZERKLSC_OK) << c.out_offset;
-    }
+    constexpr Placing apart[] = {
+        {256, 256, 64}, {300, 300, 80}, {160, 128, 19 * 80 + 64}, {160, 160, 20 * 80}};
+    for (const Placing& at : apart)
+        EXPECT_EQ(run(0, 20, at), ZERKLSC_OK) << at.out_offset;
 }
 
 TEST_F(BandsCall, MissingPointersAreRefused) {
