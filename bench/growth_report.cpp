@@ -30,7 +30,7 @@ void print_frame(double megapixels, int32_t width, int32_t height, double budget
     for (size_t c = 0; c < ZERKLSC_CHANNELS; ++c)
         planes[c] = out.data() + c * out.size() / ZERKLSC_CHANNELS;
     const auto split = [&] { bayer_split_channel(in.data(), planes, width, height); };
-    isp_blc_param black{static_cast<uint16_t>(width), static_cast<uint16_t>(height), {1, 1, 1, 1}};
+    isp_blc_param black{static_cast<uint16_t>(width), static_cast<uint16_t>(height), {64, 60, 255, 0}};
     const auto subtract = [&] { isp_blc_process(out.data(), &black); };
     Tables tables(width, height, 64, ZERKLSC_ALGORITHM_ORVEL);
     const auto correct_plane = [&] {
