@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "compress/forms.h"
+#include "compress/half_kernels.h"
 #include "compress/precision_mode.h"
-#include "compress/row_kernels.h"
 #include "compress/words.h"
 #include "frame/scratch.h"
 
@@ -20,7 +20,7 @@ struct Workspace {
     Scratch<uint16_t> rows;
     ByColour<uint16_t*> previous; // differences of the row before, one step nearer the centre
     ByColour<uint16_t*> current;
-    uint16_t* from_right; // masks of CompressedRow
+    uint16_t* from_right; // masks of CompressedHalf
     uint16_t* from_left;
 };
 
@@ -47,30 +47,29 @@ bool prepare(Workspace& work, int32_t width, int32_t height) {
 
 // Rows `first` (a centre row), first + step, ... before `end`.
 void compress_half(const lsc_otp_info& info, Workspace& work, int32_t first, int32_t end, int32_t step) {
-    const bool wide = info.precision_mode == mode_24_bit;
-    const auto compress_row =
-        wide ? ZERKLSC_NARROW_KERNEL(compress_row_24_bit) : ZERKLSC_NARROW_KERNEL(compress_row_14_bit);
-    const ByColour<uint16_t*> gains = inner_nodes(info);
     const int32_t width = info.grid_width - 2;
     const Centre centre = centre_of(width);
     for (uint16_t* const previous : work.previous.of) {
         std::fill_n(previous, width, uint16_t{0});
         previous[centre.first] = previous[centre.last] = unity_offset(info.precision_mode);
     }
-    CompressedRow row{};
-    row.from_right = work.from_right;
-    row.from_left = work.from_left;
-    row.width = width;
-    for (int32_t r = first; r != end; r += step) {
-        for (int k = 0; k < colour_count; ++k) {
-            row.gains.of[k] = gains.of[k] + ptrdiff_t{r} * info.grid_width;
-            row.previous.of[k] = work.previous.of[k];
-            row.current.of[k] = work.current.of[k];
-        }
-        row.words = work.words.get() + ptrdiff_t{r} * width;
-        compress_row(row);
-        std::swap(work.previous, work.current);
-    }
+    CompressedHalf half{.gains = {},
+                        .next_gains = ptrdiff_t{step} * info.grid_width,
+                        .previous = work.previous,
+                        .current = work.current,
+                        .from_right = work.from_right,
+                        .from_left = work.from_left,
+                        .words = work.words.get() + ptrdiff_t{first} * width,
+                        .next_words = ptrdiff_t{step} * width,
+                        .width = width,
+                        .rows = (end - first) / step};
+    const ByColour<uint16_t*> gains = inner_nodes(info);
+    for (int k = 0; k < colour_count; ++k)
+        half.gains.of[k] = gains.of[k] + ptrdiff_t{first} * info.grid_width;
+    const bool wide = info.precision_mode == mode_24_bit;
+    const auto compress =
+        wide ? ZERKLSC_NARROW_KERNEL(compress_half_24_bit) : ZERKLSC_NARROW_KERNEL(compress_half_14_bit);
+    compress(half);
 }
 
 } // namespace

@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "compress/forms.h"
+#include "compress/half_kernels.h"
 #include "compress/precision_mode.h"
-#include "compress/row_kernels.h"
 #include "compress/words.h"
 #include "frame/convert.h"
 #include "frame/scratch.h"
@@ -18,21 +18,24 @@ namespace {
 // Rows `first` (a centre row), first + step, ... before `end`.
 void decompress_half(const lsc_otp_info& info, const uint32_t* words, const ByColour<uint16_t*>& sums,
                      int32_t first, int32_t end, int32_t step) {
-    const bool wide = info.precision_mode == mode_24_bit;
-    const auto decompress_row =
-        wide ? ZERKLSC_NARROW_KERNEL(decompress_row_24_bit) : ZERKLSC_NARROW_KERNEL(decompress_row_14_bit);
-    const ByColour<uint16_t*> gains = inner_nodes(info);
     const int32_t width = info.grid_width - 2;
     const int unity = decoded_unity_offset(first, width, info.grid_height - 2, info.precision_mode);
     for (uint16_t* const sum : sums.of)
         std::fill_n(sum, width, low16(unity));
-    DecompressedRow row{nullptr, sums, {}, width, centre_of(width)};
-    for (int32_t r = first; r != end; r += step) {
-        row.words = words + ptrdiff_t{r} * width;
-        for (int k = 0; k < colour_count; ++k)
-            row.gains.of[k] = gains.of[k] + ptrdiff_t{r} * info.grid_width;
-        decompress_row(row);
-    }
+    DecompressedHalf half{.words = words + ptrdiff_t{first} * width,
+                          .next_words = ptrdiff_t{step} * width,
+                          .sums = sums,
+                          .gains = inner_nodes(info),
+                          .next_gains = ptrdiff_t{step} * info.grid_width,
+                          .width = width,
+                          .rows = (end - first) / step,
+                          .centre = centre_of(width)};
+    for (uint16_t*& gains : half.gains.of)
+        gains += ptrdiff_t{first} * info.grid_width;
+    const bool wide = info.precision_mode == mode_24_bit;
+    const auto decompress =
+        wide ? ZERKLSC_NARROW_KERNEL(decompress_half_24_bit) : ZERKLSC_NARROW_KERNEL(decompress_half_14_bit);
+    decompress(half);
 }
 
 } // namespace

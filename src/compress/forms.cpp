@@ -2,8 +2,8 @@
 
 #include <bit>
 
+#include "compress/half_kernels.h"
 #include "compress/precision_mode.h"
-#include "compress/row_kernels.h"
 #include "cpu/instruction_set.h"
 
 namespace zerklsc {

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "compress/row_kernels.h"
+#include "compress/half_kernels.h"
 #include "cpu/vectors.h"
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {

@@ -1,4 +1,4 @@
-// One row of gains to node words.
+// Half of the rows of the tables to node words.
 #include "compress/node_fields.h"
 #include "compress/row_blocks.h"
 
@@ -50,29 +50,44 @@ void put_nodes(const ByColour<Words>& x, uint32_t* words) {
 // The inward neighbour is chosen by masks before it is quantised: the centre columns have none, and 0 is
 // quantised to 0. The masks are 0 where the neighbour would be a border node.
 template <uint8_t mode>
-void compress_row(const CompressedRow& row) {
-    for_each_block(row.width, [&](ptrdiff_t c) {
+void compress_row(const CompressedHalf& half, const ByColour<const uint16_t*>& gains,
+                  const ByColour<uint16_t*>& previous, const ByColour<uint16_t*>& current, uint32_t* words) {
+    for_each_block(half.width, [&](ptrdiff_t c) {
+        const Words from_right = load<Words>(half.from_right + c),
+                    from_left = load<Words>(half.from_left + c);
         ByColour<Words> outward;
         for (int k = 0; k < colour_count; ++k) {
-            const uint16_t* const gain = row.gains.of[k] + c;
-            const Words right = load<Words>(gain + 1) & load<Words>(row.from_right + c);
-            const Words left = load<Words>(gain - 1) & load<Words>(row.from_left + c);
+            const uint16_t* const gain = gains.of[k] + c;
+            const Words right = load<Words>(gain + 1) & from_right;
+            const Words left = load<Words>(gain - 1) & from_left;
             const Words difference = quantise<mode>(load<Words>(gain)) - quantise<mode>(right | left);
-            outward.of[k] = difference - load<Words>(row.previous.of[k] + c);
-            store(row.current.of[k] + c, difference);
+            outward.of[k] = difference - load<Words>(previous.of[k] + c);
+            store(current.of[k] + c, difference);
         }
-        put_nodes<mode>(outward, row.words + c);
+        put_nodes<mode>(outward, words + c);
     });
+}
+
+template <uint8_t mode>
+void compress_half(const CompressedHalf& half) {
+    const ByColour<uint16_t*> differences[] = {half.previous, half.current};
+    for (ptrdiff_t r = 0; r < half.rows; ++r) {
+        ByColour<const uint16_t*> gains;
+        for (int k = 0; k < colour_count; ++k)
+            gains.of[k] = half.gains.of[k] + r * half.next_gains;
+        compress_row<mode>(half, gains, differences[r % 2], differences[(r + 1) % 2],
+                           half.words + r * half.next_words);
+    }
 }
 
 } // namespace
 
-void compress_row_24_bit(const CompressedRow& row) {
-    compress_row<mode_24_bit>(row);
+void compress_half_24_bit(const CompressedHalf& half) {
+    compress_half<mode_24_bit>(half);
 }
 
-void compress_row_14_bit(const CompressedRow& row) {
-    compress_row<mode_14_bit>(row);
+void compress_half_14_bit(const CompressedHalf& half) {
+    compress_half<mode_14_bit>(half);
 }
 
 } // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

@@ -1,4 +1,4 @@
-// One row of node words to gains.
+// Half of the rows of node words to gains.
 #include "compress/node_fields.h"
 #include "compress/row_blocks.h"
 
@@ -54,66 +54,64 @@ Words sum_leftwards(Words x, Words& carry) {
     return x;
 }
 
-// Adds a block to the sums of each colour at column c.
-void add(const DecompressedRow& row, ptrdiff_t c, const ByColour<Words>& x) {
+// Sums the block at column c along the row, and adds that to the sums of each colour.
+template <uint8_t mode, Words sum_along(Words x, Words& carry)>
+void add_block(const DecompressedHalf& half, const uint32_t* words, ptrdiff_t c, ByColour<Words>& carry) {
+    const ByColour<Words> x = get_nodes<mode>(words + c);
     for (int k = 0; k < colour_count; ++k) {
-        uint16_t* const sum = row.sums.of[k] + c;
-        store(sum, load<Words>(sum) + x.of[k]);
+        uint16_t* const sum = half.sums.of[k] + c;
+        store(sum, load<Words>(sum) + sum_along(x.of[k], carry.of[k]));
     }
 }
 
 // From the last centre column rightwards. The lanes of the last block that are beyond the row's end do no
 // harm: sums run outwards, and the rows have room for them.
 template <uint8_t mode>
-void add_right_half(const DecompressedRow& row) {
+void add_right_side(const DecompressedHalf& half, const uint32_t* words) {
     ByColour<Words> carry{};
-    for (ptrdiff_t c = row.centre.last; c < row.width; c += block_nodes) {
-        ByColour<Words> x = get_nodes<mode>(row.words + c);
-        for (int k = 0; k < colour_count; ++k)
-            x.of[k] = sum_rightwards(x.of[k], carry.of[k]);
-        add(row, c, x);
-    }
+    for (ptrdiff_t c = half.centre.last; c < half.width; c += block_nodes)
+        add_block<mode, sum_rightwards>(half, words, c, carry);
 }
 
 // Columns left of the last centre column. With an odd width that is the only one, and the sums start from it.
 template <uint8_t mode>
-void add_left_half(const DecompressedRow& row) {
-    const ptrdiff_t end = row.centre.last;
+void add_left_side(const DecompressedHalf& half, const uint32_t* words) {
+    const ptrdiff_t end = half.centre.last;
     ByColour<Words> carry{};
-    if (row.centre.first == row.centre.last) {
-        carry = get_nodes<mode>(row.words + end);
+    if (half.centre.first == half.centre.last) {
+        carry = get_nodes<mode>(words + end);
         for (Words& x : carry.of)
             x = every_lane<0>(x);
     }
-    for (ptrdiff_t c = end - block_nodes; c > -block_nodes; c -= block_nodes) {
-        ByColour<Words> x = get_nodes<mode>(row.words + c);
-        for (int k = 0; k < colour_count; ++k)
-            x.of[k] = sum_leftwards(x.of[k], carry.of[k]);
-        add(row, c, x);
-    }
+    for (ptrdiff_t c = end - block_nodes; c > -block_nodes; c -= block_nodes)
+        add_block<mode, sum_leftwards>(half, words, c, carry);
 }
 
 // The tables have no room beyond a row: its end belongs to the border and to rows that are finished.
 template <uint8_t mode>
-void decompress_row(const DecompressedRow& row) {
+void decompress_half(const DecompressedHalf& half) {
     constexpr int dropped = dropped_bits(mode);
-    add_right_half<mode>(row);
-    add_left_half<mode>(row);
-    for (int k = 0; k < colour_count; ++k) {
-        const uint16_t* const sums = row.sums.of[k];
-        uint16_t* const gains = row.gains.of[k];
-        for_each_block(row.width, [=](ptrdiff_t c) { store(gains + c, load<Words>(sums + c) << dropped); });
+    for (ptrdiff_t r = 0; r < half.rows; ++r) {
+        const uint32_t* const words = half.words + r * half.next_words;
+        add_right_side<mode>(half, words);
+        add_left_side<mode>(half, words);
+        for (int k = 0; k < colour_count; ++k) {
+            const uint16_t* const sums = half.sums.of[k];
+            uint16_t* const gains = half.gains.of[k] + r * half.next_gains;
+            for_each_block(half.width,
+                           [=](ptrdiff_t c) { store(gains + c, load<Words>(sums + c) << dropped); });
+        }
     }
 }
 
 } // namespace
 
-void decompress_row_24_bit(const DecompressedRow& row) {
-    decompress_row<mode_24_bit>(row);
+void decompress_half_24_bit(const DecompressedHalf& half) {
+    decompress_half<mode_24_bit>(half);
 }
 
-void decompress_row_14_bit(const DecompressedRow& row) {
-    decompress_row<mode_14_bit>(row);
+void decompress_half_14_bit(const DecompressedHalf& half) {
+    decompress_half<mode_14_bit>(half);
 }
 
 } // namespace zerklsc::ZERKLSC_INSTRUCTION_SET
