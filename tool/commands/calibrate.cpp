@@ -4,17 +4,15 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/flat_captures.h"
 #include "commands/flat_check.h"
 #include "commands/frame_text.h"
 #include "commands/grid_options.h"
-#include "commands/raw_options.h"
 #include "commands/report.h"
 #include "failure.h"
-#include "imaging/captures.h"
 #include "imaging/exposure.h"
 #include "imaging/prediction.h"
 #include "io/file_identity.h"
-#include "io/input_record.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
@@ -28,8 +26,7 @@ namespace {
 constexpr double flat_enough = 0.02;
 
 struct Options {
-    RawOptions raw;
-    std::vector<std::string> flats;
+    CaptureOptions captures;
     CalibrationSettings settings;
     std::string algorithm = usual_algorithm;
     double clip_limit = usual_clip_limit;
@@ -43,17 +40,6 @@ struct Prediction {
     double on_left_out = -1; // each by tables made from the others; negative where there is but one
 };
 
-std::vector<RawFrame> read_captures(const Options& options) {
-    std::vector<RawFrame> captures;
-    for (const std::string& path : options.flats) {
-        RawOptions raw = options.raw;
-        raw.path = path;
-        captures.push_back(read_raw(raw, UnknownBlack::refuse));
-    }
-    check_alike(captures);
-    return captures;
-}
-
 GainTables calibrate_light(RawFrame frame, const CalibrationSettings& settings) {
     check_grid_options(frame, settings);
     const BlackLevel black = *frame.black;
@@ -61,8 +47,8 @@ GainTables calibrate_light(RawFrame frame, const CalibrationSettings& settings) 
     return calibrate(frame, *frame.pattern, black, settings);
 }
 
-Prediction predict(const std::vector<RawFrame>& captures, const GainTables& tables,
-                   const CalibrationSettings& settings) {
+Prediction predict(const FlatCaptures& flats, const GainTables& tables, const CalibrationSettings& settings) {
+    const std::vector<RawFrame>& captures = flats.captures;
     const Isp isp = isp_of_algorithm(settings.algorithm);
     const auto flatness = [&](const RawFrame& frame, const GainTables& gains) {
         return worst_flatness(predict_levels(frame, gains, "the calibrated tables", isp));
@@ -71,7 +57,8 @@ Prediction predict(const std::vector<RawFrame>& captures, const GainTables& tabl
     for (const RawFrame& capture : captures)
         prediction.on_captures = std::max(prediction.on_captures, flatness(capture, tables));
     for (size_t i = 0; captures.size() > 1 && i < captures.size(); ++i) {
-        const GainTables others = calibrate_light(mean_of(captures, static_cast<int>(i)), settings);
+        const GainTables others =
+            calibrate_light(average_of(captures, flats.averaging, static_cast<int>(i)), settings);
         prediction.on_left_out = std::max(prediction.on_left_out, flatness(captures[i], others));
     }
     return prediction;
@@ -147,16 +134,6 @@ void report_prediction(Report& report, const std::string& name, const GainTables
             name, algorithm_name(tables.algorithm), percent(worst), 100 * flat_enough));
 }
 
-std::vector<TableInput> recorded(const std::vector<std::string>& flats,
-                                 const std::vector<Findings>& findings) {
-    std::vector<TableInput> inputs;
-    for (size_t i = 0; i < flats.size(); ++i) {
-        inputs.push_back(input_record("flat field", flats[i]));
-        inputs.back().checks = findings[i];
-    }
-    return inputs;
-}
-
 void write_tables(const Options& options, const GainTables& tables) {
     OutputSet outputs;
     outputs.add(options.output, encode_table_json(tables));
@@ -166,26 +143,26 @@ void write_tables(const Options& options, const GainTables& tables) {
 }
 
 void run(const Options& options, Report& report) {
-    keep_files_apart(options.flats, {options.output, options.text});
-    const std::vector<RawFrame> captures = read_captures(options);
-    CalibrationSettings settings = with_step(options.settings, captures.front());
+    keep_files_apart(options.captures.paths(), {options.output, options.text});
+    const FlatCaptures flats = read_flat_captures(options.captures, report);
+    const RawFrame& frame = flats.average;
+    CalibrationSettings settings = with_step(options.settings, frame);
     settings.algorithm = algorithm_from(options.algorithm);
-    const bool several = captures.size() > 1;
-    const RawFrame mean = several ? mean_of(captures) : RawFrame();
-    const RawFrame& frame = several ? mean : captures.front();
     add_frame(report, frame);
-    report.add("captures", JsonValue::list(options.flats));
+    report.add("captures", JsonValue::list(options.captures.flats));
+    report.add("average", name_of(flats.averaging));
     report.print(describe(frame));
-    const auto findings = check_flats(captures, settings, options.check, options.clip_limit, report);
+    const auto findings = check_flats(flats.captures, settings, options.check, options.clip_limit, report);
     const FrameLevels levels = measure_planes(frame, *frame.black, usual_blocks(frame));
     const Progress progress("calibrating " + frame.name);
     GainTables tables = calibrate_light(frame, settings);
-    tables.inputs = recorded(options.flats, findings);
+    tables.inputs = recorded(options.captures, findings);
+    tables.average = name_of(flats.averaging);
     report_channels(report, levels, tables);
     warn_about_gains(frame.name, tables);
     // Where no correction is possible, there is nothing to predict: the tables are what was asked for.
     try {
-        report_prediction(report, frame.name, tables, predict(captures, tables, settings));
+        report_prediction(report, frame.name, tables, predict(flats, tables, settings));
     } catch (const Failure& failure) {
         warn(failure.what());
     }
@@ -197,7 +174,7 @@ void run(const Options& options, Report& report) {
 void add_calibrate(Command app) {
     auto options = std::make_shared<Options>();
     Command command = app.subcommand("calibrate", "Make gain tables from flat-field captures");
-    add_raw_options(command, options->raw, options->flats, "flat");
+    add_capture_options(command, options->captures);
     command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
     command.option("--text", options->text, "also write the four tables as plain text, in plane order")
         .takes("FILE");
@@ -208,9 +185,14 @@ void add_calibrate(Command app) {
         .show_default();
     add_flat_check_options(command, options->check);
     command.footer(
-        "Of several captures of one module, the mean is calibrated, and each is also corrected by tables "
+        "Of several captures of one module, the average is calibrated, and each is also corrected by tables "
         "made\n"
-        "from the others, so that fitted noise does not count as flatness.\n"
+        "from the others, so that fitted noise does not count as flatness. The median and the clipped mean, "
+        "of "
+        "three\n"
+        "captures or more, drop what one of them has alone. A dark frame is captured with the lens covered, "
+        "with the\n"
+        "flat field's exposure, gain and temperature.\n"
         "Algorithms 0 to 3 are for the tvessa2 ISP, 4 for vessal2. Algorithms 0 and 1 take 10-bit samples:\n"
         "they see deeper captures scaled to 10 bits.\n\n"
         "Example:\n"

@@ -119,7 +119,7 @@ RawFrame read_raw(const RawOptions& options, UnknownBlack unknown) {
             "{}: the black level is not known, and gains depend on it: give --black-level (0 where it has "
             "been taken off)",
             frame.name);
-    if (!frame.black) {
+    if (!frame.black && unknown == UnknownBlack::take_0) {
         warn(fmt::format("{}: the black level is not known: 0 is taken (--black-level says another)",
                          frame.name));
         frame.black = BlackLevel{};

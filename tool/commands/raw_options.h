@@ -34,8 +34,9 @@ void add_raw_options(Command command, RawOptions& options, std::vector<std::stri
 RawReading read_raw_and_description(const RawOptions& options);
 
 // What to do when neither an option nor the file says the black level: gains measured from a wrong one are
-// wrong without showing it, while a frame that is only looked at may have none.
-enum class UnknownBlack { refuse, take_0 };
+// wrong without showing it, while a frame that is only looked at may have none. `leave` is for a frame whose
+// dark is subtracted.
+enum class UnknownBlack { refuse, take_0, leave };
 
 // The same with a warning for what is overridden, and with the frame's pattern and black level known: from
 // the option, else the file, else (pattern) RGGB with a warning.

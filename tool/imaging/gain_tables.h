@@ -27,6 +27,7 @@ struct GainTables {
     int algorithm = 0; // ZERKLSC_ALGORITHM_...
     int filter_radius = 0;
     int shading_percent = 100;
+    std::string average = "mean"; // how several captures became one
     BayerPattern pattern = BayerPattern::rggb;
     BlackLevel black{};             // at `bits`
     int bits = 0;                   // of the capture

@@ -162,7 +162,9 @@ void read_provenance(const Reader& reader, GainTables& tables) {
         tables.inputs = read_inputs_of_version_1(reader);
         return;
     }
-    read_parameters(Reader(reader.path(), reader.field("parameters")), tables);
+    const Reader parameters(reader.path(), reader.field("parameters"));
+    read_parameters(parameters, tables);
+    tables.average = parameters.text("average");
     tables.inputs = read_inputs(reader);
 }
 

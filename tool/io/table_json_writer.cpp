@@ -27,7 +27,8 @@ JsonValue parameters_of(const GainTables& tables) {
     return JsonValue::object({{"algorithm", tables.algorithm},
                               {"algorithm_name", algorithm_name(tables.algorithm)},
                               {"filter_radius", tables.filter_radius},
-                              {"shading_percent", tables.shading_percent}});
+                              {"shading_percent", tables.shading_percent},
+                              {"average", tables.average}});
 }
 
 JsonValue inputs_of(const GainTables& tables) {
