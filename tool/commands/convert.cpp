@@ -7,6 +7,7 @@
 #include <fmt/ranges.h>
 
 #include "commands.h"
+#include "commands/convert_inputs.h"
 #include "commands/frame_text.h"
 #include "commands/number_list.h"
 #include "commands/raw_options.h"
@@ -24,8 +25,8 @@ namespace zerklsc::tool {
 namespace {
 
 struct Options {
-    std::vector<std::string> tables;
-    std::string output, format, kelvin, grid;
+    ConvertInputs inputs;
+    std::string output, format, grid;
     RawOptions raw;
 };
 
@@ -36,7 +37,8 @@ struct Format {
     const char* grid;      // null where the tables keep theirs
 };
 
-constexpr std::array<Format, 8> formats{{{"rkisp1", ".yaml", nullptr},
+constexpr std::array<Format, 9> formats{{{"json", ".json", nullptr},
+                                         {"rkisp1", ".yaml", nullptr},
                                          {"alsc", nullptr, "32,32"},
                                          {"android", nullptr, "17,13"},
                                          {"dng", ".dng", nullptr},
@@ -68,24 +70,6 @@ bool is(const Format& format, std::string_view name) {
     return format.name == name;
 }
 
-// The table files with the temperatures that go with them.
-std::vector<LitTables> read_sets(const Options& options, const Format& format) {
-    const bool lit = is(format, "rkisp1") || is(format, "alsc");
-    if (!lit && options.tables.size() != 1)
-        usage_failure("{}: takes one table file, not {}: only rkisp1 and alsc hold several", format.name,
-                      options.tables.size());
-    if (lit && options.kelvin.empty())
-        usage_failure("{}: needs the colour temperature of each table file: give --ct, as --ct 2856,5000",
-                      format.name);
-    std::vector<int> kelvin(options.tables.size());
-    if (lit)
-        kelvin = integer_list("--ct", options.kelvin, options.tables.size(), 1000, 20000);
-    std::vector<LitTables> sets;
-    for (size_t i = 0; i < options.tables.size(); ++i)
-        sets.push_back({read_table_json(options.tables[i]), kelvin[i]});
-    return sets;
-}
-
 std::vector<int> grid_of(const Options& options, const Format& format) {
     if (format.grid == nullptr && !options.grid.empty())
         usage_failure("--grid: {} has a grid that cannot be chosen: leave it away", format.name);
@@ -97,10 +81,11 @@ std::vector<int> grid_of(const Options& options, const Format& format) {
 std::string encode_frame(const Options& options, const GainTables& tables) {
     if (options.raw.path.empty())
         usage_failure("dng: needs the frame that the maps correct: give --raw FRAME");
-    const RawFrame frame = read_raw_for(options.raw, tables, options.tables[0]);
+    const RawFrame frame = read_raw_for(options.raw, tables, options.inputs.paths[0]);
     if (frame.width != tables.raw_width || frame.height != tables.raw_height)
-        data_failure("{}: is for frames of {} x {}, but {} is {} x {}: resample it first", options.tables[0],
-                     tables.raw_width, tables.raw_height, frame.name, frame.width, frame.height);
+        data_failure("{}: is for frames of {} x {}, but {} is {} x {}: resample it first",
+                     options.inputs.paths[0], tables.raw_width, tables.raw_height, frame.name, frame.width,
+                     frame.height);
     return encode_dng(frame, tables);
 }
 
@@ -108,6 +93,8 @@ std::string encode(const Options& options, const Format& format, const std::vect
                    Losses& losses) {
     const GainTables& tables = sets.front().tables;
     const std::vector<int> grid = grid_of(options, format);
+    if (is(format, "json"))
+        return encode_table_json(tables);
     if (is(format, "rkisp1"))
         return encode_rkisp1(sets, losses);
     if (is(format, "alsc"))
@@ -124,45 +111,50 @@ std::string encode(const Options& options, const Format& format, const std::vect
 }
 
 void run(const Options& options, Report& report) {
-    std::vector<std::string> inputs = options.tables;
+    std::vector<std::string> inputs = options.inputs.paths;
     inputs.push_back(options.raw.path);
     keep_files_apart(inputs, {options.output});
     const Format& format = format_of(options);
-    const std::vector<LitTables> sets = read_sets(options, format);
+    const bool lit = is(format, "rkisp1") || is(format, "alsc");
+    const std::vector<LitTables> sets = read_convert_inputs(options.inputs, options.raw, format.name, lit);
     Losses losses;
     const std::string bytes = encode(options, format, sets, losses);
     for (const std::string& loss : losses)
         warn(fmt::format("{}: {}", options.output, loss));
     write_file(options.output, bytes);
-    report.add("output", options.output);
+    if (is(format, "json"))
+        add_written_tables(report, options.output, sets.front().tables);
+    else
+        report.add("output", options.output);
     report.add("format", format.name);
     report.add("losses", JsonValue::list(losses));
-    report.print(fmt::format("{}: {} of {}\n", one_line(options.output), format.name,
-                             one_line(fmt::format("{}", fmt::join(options.tables, ", ")))));
+    if (!is(format, "json"))
+        report.print(fmt::format("{}: {} of {}\n", one_line(options.output), format.name,
+                                 one_line(fmt::format("{}", fmt::join(options.inputs.paths, ", ")))));
 }
 
 } // namespace
 
 void add_convert(Command app) {
     auto options = std::make_shared<Options>();
-    Command command = app.subcommand("convert", "Write tables in the format of a camera stack");
-    command.option("tables", options->tables, "table files of zerklsc calibrate").required().takes("FILE");
+    Command command = app.subcommand("convert", "Carry tables into the format of a camera stack, and back");
+    add_convert_inputs(command, options->inputs);
     command.option("-o,--output", options->output, "file to write").required().takes("FILE");
     command.option("--to", options->format, "format of the output (default: by its extension)")
         .takes("{" + format_names(",") + "}");
-    command.option("--ct", options->kelvin,
-                   "colour temperature of each table file in kelvin, as 2856,5000 (rkisp1, alsc)");
     command.option("--grid", options->grid, "COLUMNS,ROWS of the target (alsc: 32,32; android: 17,13)");
     add_raw_options(command, options->raw, "--raw");
     command.footer(
         "rkisp1 is a part of a libcamera tuning file, alsc one of a Raspberry Pi tuning file. dng writes "
         "the frame\nthat --raw names with the tables as gain maps. c, csv, npy and text hold the tables "
-        "as they are.\n\n"
+        "as they are.\nA tuning file or a DNG with gain maps becomes a table file (json) again, or another "
+        "of these.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc calibrate flat.pgm -o tables.json\n"
         "  zerklsc convert tables.json --ct 5000 -o tuning.yaml\n"
-        "  zerklsc convert tables.json --raw flat.pgm -o flat.dng");
+        "  zerklsc convert tables.json --raw flat.pgm -o flat.dng\n"
+        "  zerklsc convert flat.dng -o back.json");
     command.action([options](Report& report) { run(*options, report); });
 }
 

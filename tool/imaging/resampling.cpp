@@ -1,4 +1,4 @@
-// resample_step, resample_crop
+// check_grid, resample_step, resample_crop
 #include "imaging/resampling.h"
 
 #include <algorithm>
@@ -20,23 +20,6 @@ GainTables resized(const GainTables& tables, int width, int height, int step) {
 
 int inner(int table_side) {
     return table_side - 2 * ZERKLSC_BORDER;
-}
-
-// More nodes than samples of a large sensor's plane carry no information, and take hundreds of megabytes.
-constexpr int64_t largest_grid = int64_t{1} << 22;
-
-void check_grid(int width, int height, int step, const std::string& name) {
-    GainTables target;
-    target.raw_width = width;
-    target.raw_height = height;
-    target.step = step;
-    target.set_table_size();
-    const int64_t columns = inner(target.table_width), rows = inner(target.table_height);
-    if (columns * rows > largest_grid)
-        data_failure(
-            "{}: frames of {} x {} with step {} need a grid of {} x {} nodes, and {} nodes are the most: "
-            "choose a larger step",
-            name, width, height, step, columns, rows, largest_grid);
 }
 
 void check_status(int32_t status, const GainTables& result, const std::string& name) {
@@ -83,7 +66,24 @@ lsc2d_table_desc desc_of(GainTables& tables, size_t plane, int width, int height
             tables.gains[plane].data()};
 }
 
+// More nodes than samples of a large sensor's plane carry no information, and take hundreds of megabytes.
+constexpr int64_t largest_grid = int64_t{1} << 22;
+
 } // namespace
+
+void check_grid(int width, int height, int step, const std::string& name) {
+    GainTables target;
+    target.raw_width = width;
+    target.raw_height = height;
+    target.step = step;
+    target.set_table_size();
+    const int64_t columns = inner(target.table_width), rows = inner(target.table_height);
+    if (columns * rows > largest_grid)
+        data_failure(
+            "{}: frames of {} x {} with step {} need a grid of {} x {} nodes, and {} nodes are the most: "
+            "choose a larger step",
+            name, width, height, step, columns, rows, largest_grid);
+}
 
 GainTables resample_step(const GainTables& tables, const std::string& name, int step) {
     if (step == tables.step)

@@ -1,0 +1,69 @@
+// Every reader of tuning files, gain maps and tables of text on any file: the first byte says which, the rest
+// is the file.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+#include "convert/shading_file.h"
+#include "failure.h"
+#include "io/table_text.h"
+#include "support/input.h"
+
+namespace {
+
+using namespace zerklsc::tool;
+
+void read_as_text(const std::string& path) {
+    GainTables tables;
+    tables.raw_width = 64;
+    tables.raw_height = 48;
+    tables.step = 16;
+    read_table_text(path, tables);
+    for (const auto& gains : tables.gains)
+        if (gains.size() != tables.table_size())
+            std::abort();
+}
+
+// What was accepted has a finite gain everywhere.
+void read_as_shading(const std::string& path, uint8_t kind) {
+    InputFile file(path);
+    std::optional<ShadingFile> shading;
+    if (kind == 0)
+        shading = read_gain_maps(file);
+    else if (kind == 1)
+        shading = read_alsc(path);
+    else
+        shading = read_shading_file(path); // YAML begins with "%YAML"
+    if (!shading)
+        return;
+    for (const ShadingSet& set : shading->sets)
+        for (const GainSurface& surface : set.by_colour)
+            for (const double at : {-0.1, 0.0, 0.3, 1.0, 1.2})
+                if (!std::isfinite(surface(at, 1 - at)))
+                    std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    zerklsc::fuzz::Input input(data, size);
+    const uint8_t kind = input.take<uint8_t>() % 4;
+    const std::vector<uint8_t> bytes = input.rest();
+    const int file = memfd_create("shading", 0);
+    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+        std::abort();
+    const std::string path = "/proc/self/fd/" + std::to_string(file);
+    try {
+        if (kind == 3)
+            read_as_text(path);
+        else
+            read_as_shading(path, kind);
+    } catch (const Failure&) {
+        // Refused in words, as it should be.
+    }
+    close(file);
+    return 0;
+}

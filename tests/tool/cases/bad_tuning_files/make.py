@@ -1,0 +1,79 @@
+"""Writes one good file of each kind, and what comes of it by one change each."""
+import json
+import math
+import pathlib
+import struct
+
+from dng import gain_map, make_dng, opcode_list
+
+
+def write(name, text):
+    pathlib.Path(name).write_text(text)
+
+
+sectors = str([0.0625] * 8)
+tables = "".join(f"          {colour}: {[1024 + 3 * i for i in range(289)]}\n" for colour in ("r", "gr", "gb", "b"))
+one_set = f"        - ct: 2856\n          resolution: 64x48\n{tables}"
+yaml = (f"version: 1\nalgorithms:\n  - LensShadingCorrection:\n      x-size: {sectors}\n      y-size: {sectors}\n"
+        f"      sets:\n{one_set}{one_set.replace('2856', '5000')}")
+write("good.yaml", yaml)
+for number, (old, new) in enumerate((("version: 1", "version: [1"), ("LensShading", "Lens"), ("[0.0625, ", "[0.05, "),
+                                     ("[0.0625, ", "["), ("          gb:", "          g:"), ("[1024, ", "["), ("[1024, ", "[0, "),
+                                     ("[1024, ", "[4096, "), ("[1024, ", "[many, "), ("ct: 2856", "ct: cold"),
+                                     ("64x48", "64"), ("64x48", "0x48"), ("      sets:", "      groups:"), (yaml, ""),
+                                     (yaml, "[" * 100000))):
+    assert old in yaml, old
+    write(f"bad_{number:02}.yaml", yaml.replace(old, new, 1))
+
+alsc = {"calibrations_Cr": [{"ct": 5000, "table": [1.5] * 192}], "calibrations_Cb": [{"ct": 5000, "table": [1.5] * 192}],
+        "luminance_lut": [1.5] * 192}
+write("alsc.json", json.dumps({"algorithms": [{"rpi.alsc": alsc}]}))
+lit = [{"ct": 5000, "table": [1.5] * 192}]
+for number, change in enumerate(({"calibrations_Cr": lit * 0}, {"calibrations_Cr": None}, {"calibrations_Cb": [{"ct": 5000}]},
+                                 {"calibrations_Cb": [{"ct": 4000, "table": [1.5] * 192}]},
+                                 {"calibrations_Cb": [{"ct": 0, "table": [1.5] * 192}]},
+                                 {"calibrations_Cr": [{"ct": 5000, "table": [1.5] * 1024}]}, {"luminance_lut": [1.5] * 191},
+                                 {"luminance_lut": "bright"}, {"luminance_lut": [1.5] * 191 + [0]},
+                                 {"luminance_lut": [1.5] * 191 + ["x" * 1000]}, {"luminance_lut": [1.5] * 191 + [1e9]})):
+    write(f"bad_{number:02}.json", json.dumps({"algorithms": [{"rpi.alsc": {**alsc, **change}}]}))
+write("bad_other.json", json.dumps({"algorithms": [{"rpi.agc": alsc}]}))
+write("bad_end.json", json.dumps({"algorithms": [{"rpi.alsc": alsc}]})[:-1])
+write("bad_list.json", json.dumps({"algorithms": [{"rpi.alsc": [1]}]}))
+
+W, H = 64, 48
+maps = [gain_map(plane, W, H, 3, 4, [1 + i / 8 for i in range(12)]) for plane in range(4)]
+
+
+def dng(name, opcodes, **about):
+    pathlib.Path(name).write_bytes(make_dng(W, H, about.pop("pattern", "RGGB"), lambda x, y: 9, opcodes, **about))
+
+
+def changed(shape=(3, 4), **overrides):
+    return opcode_list(maps[:3] + [gain_map(3, W, H, *shape, [1.5] * 12, **overrides)])
+
+
+dng("good.dng", opcode_list(maps))
+whole = opcode_list(maps)
+for number, opcodes in enumerate((
+        None, b"", whole[:-1], whole[:21], struct.pack(">I", 5) + whole[4:], opcode_list(maps[:3]), opcode_list(maps + maps[:1]),
+        opcode_list([struct.pack(">4I", 4, 0x01030000, 0, 4) + bytes(4)]), changed(row_pitch=1), changed(pitch=4),
+        changed(planes=3), changed(map_planes=2), changed((3, 0)), changed((1 << 24, 1 << 24)), changed((3, 5)),
+        changed(spacing=(0, 0.5)), changed(spacing=(math.nan, 0.5)), changed(first=(math.inf, 0)), changed(bottom=H - 2),
+        changed(left=2, top=2), opcode_list(maps[:3] + [gain_map(3, W, H, 1, 1, [math.nan])]),
+        opcode_list(maps[:3] + [gain_map(3, W, H, 1, 1, [0.0])]))):
+    dng(f"bad_{number:02}.dng", opcodes)
+dng("bad_pattern.dng", whole, pattern="RGGG")
+dng("bad_not_cfa.dng", whole, extra={262: (3, [34892])})
+dng("bad_area.dng", whole, active=(10, 10, 10, 10))
+dng("bad_repeat.dng", whole, extra={33421: (3, [6, 6])})
+dng("bad_long_list.dng", None, extra={51009: (4, [7])})
+pathlib.Path("bad_cut.dng").write_bytes(pathlib.Path("good.dng").read_bytes()[:4000])
+pathlib.Path("bad_header.dng").write_bytes(b"II*\0\xff\xff\0\0")
+
+gains = " ".join(str(1024 + i) for i in range(4 * 5 * 5))
+write("tables.txt", gains)
+write("bad_less.txt", gains[:gains.rindex(" ")])
+write("bad_more.txt", gains + "\n1")
+write("bad_word.txt", gains.replace("1030", "10.3"))
+write("bad_high.txt", gains.replace("1030", "65536"))
+write("bad_empty.txt", "\n")

@@ -1,0 +1,106 @@
+"""Writes DNGs of either byte order by means of its own, as they come from cameras: with a preview in front, the mosaic in a
+directory below the first, in one strip or in tiles; and the GainMap opcodes of their shading."""
+import struct
+
+CODES = {1: "B", 3: "H", 4: "I", 12: "d"}
+
+
+def gain_map(plane, width, height, columns, rows, values, spacing=None, first=(0, 0), pitch=2, **overrides):
+    """One opcode; `values` row by row."""
+    spacing = spacing or (1 / max(columns - 1, 1), 1 / max(rows - 1, 1))
+    head = {"top": plane // 2, "left": plane % 2, "bottom": height, "right": width, "plane": 0, "planes": 1,
+            "row_pitch": pitch, "column_pitch": pitch, "rows": rows, "columns": columns, "map_planes": 1}
+    head.update(overrides)
+    words = [head[name] for name in ("top", "left", "bottom", "right", "plane", "planes", "row_pitch", "column_pitch",
+                                     "rows", "columns")]
+    body = struct.pack(">10I4dI", *words, spacing[1], spacing[0], first[1], first[0], head["map_planes"])
+    body += struct.pack(f">{len(values)}f", *values)
+    return struct.pack(">4I", 9, 0x01030000, 1, len(body)) + body
+
+
+def opcode_list(opcodes):
+    return struct.pack(">I", len(opcodes)) + b"".join(opcodes)
+
+
+class Tiff:
+    """Grows from its header; directories are added last and pointed to by what is written before."""
+
+    def __init__(self, order):
+        self.order = order
+        self.data = bytearray({"<": b"II", ">": b"MM"}[order] + struct.pack(order + "HI", 42, 0))
+
+    def add(self, data):
+        self.data += bytes(len(self.data) % 2)
+        at = len(self.data)
+        self.data += data
+        return at
+
+    def value(self, kind, values):
+        if isinstance(values, bytes):
+            return values, len(values)
+        if kind in (5, 10):
+            pairs = [part for value in values for part in value]
+            return struct.pack(self.order + {5: "I", 10: "i"}[kind] * len(pairs), *pairs), len(values)
+        return struct.pack(self.order + CODES[kind] * len(values), *values), len(values)
+
+    def directory(self, tags):
+        """`tags` maps tag to (type, values); returns where the directory is."""
+        entries = b""
+        for tag, (kind, values) in sorted(tags.items()):
+            data, count = self.value(kind, values)
+            data = data.ljust(4, b"\0") if len(data) <= 4 else struct.pack(self.order + "I", self.add(data))
+            entries += struct.pack(self.order + "HHI", tag, kind, count) + data
+        return self.add(struct.pack(self.order + "H", len(tags)) + entries + bytes(4))
+
+    def finish(self, first):
+        self.data[4:8] = struct.pack(self.order + "I", first)
+        return bytes(self.data)
+
+
+def mosaic_tags(order, width, height, pattern, black, white, opcodes):
+    tags = {254: (4, [0]), 256: (4, [width]), 257: (4, [height]), 258: (3, [16]), 259: (3, [1]), 262: (3, [32803]),
+            277: (3, [1]), 284: (3, [1]), 33421: (3, [2, 2]), 33422: (1, [{"R": 0, "G": 1, "B": 2}[c] for c in pattern]),
+            50713: (3, [2, 2]), 50714: (5, [(2 * level, 2) for level in black]), 50717: (4, [white])}
+    if opcodes is not None:
+        tags[51009] = (7, opcodes)
+    return tags
+
+
+def add_samples(tiff, tags, width, height, sample, tile):
+    """`sample(x, y)` in one strip, or in tiles of `tile` (width, height) that reach beyond the frame with zeros."""
+    def block(left, top, columns, rows):
+        values = [sample(x, y) if x < width and y < height else 0
+                  for y in range(top, top + rows) for x in range(left, left + columns)]
+        return struct.pack(f"{tiff.order}{len(values)}H", *values)
+    if tile is None:
+        data = block(0, 0, width, height)
+        tags.update({273: (4, [tiff.add(data)]), 278: (4, [height]), 279: (4, [len(data)])})
+        return
+    across, down = -(-width // tile[0]), -(-height // tile[1])
+    offsets = {}
+    # Back to front: readers must follow the offsets.
+    for number in reversed(range(across * down)):
+        offsets[number] = tiff.add(block(number % across * tile[0], number // across * tile[1], *tile))
+    tags.update({322: (4, [tile[0]]), 323: (4, [tile[1]]), 324: (4, [offsets[k] for k in range(across * down)]),
+                 325: (4, [2 * tile[0] * tile[1]] * (across * down))})
+
+
+def make_dng(width, height, pattern, sample, opcodes=None, order="<", below=False, black=(60, 61, 62, 63), white=1000,
+             tile=None, active=None, extra=None):
+    """`below` puts the mosaic below a directory of a preview; `extra` are further tags of the mosaic."""
+    tiff = Tiff(order)
+    tags = mosaic_tags(order, width, height, pattern, black, white, opcodes)
+    add_samples(tiff, tags, width, height, sample, tile)
+    if active:
+        tags[50829] = (4, list(active))
+    tags.update(extra or {})
+    camera = {50706: (1, [1, 4, 0, 0]), 50707: (1, [1, 3, 0, 0]), 271: (2, b"Some\0"), 272: (2, b"Camera\0"),
+              50708: (2, b"Some Camera\0"), 50721: (10, [(3, 2), (-1, 2), (0, 1), (-1, 1), (2, 1), (0, 1), (0, 1), (-1, 5), (1, 1)]),
+              50728: (5, [(1, 1)] * 3), 50778: (3, [21])}
+    if not below:
+        return tiff.finish(tiff.directory({**tags, **camera}))
+    mosaic = tiff.directory(tags)
+    preview = tiff.add(bytes(range(12)))
+    return tiff.finish(tiff.directory({**camera, 254: (4, [1]), 256: (4, [2]), 257: (4, [2]), 258: (3, [8, 8, 8]), 259: (3, [1]),
+                                       262: (3, [2]), 273: (4, [preview]), 277: (3, [3]), 278: (4, [2]), 279: (4, [12]),
+                                       330: (4, [mosaic])}))

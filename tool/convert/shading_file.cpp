@@ -1,0 +1,42 @@
+// read_shading_file
+#include "convert/shading_file.h"
+
+#include "failure.h"
+#include "io/tiff_file.h"
+
+namespace zerklsc::tool {
+namespace {
+
+bool is_yaml(const InputFile& file) {
+    const std::string extension = extension_of(file.path());
+    return extension == ".yaml" || extension == ".yml" || file.head().starts_with("%YAML");
+}
+
+// The tuning files of Raspberry Pi name their algorithms "rpi.something".
+bool is_raspberry_pi(std::string_view head) {
+    return head.find("\"rpi.") != std::string_view::npos
+           && head.find("zerklsc-tables") == std::string_view::npos;
+}
+
+} // namespace
+
+std::optional<ShadingFile> read_shading_file(const std::string& path) {
+    // Standard input can be read only once, and is for table files.
+    if (path == "-")
+        return std::nullopt;
+    InputFile file(path);
+    if (begins_tiff(file.head()))
+        return read_gain_maps(file);
+    if (is_yaml(file)) {
+#ifdef ZERKLSC_WITH_YAML
+        return read_rkisp1(path);
+#else
+        data_failure("{}: this zerklsc was built without libyaml, and reads no YAML", path);
+#endif
+    }
+    if (is_raspberry_pi(file.head()))
+        return read_alsc(path);
+    return std::nullopt;
+}
+
+} // namespace zerklsc::tool
