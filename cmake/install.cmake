@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 install(TARGETS zerklsc EXPORT zerklsc LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
                                        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/LICENSE
+install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md ${PROJECT_SOURCE_DIR}/LICENSE
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.c")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN "*.scd" EXCLUDE
@@ -18,6 +18,14 @@ function(zerklsc_path_between from to result)
     endif()
     set(${result} ${path} PARENT_SCOPE)
 endfunction()
+
+# The README's links to the headers, which are not installed beside it.
+zerklsc_path_between(DOCDIR INCLUDEDIR header_path)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/README.md)
+file(READ ${PROJECT_SOURCE_DIR}/README.md readme)
+string(REPLACE "](include/" "](${header_path}/" readme "${readme}")
+file(WRITE ${PROJECT_BINARY_DIR}/README.md "${readme}")
+install(FILES ${PROJECT_BINARY_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 if(ZERKLSC_TOOL)
     install(TARGETS zerklsc_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

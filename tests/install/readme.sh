@@ -1,6 +1,6 @@
 #!/bin/sh
 # readme.sh SOURCES BUILD WORK: the README's C example, built and run by the README's own lines, as printed; then again
-# from a moved copy of what they installed.
+# from a moved copy of what they installed. Every link of an installed page leads to an installed file.
 set -eu
 sources=$1 build=$2 work=$3
 
@@ -29,3 +29,9 @@ mv "$installed" "$work/moved"
 rm example
 sed -e "s|^DIR=.*|DIR=$work/moved|" -e '/cmake --install/d' lines.sh >moved.sh
 sh -eux moved.sh
+
+find moved -name '*.md' | while read -r page; do
+    grep -o '](\([^):# ]*\))' "$page" | sed 's/^](//; s/)$//' | while read -r link; do
+        [ -e "$(dirname "$page")/$link" ] || { echo "$page: $link leads nowhere" && exit 1; }
+    done || exit 1
+done
