@@ -106,7 +106,7 @@ def try_cases(options, frame):
 def random_module(number):
     """Options of a clean capture of some module."""
     draw = random.Random(number)
-    width, height = draw.choice([(640, 480), (1280, 720), (1600, 1200), (2104, 1560), (2592, 1944)])
+    width, height = draw.choice([(192, 128), (256, 192), (640, 480), (1280, 720), (1600, 1200), (2104, 1560), (2592, 1944)])
     corner, spread = draw.uniform(20, 90), draw.uniform(0, 8)
     corners = ",".join(f"{min(99, max(15, corner + d * spread)):.1f}" for d in (-1, 0, 0.1, 0.8))
     bits = draw.choice([10, 10, 12, 14, 16])

@@ -34,11 +34,14 @@ std::optional<Estimate> estimate(const std::vector<NoisePoint>& curve, double st
         || darkest.variance < least_variance)
         return {};
     Estimate estimate{stated - line->black, line->black};
+    if (std::abs(estimate.off) < 4 * line->black_error)
+        estimate.off = 0;
     if (estimate.off > 0 && estimate.off / line->gain < usual_read_noise * usual_read_noise)
         estimate.off = 0;
     // Pixels of unequal response bend the curve, which looks like a higher black level. When a curve that
     // ends at the stated level fits as well, that is the simpler explanation.
-    if (estimate.off < 0 && fit_noise_parabola(curve, stated).misfit < 1.15 * line->misfit + 0.002)
+    if (estimate.off < 0
+        && fits_as_well(fit_noise_parabola(curve, stated).misfit, line->misfit, curve.size()))
         estimate.off = 0;
     return estimate;
 }

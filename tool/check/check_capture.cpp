@@ -3,7 +3,8 @@
 
 namespace zerklsc::tool {
 
-Findings check_capture(const FlatCapture& capture, const Analysis& analysis, const CheckLimits& limits) {
+Findings check_capture(const FlatCapture& capture, const Analysis& analysis, const Outliers& outliers,
+                       const CheckLimits& limits) {
     Findings findings;
     const Judgement judgement{capture, analysis, limits, findings};
     check_saturation(judgement);
@@ -11,7 +12,7 @@ Findings check_capture(const FlatCapture& capture, const Analysis& analysis, con
     check_dead_regions(judgement);
     check_light(judgement);
     check_scene(judgement);
-    check_defects(judgement);
+    check_defects(judgement, outliers);
     check_black_level(judgement);
     check_colours(judgement);
     check_grid(judgement);

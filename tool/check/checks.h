@@ -20,6 +20,8 @@ struct FlatCapture {
     }
 };
 
+struct Outliers;
+
 struct Judgement {
     const FlatCapture& capture;
     const Analysis& analysis;
@@ -37,7 +39,7 @@ void check_brightness(const Judgement& judgement);
 void check_dead_regions(const Judgement& judgement);
 void check_light(const Judgement& judgement);
 void check_scene(const Judgement& judgement);
-void check_defects(const Judgement& judgement);
+void check_defects(const Judgement& judgement, const Outliers& outliers);
 void check_black_level(const Judgement& judgement);
 // The same by the curves of the planes.
 void judge_black_level(const Judgement& judgement, const std::array<std::vector<NoisePoint>, 4>& curves);
@@ -47,7 +49,8 @@ void check_grid(const Judgement& judgement);
 // How much darker light of a slope is in its darkest corner than in its brightest, as a fraction.
 double fall_of_light(std::array<double, 2> slope, double aspect);
 
-// All of them.
-Findings check_capture(const FlatCapture& capture, const Analysis& analysis, const CheckLimits& limits);
+// All of them. The outliers are those of the capture.
+Findings check_capture(const FlatCapture& capture, const Analysis& analysis, const Outliers& outliers,
+                       const CheckLimits& limits);
 
 } // namespace zerklsc::tool

@@ -8,9 +8,8 @@
 
 namespace zerklsc::tool {
 
-void check_defects(const Judgement& judgement) {
+void check_defects(const Judgement& judgement, const Outliers& outliers) {
     const FlatCapture& capture = judgement.capture;
-    const Outliers outliers = find_outliers(capture, judgement.analysis);
     size_t samples = 0, lines = 0, where = 0;
     for (size_t plane = 0; plane < 4; ++plane) {
         samples += outliers.samples[plane].size();

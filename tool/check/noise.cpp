@@ -1,4 +1,4 @@
-// photon_transfer, fit_noise_line, fit_noise_parabola
+// photon_transfer, fit_noise_line, fit_noise_parabola, response_of
 #include "check/noise.h"
 
 #include <algorithm>
@@ -78,6 +78,21 @@ NoiseParabola fit_terms(const std::vector<NoisePoint>& curve, double black, int 
     return parabola;
 }
 
+constexpr int terms_of_a_line = 1 | 2, all_terms = 1 | 2 | 4;
+
+// The best of the fits of 1 .. `most` of the bits of fit_terms().
+NoiseParabola best_fit(const std::vector<NoisePoint>& curve, double black, int most) {
+    NoiseParabola best;
+    best.misfit = 1e9;
+    for (int terms = 1; terms <= most; ++terms) {
+        const NoiseParabola found = fit_terms(curve, black, terms);
+        const double smallest = std::min({found.floor, found.gain, found.response});
+        if (smallest >= 0 && found.misfit < best.misfit * 0.999)
+            best = found;
+    }
+    return best;
+}
+
 } // namespace
 
 std::vector<NoisePoint> photon_transfer(const PlaneTiles& tiles) {
@@ -117,7 +132,7 @@ DeviationTable::DeviationTable(const std::vector<NoisePoint>& curve, double full
 }
 
 std::optional<NoiseLine> fit_noise_line(const std::vector<NoisePoint>& curve) {
-    if (curve.size() < 6)
+    if (curve.size() < 8)
         return {};
     double weights = 0, level = 0, variance = 0;
     for (const NoisePoint& p : curve) {
@@ -148,15 +163,17 @@ std::optional<NoiseLine> fit_noise_line(const std::vector<NoisePoint>& curve) {
 }
 
 NoiseParabola fit_noise_parabola(const std::vector<NoisePoint>& curve, double black) {
-    NoiseParabola best;
-    best.misfit = 1e9;
-    for (int terms = 1; terms < 8; ++terms) {
-        const NoiseParabola found = fit_terms(curve, black, terms);
-        const double smallest = std::min({found.floor, found.gain, found.response});
-        if (smallest >= 0 && found.misfit < best.misfit * 0.999)
-            best = found;
-    }
-    return best;
+    return best_fit(curve, black, all_terms);
+}
+
+bool fits_as_well(double simple, double other, size_t points) {
+    return simple < (1 + 3.6 / static_cast<double>(points)) * other + 0.002;
+}
+
+double response_of(const std::vector<NoisePoint>& curve, double black) {
+    const NoiseParabola with = best_fit(curve, black, all_terms);
+    const NoiseParabola without = best_fit(curve, black, terms_of_a_line);
+    return fits_as_well(without.misfit, with.misfit, curve.size()) ? 0 : std::sqrt(with.response);
 }
 
 } // namespace zerklsc::tool

@@ -62,4 +62,12 @@ struct NoiseParabola {
 };
 NoiseParabola fit_noise_parabola(const std::vector<NoisePoint>& curve, double black);
 
+// Whether a simpler curve explains the points as well as another one, by their misfits: one more term makes
+// that smaller by chance, the more so the fewer points there are.
+bool fits_as_well(double simple, double other, size_t points);
+
+// What the pixels' unequal response, or a pattern, adds to the noise, as a fraction of the light: the root of
+// the parabola's last term where the points cannot do without it.
+double response_of(const std::vector<NoisePoint>& curve, double black);
+
 } // namespace zerklsc::tool

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "check/robust.h"
 
@@ -14,23 +15,41 @@ constexpr float sample_reach = 7;
 constexpr float tile_reach = 6;
 constexpr float least_shadow = 0.012F;
 
-// The samples of one tile beyond the reach about its median.
-void search_tile(const RawFrame& frame, size_t plane, int column, int row, float reach,
+// The samples of the plane from `left` and `top` on, as many each way as a tile has, beyond the reach about
+// their median; those before `first_x` and `first_y` are not looked for.
+struct SearchArea {
+    int left, top;
+    int first_x = 0, first_y = 0;
+};
+
+void search_area(const RawFrame& frame, size_t plane, const SearchArea& area, float reach,
                  std::vector<uint32_t>& found) {
     std::vector<float> samples;
-    const auto sample = [&](int i, int j) {
-        return static_cast<float>(frame.at(2 * (column * tile_side + i) + static_cast<int>(plane & 1),
-                                           2 * (row * tile_side + j) + static_cast<int>(plane >> 1)));
+    const auto sample = [&](int x, int y) {
+        return static_cast<float>(
+            frame.at(2 * x + static_cast<int>(plane & 1), 2 * y + static_cast<int>(plane >> 1)));
     };
-    for (int j = 0; j < tile_side; ++j)
-        for (int i = 0; i < tile_side; ++i)
-            samples.push_back(sample(i, j));
+    for (int y = area.top; y < area.top + tile_side; ++y)
+        for (int x = area.left; x < area.left + tile_side; ++x)
+            samples.push_back(sample(x, y));
     const auto middle = static_cast<float>(median_of(samples));
-    for (int j = 0; j < tile_side; ++j)
-        for (int i = 0; i < tile_side; ++i)
-            if (std::abs(sample(i, j) - middle) > reach)
-                found.push_back(static_cast<uint32_t>((row * tile_side + j) * (frame.width / 2)
-                                                      + column * tile_side + i));
+    for (int y = area.top; y < area.top + tile_side; ++y)
+        for (int x = area.left; x < area.left + tile_side; ++x)
+            if ((x >= area.first_x || y >= area.first_y) && std::abs(sample(x, y) - middle) > reach)
+                found.push_back(static_cast<uint32_t>(y * (frame.width / 2) + x));
+}
+
+// The samples at the right and at the bottom that belong to no tile. The corner is left to the columns.
+void search_edge(const RawFrame& frame, size_t plane, const FrameTiles& tiles, auto&& reach_at,
+                 std::vector<uint32_t>& found) {
+    const int w = frame.width / 2, h = frame.height / 2;
+    const int tiles_w = tiles.columns * tile_side, tiles_h = tiles.rows * tile_side;
+    for (int row = 0; w > tiles_w && row < tiles.rows; ++row)
+        search_area(frame, plane, {w - tile_side, row * tile_side, tiles_w, h},
+                    reach_at(tiles.index(tiles.columns - 1, row)), found);
+    for (int column = 0; h > tiles_h && column < tiles.columns; ++column)
+        search_area(frame, plane, {column * tile_side, h - tile_side, w, tiles_h},
+                    reach_at(tiles.index(column, tiles.rows - 1)), found);
 }
 
 void find_samples(const FlatCapture& capture, const Analysis& analysis, size_t plane, Outliers& outliers) {
@@ -40,36 +59,58 @@ void find_samples(const FlatCapture& capture, const Analysis& analysis, size_t p
     const DeviationTable deviations(p.noise, capture.frame.full_scale());
     // The fall-off within a tile, which is more in a small frame, is no defect.
     const float fall_off = 0.03F + 3.0F / static_cast<float>(tiles.columns);
+    const auto reach_at = [&](size_t at) {
+        const float level = p.expected[at] + static_cast<float>(capture.black[plane]);
+        return sample_reach * deviations.at(level) + fall_off * p.expected[at] + 1;
+    };
     for (int row = 0; row < tiles.rows; ++row)
         for (int column = 0; column < tiles.columns; ++column) {
             const size_t at = tiles.index(column, row);
-            const float level = p.expected[at] + static_cast<float>(capture.black[plane]);
-            const float reach = sample_reach * deviations.at(level) + fall_off * p.expected[at] + 1;
+            const float reach = reach_at(at);
             const float mean = t.mean[at];
             if (static_cast<float>(t.brightest[at]) > mean + reach
                 || static_cast<float>(t.darkest[at]) < mean - reach)
-                search_tile(capture.frame, plane, column, row, reach, outliers.samples[plane]);
+                search_area(capture.frame, plane, {column * tile_side, row * tile_side}, reach,
+                            outliers.samples[plane]);
         }
+    search_edge(capture.frame, plane, tiles, reach_at, outliers.samples[plane]);
+}
+
+// How far a line's mean is from the middle of its neighbours' means, and how far from both of the two that
+// are in the middle: a line beside an edge is like one of them.
+struct LineOff {
+    float from_middle, from_both;
+};
+
+LineOff line_off(const std::vector<float>& means, int line) {
+    // As many at both sides, so that a slope is none, and without the line itself, which is the median of a
+    // slope.
+    const int reach = std::min({3, line, static_cast<int>(means.size()) - 1 - line});
+    std::vector<float> around;
+    for (int k = line - reach; k <= line + reach; ++k)
+        if (k != line)
+            around.push_back(means[static_cast<size_t>(k)]);
+    if (around.empty())
+        return {0, 0};
+    std::ranges::sort(around);
+    const float lower = around[around.size() / 2 - 1], upper = around[around.size() / 2];
+    const float mean = means[static_cast<size_t>(line)];
+    return {mean - (lower + upper) / 2, std::max({lower - mean, mean - upper, 0.0F})};
 }
 
 // Lines whose mean is far from those of their neighbours.
 std::vector<int> find_lines(const std::vector<float>& means, float least) {
     std::vector<int> lines;
-    std::vector<float> around, differences;
-    const int count = static_cast<int>(means.size());
-    for (int i = 0; i < count; ++i) {
-        // As many at both sides, so that a slope is none.
-        const int reach = std::min({3, i, count - 1 - i});
-        around.clear();
-        for (int k = i - reach; k <= i + reach; ++k)
-            around.push_back(means[static_cast<size_t>(k)]);
-        differences.push_back(means[static_cast<size_t>(i)] - static_cast<float>(median_of(around)));
+    std::vector<float> from_middle, from_both;
+    for (int i = 0; i < static_cast<int>(means.size()); ++i) {
+        const LineOff off = line_off(means, i);
+        from_middle.push_back(off.from_middle);
+        from_both.push_back(off.from_both);
     }
-    std::vector<float> scratch = differences;
-    const auto reach = static_cast<float>(8 * deviation_from(scratch, 0)) + least;
-    for (int i = 0; i < count; ++i)
-        if (std::abs(differences[static_cast<size_t>(i)]) > reach)
-            lines.push_back(i);
+    const auto reach = static_cast<float>(8 * deviation_from(from_middle, 0)) + least;
+    for (size_t i = 0; i < from_both.size(); ++i)
+        if (from_both[i] > reach)
+            lines.push_back(static_cast<int>(i));
     return lines;
 }
 
@@ -89,17 +130,46 @@ float depth_of(const FrameTiles& tiles, const std::vector<float>& rest, int colu
     return middles.empty() ? 0 : rest[tiles.index(column, row)] - static_cast<float>(median_of(middles));
 }
 
-// Tiles without defective samples that are darker than those around them by more than noise makes.
+// What the surface leaves of each tile, by the samples of it that are not defective; 0 where none is left.
+std::vector<float> rest_of_good_samples(const FlatCapture& capture, const Analysis& analysis, size_t plane,
+                                        const std::vector<uint32_t>& defective) {
+    const FrameTiles& tiles = analysis.tiles;
+    const PlaneAnalysis& p = analysis.planes[plane];
+    const auto width = static_cast<uint32_t>(capture.frame.width / 2);
+    struct Sum {
+        float samples = 0;
+        int count = 0;
+    };
+    std::map<size_t, Sum> left_out;
+    for (const uint32_t place : defective) {
+        const auto x = static_cast<int>(place % width), y = static_cast<int>(place / width);
+        if (x / tile_side >= tiles.columns || y / tile_side >= tiles.rows)
+            continue;
+        Sum& sum = left_out[tiles.index(x / tile_side, y / tile_side)];
+        sum.samples += static_cast<float>(
+            capture.frame.at(2 * x + static_cast<int>(plane & 1), 2 * y + static_cast<int>(plane >> 1)));
+        ++sum.count;
+    }
+    std::vector<float> rest = p.rest;
+    constexpr int samples = tile_side * tile_side;
+    for (const auto& [at, sum] : left_out) {
+        const float good = tiles.planes[plane].mean[at] * samples - sum.samples;
+        const auto black = static_cast<float>(capture.black[plane]);
+        rest[at] = sum.count == samples ? 0
+                                        : (good / static_cast<float>(samples - sum.count) - black)
+                                                  / std::max(p.expected[at], 1e-3F)
+                                              - 1;
+    }
+    return rest;
+}
+
+// Tiles that are darker than those around them by more than noise makes.
 void find_dust(const FlatCapture& capture, const Analysis& analysis, size_t plane, Outliers& outliers) {
     const FrameTiles& tiles = analysis.tiles;
     const PlaneAnalysis& p = analysis.planes[plane];
     const DeviationTable deviations(p.noise, capture.frame.full_scale());
-    std::vector<uint8_t> spoilt(tiles.count());
-    for (const uint32_t at : outliers.samples[plane]) {
-        const auto width = static_cast<uint32_t>(capture.frame.width / 2);
-        spoilt[at / width / tile_side * static_cast<size_t>(tiles.columns) + at % width / tile_side] = 1;
-    }
-    std::vector<float> scratch = p.rest;
+    const std::vector<float>& rest = outliers.rest[plane];
+    std::vector<float> scratch = rest;
     const auto spread = static_cast<float>(deviation_from(scratch, 0));
     for (int row = 0; row < tiles.rows; ++row)
         for (int column = 0; column < tiles.columns; ++column) {
@@ -108,7 +178,7 @@ void find_dust(const FlatCapture& capture, const Analysis& analysis, size_t plan
             const float noise =
                 deviations.at(light + static_cast<float>(capture.black[plane])) / tile_side / light;
             const float reach = tile_reach * std::max(noise * 1.1F, spread) + least_shadow;
-            if (p.rest[at] < -reach / 2 && spoilt[at] == 0 && depth_of(tiles, p.rest, column, row) < -reach)
+            if (rest[at] < -reach / 2 && depth_of(tiles, rest, column, row) < -reach)
                 outliers.dust_tiles[plane].push_back(static_cast<uint32_t>(at));
         }
 }
@@ -156,6 +226,7 @@ Outliers find_outliers(const FlatCapture& capture, const Analysis& analysis) {
         outliers.rows[plane] = find_lines(tiles.row_means, least);
         outliers.columns[plane] = find_lines(tiles.column_means, least);
         find_samples(capture, analysis, plane, outliers);
+        outliers.rest[plane] = rest_of_good_samples(capture, analysis, plane, outliers.samples[plane]);
         find_dust(capture, analysis, plane, outliers);
         // A frame full of them is no frame with dust on it; counting spots would take long.
         constexpr size_t many = 5000;

@@ -11,6 +11,9 @@ struct Outliers {
     std::array<std::vector<int>, 4> rows, columns;   // dead lines, of the plane
     std::array<int, 4> dust_spots{};                 // tiles that touch are one spot
 
+    // What the surface leaves of each tile, as a fraction, defective samples left out.
+    std::array<std::vector<float>, 4> rest;
+
     bool any() const;
 };
 

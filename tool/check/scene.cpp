@@ -122,7 +122,7 @@ double texture_of(const Judgement& judgement, size_t plane, const std::vector<fl
 
 double grain_of(const Judgement& judgement, size_t plane) {
     const auto& noise = judgement.analysis.planes[plane].noise;
-    return std::sqrt(fit_noise_parabola(noise, judgement.capture.black[plane]).response);
+    return response_of(noise, judgement.capture.black[plane]);
 }
 
 // How much more rows differ than columns do, or the other way round: neighbours of an image are alike in both

@@ -47,7 +47,17 @@ GainTables calibrate_light(RawFrame frame, const CalibrationSettings& settings) 
     return calibrate(frame, *frame.pattern, black, settings);
 }
 
-Prediction predict(const FlatCaptures& flats, const GainTables& tables, const CalibrationSettings& settings) {
+// The average without what is kept out of gains.
+RawFrame clean_average(const FlatCaptures& flats, const CheckedFlats& checked) {
+    if (checked.cleaned.empty())
+        return flats.average;
+    return checked.cleaned.size() > 1 ? average_of(checked.cleaned, flats.averaging)
+                                      : checked.cleaned.front();
+}
+
+// `clean` are the captures without what is kept out of gains.
+Prediction predict(const FlatCaptures& flats, const std::vector<RawFrame>& clean, const GainTables& tables,
+                   const CalibrationSettings& settings) {
     const std::vector<RawFrame>& captures = flats.captures;
     const Isp isp = isp_of_algorithm(settings.algorithm);
     const auto flatness = [&](const RawFrame& frame, const GainTables& gains) {
@@ -58,7 +68,7 @@ Prediction predict(const FlatCaptures& flats, const GainTables& tables, const Ca
         prediction.on_captures = std::max(prediction.on_captures, flatness(capture, tables));
     for (size_t i = 0; captures.size() > 1 && i < captures.size(); ++i) {
         const GainTables others =
-            calibrate_light(average_of(captures, flats.averaging, static_cast<int>(i)), settings);
+            calibrate_light(average_of(clean, flats.averaging, static_cast<int>(i)), settings);
         prediction.on_left_out = std::max(prediction.on_left_out, flatness(captures[i], others));
     }
     return prediction;
@@ -152,17 +162,21 @@ void run(const Options& options, Report& report) {
     report.add("captures", JsonValue::list(options.captures.flats));
     report.add("average", name_of(flats.averaging));
     report.print(describe(frame));
-    const auto findings = check_flats(flats.captures, settings, options.check, options.clip_limit, report);
+    const CheckedFlats checked =
+        check_flats(flats.captures, settings, options.check, options.clip_limit, report);
+    const std::vector<RawFrame>& clean = checked.cleaned.empty() ? flats.captures : checked.cleaned;
     const FrameLevels levels = measure_planes(frame, *frame.black, usual_blocks(frame));
     const Progress progress("calibrating " + frame.name);
-    GainTables tables = calibrate_light(frame, settings);
-    tables.inputs = recorded(options.captures, findings);
+    GainTables tables = calibrate_light(clean_average(flats, checked), settings);
+    tables.inputs = recorded(options.captures, checked.findings);
+    for (size_t i = 0; i < checked.kept_out.size(); ++i)
+        tables.inputs[i].kept_out = checked.kept_out[i];
     tables.average = name_of(flats.averaging);
     report_channels(report, levels, tables);
     warn_about_gains(frame.name, tables);
     // Where no correction is possible, there is nothing to predict: the tables are what was asked for.
     try {
-        report_prediction(report, frame.name, tables, predict(flats, tables, settings));
+        report_prediction(report, frame.name, tables, predict(flats, clean, tables, settings));
     } catch (const Failure& failure) {
         warn(failure.what());
     }

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include "check/outliers.h"
 #include "check/series.h"
 #include "commands.h"
 #include "commands/flat_check.h"
@@ -73,8 +74,9 @@ void check_others(const Options& options, const Judgement& judgement) {
         check_repetition(judgement, {other.frame, other.analysis});
         if (i == 1 && first.frame.samples != other.frame.samples)
             check_black_level_of_pair(judgement, {other.frame, other.analysis});
-        const Findings own = check_capture({other.frame, first.pattern, first.black, first.settings},
-                                           other.analysis, judgement.limits);
+        const FlatCapture capture{other.frame, first.pattern, first.black, first.settings};
+        const Findings own =
+            check_capture(capture, other.analysis, find_outliers(capture, other.analysis), judgement.limits);
         for (Finding finding : own)
             if (finding.verdict == Verdict::refuse) {
                 finding.advice = fmt::format("{}: {}", options.flats[i], finding.advice);
@@ -106,7 +108,7 @@ void run(const Options& options, Report& report) {
     settings.algorithm = algorithm_from(options.algorithm);
     const Analysis analysis = analyse(frame, *frame.black);
     const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};
-    Findings findings = check_capture(capture, analysis, limits);
+    Findings findings = check_capture(capture, analysis, find_outliers(capture, analysis), limits);
     check_others(options, {capture, analysis, limits, findings});
     report.add("checks", json_of(findings));
     print_findings(report, findings);

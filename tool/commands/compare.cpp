@@ -68,8 +68,9 @@ Outcome try_method(const RawFrame& capture, const RawFrame& light, const Calibra
 }
 
 // Leaves out the methods that cannot take the capture with these settings, with a warning that says why.
-Outcomes try_all(const RawFrame& capture, CalibrationSettings settings) {
-    RawFrame light = capture;
+// `clean` is the capture without what is kept out of gains.
+Outcomes try_all(const RawFrame& capture, const RawFrame& clean, CalibrationSettings settings) {
+    RawFrame light = clean;
     subtract_black(light, BlackLevel(*capture.black));
     Outcomes outcomes;
     for (int algorithm = ZERKLSC_ALGORITHM_HALVANE; algorithm <= ZERKLSC_ALGORITHM_ORVEL_WEIGHTS;
@@ -155,9 +156,11 @@ void run(const Options& options, Report& report) {
     report.print(describe(capture));
     const FrameLevels levels = measure_planes(capture, *capture.black, usual_blocks(capture));
     const CalibrationSettings settings = with_step(options.settings, capture);
-    check_flats({&capture, 1}, settings, options.check, usual_clip_limit, report);
+    const CheckedFlats checked =
+        check_flats({&capture, 1}, settings, options.check, usual_clip_limit, report);
     const Shading before = shading_of(levels);
-    const Outcomes outcomes = try_all(capture, settings);
+    const Outcomes outcomes =
+        try_all(capture, checked.cleaned.empty() ? capture : checked.cleaned.front(), settings);
     add_outcomes(report, before, outcomes);
     print_table(report, settings, before, outcomes);
     recommend(report, outcomes);

@@ -5,11 +5,52 @@
 
 #include <fmt/format.h>
 
+#include "check/keep_out.h"
 #include "imaging/exposure.h"
 #include "io/findings_json.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {
+namespace {
+
+// Warns of what is not good, and keeps the first sentence that refuses.
+void judge(const std::string& name, const Findings& findings, bool force, std::string& refusal) {
+    for (const Finding& finding : findings)
+        if (finding.verdict == Verdict::refuse && refusal.empty() && !force)
+            refusal = sentence_of(name, finding);
+        else if (finding.verdict != Verdict::pass)
+            warn(sentence_of(name, finding));
+}
+
+struct Found {
+    const FlatCapture& capture;
+    const Analysis& analysis;
+    const Outliers& outliers;
+};
+
+void clean(std::span<const RawFrame> captures, const Found& found, CheckedFlats& flats) {
+    if (flats.cleaned.empty())
+        flats.cleaned.assign(captures.begin(), captures.end());
+    const size_t number = flats.kept_out.size() - 1;
+    flats.kept_out[number] = count_of(found.outliers);
+    keep_out(found.outliers, found.analysis, found.capture.black, flats.cleaned[number]);
+}
+
+void report_kept_out(const std::vector<KeptOut>& kept_out, Report& report) {
+    KeptOut all;
+    for (const KeptOut& one : kept_out) {
+        all.samples += one.samples;
+        all.lines += one.lines;
+        all.dust_spots += one.dust_spots;
+    }
+    if (all.any())
+        report.print(fmt::format("kept out of the gains: {} samples, {} lines, {} spots of dust\n",
+                                 all.samples, all.lines, all.dust_spots));
+    report.add("kept_out", json_of(all));
+}
+
+} // namespace
+
 void add_limit_option(Command command, FlatCheckOptions& options) {
     command.repeated(
         "--limit", options.limits,
@@ -19,6 +60,8 @@ void add_limit_option(Command command, FlatCheckOptions& options) {
 void add_flat_check_options(Command command, FlatCheckOptions& options) {
     add_limit_option(command, options);
     command.flag("--force", options.force, "use a capture that the checks refuse");
+    command.flag("--keep-outliers", options.keep_outliers,
+                 "average defects, dead lines and dust too, which are kept out of the gains otherwise");
 }
 
 CheckLimits limits_of(const FlatCheckOptions& options) {
@@ -43,33 +86,34 @@ bool can_be_checked(const RawFrame& frame) {
     return std::min(frame.width, frame.height) >= least;
 }
 
-std::vector<Findings> check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
-                                  const FlatCheckOptions& options, double clip_limit, Report& report) {
+CheckedFlats check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
+                         const FlatCheckOptions& options, double clip_limit, Report& report) {
     CheckLimits limits = limits_of(options);
     limits.set(fmt::format("clipping={},{}", clip_limit / 10, clip_limit));
-    std::vector<Findings> found;
     Findings all;
+    CheckedFlats flats;
     std::string refusal;
     for (const RawFrame& frame : captures) {
-        found.emplace_back();
+        flats.findings.emplace_back();
+        flats.kept_out.emplace_back();
         if (!can_be_checked(frame)) {
             check_exposure(frame, measure_planes(frame, *frame.black, usual_blocks(frame)), clip_limit);
             continue;
         }
         const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};
-        found.back() = check_capture(capture, analyse(frame, capture.black), limits);
-        for (const Finding& finding : found.back()) {
-            all.push_back(finding);
-            if (finding.verdict == Verdict::refuse && refusal.empty() && !options.force)
-                refusal = sentence_of(frame.name, finding);
-            else if (finding.verdict != Verdict::pass)
-                warn(sentence_of(frame.name, finding));
-        }
+        const Analysis analysis = analyse(frame, capture.black);
+        const Outliers outliers = find_outliers(capture, analysis);
+        const Findings& findings = flats.findings.back() = check_capture(capture, analysis, outliers, limits);
+        all.insert(all.end(), findings.begin(), findings.end());
+        judge(frame.name, findings, options.force, refusal);
+        if (worst_of(findings) != Verdict::refuse && outliers.any() && !options.keep_outliers)
+            clean(captures, {capture, analysis, outliers}, flats);
     }
     report.add("checks", json_of(all));
     if (!refusal.empty())
         data_failure("{}; --force uses the capture all the same", refusal);
-    return found;
+    report_kept_out(flats.kept_out, report);
+    return flats;
 }
 
 } // namespace zerklsc::tool

@@ -13,12 +13,13 @@ namespace zerklsc::tool {
 struct FlatCheckOptions {
     std::vector<std::string> limits;
     bool force = false;
+    bool keep_outliers = false;
 };
 
 // --limit, which changes the limits of a check.
 void add_limit_option(Command command, FlatCheckOptions& options);
 
-// --limit, and --force, which uses a refused capture all the same.
+// --limit, --force, which uses a refused capture all the same, and --keep-outliers.
 void add_flat_check_options(Command command, FlatCheckOptions& options);
 
 CheckLimits limits_of(const FlatCheckOptions& options);
@@ -29,10 +30,16 @@ std::string sentence_of(const std::string& name, const Finding& finding);
 // Whether a frame has room for what the checks measure.
 bool can_be_checked(const RawFrame& frame);
 
+struct CheckedFlats {
+    std::vector<Findings> findings; // of each capture; none of a small one
+    std::vector<KeptOut> kept_out;  // of the gains, of each capture
+    // The captures without that; none where there is nothing to be kept out.
+    std::vector<RawFrame> cleaned;
+};
+
 // Checks captures whose pattern and black level are known, adds "checks" to the document, warns, and refuses
-// what must be refused, unless it is forced. Returns the findings of each capture. Small frames are judged by
-// their exposure alone, and have none.
-std::vector<Findings> check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
-                                  const FlatCheckOptions& options, double clip_limit, Report& report);
+// what must be refused, unless it is forced. Small frames are judged by their exposure alone.
+CheckedFlats check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
+                         const FlatCheckOptions& options, double clip_limit, Report& report);
 
 } // namespace zerklsc::tool

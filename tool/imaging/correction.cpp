@@ -44,7 +44,7 @@ void check_tvessa2(const RawFrame& frame, const GainTables& tables, const std::s
             tables_name, tables.step, w, nearest_steps(w, tables.step));
     if (tvessa2_phases % tables.step != 0)
         warn(fmt::format(
-            "{}: the tvessa2 ISP interpolates over {} of 64 phases of a cell of step {}: steps of 1, 2, 4, "
+            "{}: the tvessa2 ISP interpolates over {} of 64 phases of a cell of step {}: steps of 2, 4, "
             "8, 16, 32 and 64 are corrected smoothly",
             tables_name, tables.step * (tvessa2_phases / tables.step), tables.step));
     if (frame.width < tvessa2_narrowest)

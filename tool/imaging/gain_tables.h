@@ -12,12 +12,20 @@
 
 namespace zerklsc::tool {
 
+// What was kept out of the averages that gains are made from.
+struct KeptOut {
+    int samples = 0, lines = 0, dust_spots = 0;
+
+    bool any() const { return samples > 0 || lines > 0 || dust_spots > 0; }
+};
+
 // A file that tables were made from.
 struct TableInput {
     std::string role;   // "flat field"
     std::string name;   // of the file, without its directory
     std::string sha256; // in hexadecimal digits; nothing where the file could be read but once
     Findings checks;    // what was found in a flat field
+    KeptOut kept_out;   // of the gains
 };
 
 struct GainTables {

@@ -33,4 +33,9 @@ JsonValue json_of(const Findings& findings) {
     return list;
 }
 
+JsonValue json_of(const KeptOut& kept_out) {
+    return JsonValue::object(
+        {{"samples", kept_out.samples}, {"lines", kept_out.lines}, {"dust_spots", kept_out.dust_spots}});
+}
+
 } // namespace zerklsc::tool

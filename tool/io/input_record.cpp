@@ -8,8 +8,8 @@ namespace zerklsc::tool {
 
 TableInput input_record(const char* role, const std::string& path) {
     if (path == "-")
-        return {role, "standard input", "", {}};
-    return {role, path.substr(directory_of(path).size()), sha256_of_file(path), {}};
+        return {role, "standard input", "", {}, {}};
+    return {role, path.substr(directory_of(path).size()), sha256_of_file(path), {}, {}};
 }
 
 JsonValue json_of(const TableInput& input) {

@@ -126,19 +126,29 @@ Findings read_findings(const std::string& path, const json& list) {
     return findings;
 }
 
+KeptOut read_kept_out(const Reader& input) {
+    if (!input.has("kept_out"))
+        return {};
+    const Reader counts(input.path(), input.field("kept_out"));
+    const auto count = [&](const char* name) {
+        return counts.integer(name, 0, std::numeric_limits<int>::max());
+    };
+    return {count("samples"), count("lines"), count("dust_spots")};
+}
+
 std::vector<TableInput> read_inputs(const Reader& reader) {
     std::vector<TableInput> inputs;
     for (const json& object : reader.list("inputs")) {
         const Reader input(reader.path(), object);
         inputs.push_back({input.text("role"), input.text("name"), input.text_or_null("sha256"),
-                          read_findings(reader.path(), input.list("checks"))});
+                          read_findings(reader.path(), input.list("checks")), read_kept_out(input)});
     }
     return inputs;
 }
 
 // Version 1 only has the names of the checks that refused the capture.
 std::vector<TableInput> read_inputs_of_version_1(const Reader& reader) {
-    TableInput input{"flat field", "", "", {}};
+    TableInput input{"flat field", "", "", {}, {}};
     if (!reader.has("failed_checks"))
         return {};
     for (const json& name : reader.list("failed_checks")) {

@@ -36,6 +36,8 @@ JsonValue inputs_of(const GainTables& tables) {
     for (const TableInput& input : tables.inputs) {
         JsonValue object = json_of(input);
         object.add("checks", json_of(input.checks));
+        if (input.kept_out.any())
+            object.add("kept_out", json_of(input.kept_out));
         list.add(std::move(object));
     }
     return list;
