@@ -54,8 +54,8 @@ Fit calibrate(const FlatField& flat, uint16_t** tables, const SurfaceGrid& grid,
     const FitRaster raster = {grid, step, columns, rows};
     const Scratch<float> inner =
         allocate<float>(ZERKLSC_CHANNELS * static_cast<uint64_t>(grid.inner_count()));
-    System system = {normal_matrix(raster), right_sides(raster, flat)};
-    if (inner == nullptr || system.right == nullptr)
+    System system = make_system(raster, flat);
+    if (inner == nullptr)
         return Fit::refused;
     const Fit fit = invert(system.normal, grid);
     if (fit != Fit::done)

@@ -54,14 +54,18 @@ Scratch<double> normal_matrix(const FitRaster& raster) {
     return normal != nullptr && for_each_point(raster, add) ? std::move(normal) : nullptr;
 }
 
-Scratch<double> right_sides(const FitRaster& raster, const FlatField& flat) {
-    Scratch<double> right = allocate_zeros(channels * static_cast<uint64_t>(raster.grid.inner_count()));
+System make_system(const FitRaster& raster, const FlatField& flat) {
+    const uint64_t unknowns = static_cast<uint64_t>(raster.grid.inner_count());
+    System system = {allocate_zeros(unknowns * unknowns), allocate_zeros(channels * unknowns)};
+    if (system.normal == nullptr || system.right == nullptr)
+        return {};
     const auto add = [&](int16_t column, int16_t row, const DesignRow& weights) {
         float gains[channels];
         gains_at(flat, column, row, gains);
-        add_to_right_sides(weights, raster.grid, gains, right.get());
+        add_to_normal_matrix(weights, raster.grid, system.normal.get());
+        add_to_right_sides(weights, raster.grid, gains, system.right.get());
     };
-    return right != nullptr && for_each_point(raster, add) ? std::move(right) : nullptr;
+    return for_each_point(raster, add) ? std::move(system) : System{};
 }
 
 // The products are taken in double precision, the sums kept in single precision.

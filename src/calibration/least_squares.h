@@ -25,11 +25,11 @@ struct FitRaster {
     const FitLines& rows;
 };
 
-// The matrix, which no frame changes. Null where memory is lacking.
+// The matrix alone, which no frame changes. Null where memory is lacking.
 Scratch<double> normal_matrix(const FitRaster& raster);
 
-// From the gains at the points. Null where memory is lacking.
-Scratch<double> right_sides(const FitRaster& raster, const FlatField& flat);
+// With the right-hand sides from the gains at the points. Without either where memory is lacking.
+System make_system(const FitRaster& raster, const FlatField& flat);
 
 // The inner nodes of the four channels, one channel after the other, once the matrix is inverted.
 void solve(const System& system, const SurfaceGrid& grid, float* inner);
