@@ -9,6 +9,7 @@
 #include "calibration/orvel_plain.h"
 #include "frames.h"
 #include "workload.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc::bench {
 namespace {
@@ -70,11 +71,22 @@ std::string compare_inverse(testing::Random& random) {
     return equal ? "" : fmt::format("n = {}", n);
 }
 
-Workload orvel(int32_t radius, std::array<double, 3> at_most, double at_least) {
+void calibrate(Job& job) {
+    lsc2d_calibration_wrapper(job.frame.data(), &job.tables.info);
+}
+
+// The same with counts of what was clipped and capped.
+void calibrate_and_report(Job& job) {
+    zerklsc_report report;
+    zerklsc_calibrate(job.frame.data(), &job.tables.info, &report);
+}
+
+Workload orvel(const char* name, void (*run)(Job&), int32_t radius, std::array<double, 3> at_most,
+               double at_least) {
     const auto job = std::make_shared<Job>(4000, 3000, 64, radius, 2);
-    return {.name = fmt::format("calibration, algorithm 2, radius {}", radius),
+    return {.name = fmt::format("{}, algorithm 2, radius {}", name, radius),
             .frame_bytes = job->frame.size() * sizeof(uint16_t),
-            .fast = [=] { lsc2d_calibration_wrapper(job->frame.data(), &job->tables.info); },
+            .fast = [=] { run(*job); },
             .plain = [=] { calibrate_plainly(*job, job->tables.info); },
             .at_most = at_most,
             .at_least = {at_least, at_least, at_least}};
@@ -118,8 +130,13 @@ Workload inverse() {
 } // namespace
 
 std::vector<Workload> calibration_workloads() {
-    return {orvel(4, {0.5, 0.45, 0.45}, 40), orvel(8, {0.8, 0.7, 0.7}, 25), orvel(16, {1.8, 1.4, 1.4}, 15),
-            surface_fit(), inverse()};
+    const char* const name = "calibration";
+    return {orvel(name, calibrate, 4, {0.5, 0.45, 0.45}, 40),
+            orvel(name, calibrate, 8, {0.8, 0.7, 0.7}, 25),
+            orvel("zerklsc_calibrate", calibrate_and_report, 8, {0.8, 0.7, 0.7}, 25),
+            orvel(name, calibrate, 16, {1.8, 1.4, 1.4}, 15),
+            surface_fit(),
+            inverse()};
 }
 
 std::vector<Check> calibration_checks() {
