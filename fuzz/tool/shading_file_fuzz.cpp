@@ -36,7 +36,7 @@ void read_as_shading(const std::string& path, uint8_t kind) {
     else if (kind == 1)
         shading = read_alsc(path);
     else
-        shading = read_shading_file(path); // YAML begins with "%YAML"
+        shading = read_shading_file(path, {64, 48}); // YAML begins with "%YAML"
     if (!shading)
         return;
     for (const ShadingSet& set : shading->sets)

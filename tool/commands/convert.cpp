@@ -37,15 +37,16 @@ struct Format {
     const char* grid;      // null where the tables keep theirs
 };
 
-constexpr std::array<Format, 9> formats{{{"json", ".json", nullptr},
-                                         {"rkisp1", ".yaml", nullptr},
-                                         {"alsc", nullptr, "32,32"},
-                                         {"android", nullptr, "17,13"},
-                                         {"dng", ".dng", nullptr},
-                                         {"c", ".h", nullptr},
-                                         {"csv", ".csv", nullptr},
-                                         {"npy", ".npy", nullptr},
-                                         {"text", ".txt", nullptr}}};
+constexpr std::array<Format, 10> formats{{{"json", ".json", nullptr},
+                                          {"rkisp1", ".yaml", nullptr},
+                                          {"rkisp1-polynomial", nullptr, nullptr},
+                                          {"alsc", nullptr, "32,32"},
+                                          {"android", nullptr, "17,13"},
+                                          {"dng", ".dng", nullptr},
+                                          {"c", ".h", nullptr},
+                                          {"csv", ".csv", nullptr},
+                                          {"npy", ".npy", nullptr},
+                                          {"text", ".txt", nullptr}}};
 
 std::string format_names(const char* separator) {
     std::vector<std::string> names;
@@ -97,6 +98,8 @@ std::string encode(const Options& options, const Format& format, const std::vect
         return encode_table_json(tables);
     if (is(format, "rkisp1"))
         return encode_rkisp1(sets, losses);
+    if (is(format, "rkisp1-polynomial"))
+        return encode_rkisp1_polynomial(sets, losses);
     if (is(format, "alsc"))
         return encode_alsc(sets, grid[0], grid[1], losses);
     if (is(format, "android"))
@@ -115,7 +118,7 @@ void run(const Options& options, Report& report) {
     inputs.push_back(options.raw.path);
     keep_files_apart(inputs, {options.output});
     const Format& format = format_of(options);
-    const bool lit = is(format, "rkisp1") || is(format, "alsc");
+    const bool lit = is(format, "rkisp1") || is(format, "rkisp1-polynomial") || is(format, "alsc");
     const std::vector<LitTables> sets = read_convert_inputs(options.inputs, options.raw, format.name, lit);
     Losses losses;
     const std::string bytes = encode(options, format, sets, losses);
@@ -145,10 +148,10 @@ void add_convert(Command app) {
     command.option("--grid", options->grid, "COLUMNS,ROWS of the target (alsc: 32,32; android: 17,13)");
     add_raw_options(command, options->raw, "--raw");
     command.footer(
-        "rkisp1 is a part of a libcamera tuning file, alsc one of a Raspberry Pi tuning file. dng writes "
-        "the frame\nthat --raw names with the tables as gain maps. c, csv, npy and text hold the tables "
-        "as they are.\nA tuning file or a DNG with gain maps becomes a table file (json) again, or another "
-        "of these.\n\n"
+        "rkisp1 is a part of a libcamera tuning file (rkisp1-polynomial: fitted, radial), alsc one of a "
+        "Raspberry\nPi tuning file. dng writes the frame that --raw names with the tables as gain maps. c, "
+        "csv, npy and\ntext hold the tables as they are. A tuning file or a DNG with gain maps becomes a "
+        "table file (json)\nagain, or another of these.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc calibrate flat.pgm -o tables.json\n"

@@ -25,11 +25,13 @@ constexpr int coldest = 1000, hottest = 20000;
 constexpr int usual_step = 64;
 constexpr int usual_bits = 10;
 
-void set_size(const ConvertInputs& inputs, GainTables& tables) {
+// --size; 0 where it is not given.
+FrameSize size_of(const ConvertInputs& inputs) {
+    if (inputs.size.empty())
+        return {};
     const auto size = integer_list("--size", inputs.size, 2, 2, largest_side);
     check_even(size[0], size[1]);
-    tables.raw_width = size[0];
-    tables.raw_height = size[1];
+    return {size[0], size[1]};
 }
 
 // What a file does not say about its tables, in one warning.
@@ -71,7 +73,7 @@ int step_for(const ConvertInputs& inputs, const ShadingFile& file, const GainTab
 
 void check_detail(const std::string& path, const ShadingFile& file, const GainTables& tables) {
     const double x = file.spacing_x * tables.plane_width(), y = file.spacing_y * tables.plane_height();
-    if (tables.step > x || tables.step > y)
+    if (file.has_nodes && (tables.step > x || tables.step > y))
         warn(fmt::format(
             "{}: its nodes are {:.1f} x {:.1f} plane samples apart, closer than --step {}: detail "
             "between is lost",
@@ -129,10 +131,9 @@ std::vector<LitTables> tables_of_file(const ConvertInputs& inputs, const RawOpti
     Losses losses = file.losses;
     std::vector<LitTables> result;
     for (const ShadingSet& set : sets) {
-        about.raw_width = set.width;
-        about.raw_height = set.height;
-        if (!inputs.size.empty())
-            set_size(inputs, about);
+        const FrameSize size = inputs.size.empty() ? FrameSize{set.width, set.height} : size_of(inputs);
+        about.raw_width = size.width;
+        about.raw_height = size.height;
         about.step = step_for(inputs, file, about);
         check_detail(path, file, about);
         if (set.at_limit > 0)
@@ -153,7 +154,9 @@ GainTables read_text(const ConvertInputs& inputs, const std::string& path, const
             path);
     GainTables tables;
     tables.algorithm = ZERKLSC_ALGORITHM_ORVEL;
-    set_size(inputs, tables);
+    const FrameSize size = size_of(inputs);
+    tables.raw_width = size.width;
+    tables.raw_height = size.height;
     tables.step = inputs.step;
     check_grid(tables.raw_width, tables.raw_height, tables.step, path);
     set_description(path, raw, {}, tables);
@@ -196,7 +199,7 @@ void add_convert_inputs(Command command, ConvertInputs& inputs) {
 std::vector<LitTables> read_convert_inputs(const ConvertInputs& inputs, const RawOptions& raw,
                                            const std::string& format, bool lit) {
     for (const std::string& path : inputs.paths)
-        if (const auto file = read_shading_file(path)) {
+        if (const auto file = read_shading_file(path, size_of(inputs))) {
             if (inputs.paths.size() != 1)
                 usage_failure("{}: a tuning file or DNG is converted alone, not with {} other files", path,
                               inputs.paths.size() - 1);

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "convert/radial_gain.h"
 #include "convert/shading_file.h"
 #include "failure.h"
 #include "io/yaml_document.h"
@@ -70,7 +71,41 @@ void read_resolution(const std::string& path, const YamlNode& node, ShadingSet& 
     set.height &= ~1;
 }
 
-ShadingSet read_set(const std::string& path, const YamlNode& node) {
+double read_number(const std::string& path, const YamlNode& node, const std::string& name, double lowest,
+                   double highest) {
+    const auto value = node.number();
+    if (!value || !(*value >= lowest && *value <= highest))
+        data_failure("{}: {} is \"{}\", which is not a number from {} to {}", path, name, node.shown(),
+                     lowest, highest);
+    return *value;
+}
+
+// Distances are in pixels, so the radial form needs the shape of the frame.
+GainSurface read_radial(const std::string& path, const YamlNode& node, const std::string& name,
+                        const ShadingSet& set, FrameSize size) {
+    constexpr double highest_term = 1e6;
+    if (set.width != 0)
+        size = {set.width, set.height};
+    if (size.width == 0)
+        data_failure(
+            "{}: its sets say no resolution, which their radial form needs: give --size WIDTH,HEIGHT", path);
+    RadialGain gain;
+    gain.centre_x = read_number(path, node["cx"], "cx of " + name, 0, 1);
+    gain.centre_y = read_number(path, node["cy"], "cy of " + name, 0, 1);
+    for (size_t i = 0; i < gain.k.size(); ++i) {
+        const std::string term = fmt::format("k{}", i);
+        gain.k[i] = read_number(path, node[term], term + " of " + name, -highest_term, highest_term);
+    }
+    return surface_of(gain, size.width, size.height);
+}
+
+GainSurface read_table(const std::string& path, const YamlNode& node, const std::string& name,
+                       int& at_limit) {
+    constexpr GridAxis axis{vertices, 0, 1.0 / (vertices - 1)};
+    return surface_of({axis, axis, read_gains(path, node, name, at_limit)});
+}
+
+ShadingSet read_set(const std::string& path, const YamlNode& node, bool radial, FrameSize size) {
     const double kelvin = node["ct"].number().value_or(0);
     if (!(kelvin >= 1 && kelvin <= 100000))
         data_failure("{}: a set has the colour temperature \"{}\", which is not a number of kelvin", path,
@@ -78,29 +113,36 @@ ShadingSet read_set(const std::string& path, const YamlNode& node) {
     ShadingSet set;
     set.kelvin = static_cast<int>(kelvin);
     read_resolution(path, node["resolution"], set);
-    constexpr GridAxis axis{vertices, 0, 1.0 / (vertices - 1)};
     for (const Colour colour : all_colours) {
-        const char* const name = colour_names[static_cast<size_t>(colour)];
-        if (!node[name])
-            data_failure("{}: the set of {} K has no \"{}\"", path, set.kelvin, name);
-        set.of(colour) = surface_of(
-            {axis, axis,
-             read_gains(path, node[name], fmt::format("\"{}\" of {} K", name, set.kelvin), set.at_limit)});
+        const char* const key = colour_names[static_cast<size_t>(colour)];
+        if (!node[key])
+            data_failure("{}: the set of {} K has no \"{}\"", path, set.kelvin, key);
+        const std::string name = fmt::format("\"{}\" of {} K", key, set.kelvin);
+        set.of(colour) = radial ? read_radial(path, node[key], name, set, size)
+                                : read_table(path, node[key], name, set.at_limit);
     }
     return set;
 }
 
 } // namespace
 
-ShadingFile read_rkisp1(const std::string& path) {
+ShadingFile read_rkisp1(const std::string& path, FrameSize size) {
     YamlDocument document(read_file(path, largest_tuning_file), path);
     const YamlNode shading = find_shading(path, document.root());
-    check_sectors(path, shading, "x-size");
-    check_sectors(path, shading, "y-size");
+    const std::string_view type = shading["type"].text();
+    const bool radial = type == "polynomial";
+    if (!radial && !type.empty() && type != "table")
+        data_failure("{}: its LensShadingCorrection is of type \"{}\": expected table or polynomial", path,
+                     shading["type"].shown());
+    if (!radial) {
+        check_sectors(path, shading, "x-size");
+        check_sectors(path, shading, "y-size");
+    }
     ShadingFile file;
     file.format = "rkisp1";
+    file.has_nodes = !radial;
     for (const YamlNode& node : shading["sets"].elements())
-        file.sets.push_back(read_set(path, node));
+        file.sets.push_back(read_set(path, node, radial, size));
     if (file.sets.empty())
         data_failure("{}: LensShadingCorrection has no sets", path);
     file.spacing_x = file.spacing_y = 1.0 / (vertices - 1);

@@ -20,7 +20,7 @@ bool is_raspberry_pi(std::string_view head) {
 
 } // namespace
 
-std::optional<ShadingFile> read_shading_file(const std::string& path) {
+std::optional<ShadingFile> read_shading_file(const std::string& path, [[maybe_unused]] FrameSize size) {
     // Standard input can be read only once, and is for table files.
     if (path == "-")
         return std::nullopt;
@@ -29,7 +29,7 @@ std::optional<ShadingFile> read_shading_file(const std::string& path) {
         return read_gain_maps(file);
     if (is_yaml(file)) {
 #ifdef ZERKLSC_WITH_YAML
-        return read_rkisp1(path);
+        return read_rkisp1(path, size);
 #else
         data_failure("{}: this zerklsc was built without libyaml, and reads no YAML", path);
 #endif

@@ -22,6 +22,10 @@ using Losses = std::vector<std::string>;
 // temperature, 1024 = 1.0, limited to 4095.
 std::string encode_rkisp1(const std::vector<LitTables>& sets, Losses& losses);
 
+// The same with a radial polynomial of each colour in place of the gains, fitted to them; what the fit is off
+// by is a loss.
+std::string encode_rkisp1_polynomial(const std::vector<LitTables>& sets, Losses& losses);
+
 // The rpi.alsc part of a Raspberry Pi tuning file: cell centres of a columns x rows grid, ascending
 // temperatures, three decimals. The luminance table is the mean of the sets.
 std::string encode_alsc(const std::vector<LitTables>& sets, int columns, int rows, Losses& losses);
