@@ -4,6 +4,8 @@
   verdicts.py --tool build/release/tool/zerklsc                                    every case, small frames
   verdicts.py --tool build/release/tool/zerklsc --width 4208 --height 3120         the same at 13 megapixels
   verdicts.py --tool build/release/tool/zerklsc --modules 200                      clean captures of many modules
+  verdicts.py --tool build/release/tool/zerklsc --flat flat.pgm                    a capture that must pass; 77 where it is
+                                                                                   missing
 """
 import argparse
 import json
@@ -30,7 +32,9 @@ CASES = [
     ("warn", "defects", ["--defects", "{defects}"]),
     ("warn", "dead-lines", faults("dead-lines")),
     ("warn", "flicker", faults("flicker=5")),
+    ("warn", "flare", faults("flare-spot=5")),
     ("warn", "flare", faults("flare-spot=15")),
+    ("warn", "flare", faults("flare-ring=5")),
     ("warn", "flare", faults("flare-ring=15")),
     ("warn", "grain", faults("fine-texture=5")),
     ("warn", "uneven-light", faults("uneven=20")),
@@ -53,9 +57,12 @@ CASES = [
     ("refuse", "shadow", faults("hand=50")),
     ("refuse", "shadow", faults("blob=60")),
     ("refuse", "dead-area", faults("half-black")),
-    ("refuse", "corner", faults("masked-corner=1")),
+    ("refuse", "corner", faults("masked-corner=0.8")),
+    ("refuse", "corner", faults("masked-corner=2")),
     ("refuse", "corner", faults("masked-corner=5")),
+    ("refuse", "corner", faults("masked-corner=12")),
     ("refuse", "corner", faults("masked-corner=30")),
+    ("refuse", "corner", faults("masked-corner=50")),
     ("refuse", "corner", faults("dark-corner=10")),
     ("refuse", "plane-level", faults("plane-level=2")),
     ("refuse", "clipping", ["--level", "115"]),
@@ -134,6 +141,16 @@ def try_modules(options, frame):
     return refused + max(0, warned - options.modules // 10)
 
 
+def try_flat(tool, path):
+    if not path.exists():
+        print(f"{path} is missing: skipped")
+        return 77
+    came = run(tool, "check", path, "--pattern", "RGGB", "--black-level", "64", "--json")
+    document = json.loads(came.stdout)
+    print(document["verdict"], *(c["name"] for c in document["checks"] if c["verdict"] != "pass"))
+    return 0 if came.returncode == 0 and document["verdict"] == "pass" else 1
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--tool", type=lambda p: pathlib.Path(p).resolve(), required=True)
@@ -141,7 +158,10 @@ def main():
     parser.add_argument("--height", type=int, default=1200)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--modules", type=int, default=0)
+    parser.add_argument("--flat", type=pathlib.Path)
     options = parser.parse_args()
+    if options.flat:
+        return try_flat(options.tool, options.flat)
     with tempfile.TemporaryDirectory() as directory:
         frame = pathlib.Path(directory, "flat.pgm")
         wrong = try_modules(options, frame) if options.modules else try_cases(options, frame)

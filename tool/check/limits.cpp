@@ -39,7 +39,7 @@ const std::vector<CheckLimit>& usual_limits() {
         {"asymmetry", "%", {12, 25}, "smooth shading that is no lens's"},
         {"plane-disagreement", "%", {8, none}, "difference of the light's slope between planes"},
         {"shadow", "%", {4, 8}, "depth of the darkest area"},
-        {"flare", "%", {4, 35}, "height of the brightest area"},
+        {"flare", "%", {2.2, 35}, "height of the brightest area; a third of it near the edge"},
         {"structure", "x", {1.25, 1.8}, "differences between rows, of those between columns"},
         {"texture", "%", {1.2, 2.6}, "deviation of nodes' windows from their surroundings, noise taken off"},
         {"flicker", "%", {1, 8}, "largest deviation of rows"},

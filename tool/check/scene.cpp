@@ -25,6 +25,12 @@ float median_around(const LogCells& cells, const std::vector<float>& rest, int c
     return static_cast<float>(median_of(values));
 }
 
+// Where lenses differ most from a smooth surface.
+bool near_edge(const LogCells& cells, int column, int row) {
+    const int reach = std::max(std::max(cells.columns, cells.rows) / 10, 1);
+    return std::min({column, row, cells.columns - 1 - column, cells.rows - 1 - row}) < reach;
+}
+
 struct Areas {
     Area shadow, flare;
 };
@@ -40,8 +46,10 @@ Areas areas_of(const Judgement& judgement, const std::vector<float>& rows) {
                     continue;
                 const double at = static_cast<double>(median_around(cells, p.cell_rest, i, j))
                                   - static_cast<double>(rows.empty() ? 0 : rows[static_cast<size_t>(j)]);
-                const double height = std::max(std::abs(at) - 3 * p.cell_noise, 0.0);
+                double height = std::max(std::abs(at) - 3 * p.cell_noise, 0.0);
                 Area& area = at < 0 ? areas.shadow : areas.flare;
+                if (at > 0 && near_edge(cells, i, j))
+                    height /= 3;
                 if (height > area.height)
                     area = {height, plane, 100 * (2 * i + 1) / (2 * cells.columns),
                             100 * (2 * j + 1) / (2 * cells.rows)};
