@@ -99,7 +99,8 @@ void refuse(const std::string& name, const Findings& findings) {
     data_failure("{}: refused for {}", name, names);
 }
 
-void run(const Options& options, Report& report) {
+// Adds what it finds as it goes, and returns the frame's name.
+std::string judge(const Options& options, Report& report, Findings& findings) {
     const CheckLimits limits = limits_of(options.check);
     const RawFrame frame = read_frame(options, options.flats.front());
     add_frame(report, frame);
@@ -108,8 +109,21 @@ void run(const Options& options, Report& report) {
     settings.algorithm = algorithm_from(options.algorithm);
     const Analysis analysis = analyse(frame, *frame.black);
     const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};
-    Findings findings = check_capture(capture, analysis, find_outliers(capture, analysis), limits);
+    findings = check_capture(capture, analysis, find_outliers(capture, analysis), limits);
     check_others(options, {capture, analysis, limits, findings});
+    return frame.name;
+}
+
+void run(const Options& options, Report& report) {
+    Findings findings;
+    std::string name;
+    try {
+        name = judge(options, report, findings);
+    } catch (const Failure&) {
+        // The document holds the checks as far as they were made.
+        report.add("checks", json_of(findings));
+        throw;
+    }
     report.add("checks", json_of(findings));
     print_findings(report, findings);
     const Verdict verdict = worst_of(findings);
@@ -117,7 +131,7 @@ void run(const Options& options, Report& report) {
     if (verdict == Verdict::warn)
         report.doubt();
     if (verdict == Verdict::refuse)
-        refuse(frame.name, findings);
+        refuse(name, findings);
 }
 
 std::string list_of_checks() {
