@@ -2,6 +2,7 @@
 directory below the first, in one strip or in tiles; and the GainMap opcodes of their shading."""
 import struct
 
+XYZ_TO_SRGB = [(n, 10000) for n in (32405, -15371, -4985, -9693, 18760, 416, 556, -2040, 10572)]
 CODES = {1: "B", 3: "H", 4: "I", 12: "d"}
 
 
@@ -95,7 +96,7 @@ def make_dng(width, height, pattern, sample, opcodes=None, order="<", below=Fals
         tags[50829] = (4, list(active))
     tags.update(extra or {})
     camera = {50706: (1, [1, 4, 0, 0]), 50707: (1, [1, 3, 0, 0]), 271: (2, b"Some\0"), 272: (2, b"Camera\0"),
-              50708: (2, b"Some Camera\0"), 50721: (10, [(3, 2), (-1, 2), (0, 1), (-1, 1), (2, 1), (0, 1), (0, 1), (-1, 5), (1, 1)]),
+              50708: (2, b"Some Camera\0"), 50721: (10, XYZ_TO_SRGB),
               50728: (5, [(1, 1)] * 3), 50778: (3, [21])}
     if not below:
         return tiff.finish(tiff.directory({**tags, **camera}))

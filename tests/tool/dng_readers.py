@@ -13,6 +13,8 @@ import subprocess
 import sys
 import tempfile
 
+from dng import make_dng
+
 SKIPPED = 77
 DARKTABLE = ["--apply-custom-presets", "false", "--icc-type", "LIN_REC709", "--core", "--library", ":memory:",
              "--conf", "plugins/darkroom/workflow=none", "--conf", "plugins/imageio/format/tiff/bpp=16",
@@ -80,19 +82,34 @@ def check_constant(tool, folder):
     (folder / "constant.pgm").write_bytes(b"P5\n# zerklsc pattern=RGGB black=0\n%d %d\n65535\n" % (width, height)
                                           + level.to_bytes(2, "big") * (width * height))
     run(tool, "convert", "constant.json", "--raw", "constant.pgm", "-o", "constant.dng", cwd=folder)
+    camera = make_dng(width, height, "RGGB", lambda x, y: level, order=">", below=True, black=(0, 0, 0, 0), white=65535,
+                      extra={50827: (2, b"kept.dng\0")})
+    (folder / "camera.dng").write_bytes(camera)
+    run(tool, "convert", "constant.json", "--into", "camera.dng", "-o", "inserted.dng", cwd=folder)
+    check_tags(folder)
     maps = read_maps((folder / "constant.dng").read_bytes())
-    rendered_width, rendered_height, pixels = render(folder, "constant.dng")
-    assert (rendered_width, rendered_height) == (width, height)
-    for plane, (map_rows, map_columns, values) in enumerate(maps):
-        channel = {"R": 0, "Gr": 1, "Gb": 1, "B": 2}[colours[plane]]
-        worst = 0
-        # The demosaicing of darktable changes the outermost pixels.
-        for y in range(8 + plane // 2, height - 8, 2):
-            for x in range(8 + plane % 2, width - 8, 2):
-                expected = level / 65535 * bilinear(values, map_columns, map_rows, x / width, y / height)
-                worst = max(worst, abs(pixels[y][3 * x + channel] / expected - 1))
-        print(f"constant, {colours[plane]}: off by {worst:.2e}")
-        assert worst < 1e-4, worst
+    for name in ("constant.dng", "inserted.dng"):
+        width_read, height_read, pixels = render(folder, name)
+        assert (width_read, height_read) == (width, height)
+        for plane, (map_rows, map_columns, values) in enumerate(maps):
+            channel = {"R": 0, "Gr": 1, "Gb": 1, "B": 2}[colours[plane]]
+            worst = 0
+            # The demosaicing of darktable changes the outermost pixels.
+            for y in range(8 + plane // 2, height - 8, 2):
+                for x in range(8 + plane % 2, width - 8, 2):
+                    expected = level / 65535 * bilinear(values, map_columns, map_rows, x / width, y / height)
+                    worst = max(worst, abs(pixels[y][3 * x + channel] / expected - 1))
+            print(f"{name}, {colours[plane]}: off by {worst:.2e}")
+            assert worst < 1e-4, worst
+
+
+def check_tags(folder):
+    """To exiftool, the copy has four gain maps more, and all else as it was."""
+    before, after = ([line for line in run("exiftool", "-a", "-G1", "-s", name, cwd=folder).splitlines()
+                      if not line.startswith(("[System]", "[ExifTool]"))] for name in ("camera.dng", "inserted.dng"))
+    more = [line for line in after if line not in before]
+    assert len(more) == 1 and more[0].count("GainMap") == 4, more
+    assert [line for line in after if line != more[0]] == before
 
 
 def read_maps(data):

@@ -26,7 +26,8 @@ namespace {
 
 struct Options {
     ConvertInputs inputs;
-    std::string output, format, grid;
+    std::string output, format, grid, into;
+    bool replace = false;
     RawOptions raw;
 };
 
@@ -80,8 +81,12 @@ std::vector<int> grid_of(const Options& options, const Format& format) {
 }
 
 std::string encode_frame(const Options& options, const GainTables& tables) {
+    if (!options.into.empty() && !options.raw.path.empty())
+        usage_failure("--into and --raw: the frame is that of one of them: give only one");
+    if (!options.into.empty())
+        return insert_gain_maps(options.into, tables, options.inputs.paths[0], options.replace);
     if (options.raw.path.empty())
-        usage_failure("dng: needs the frame that the maps correct: give --raw FRAME");
+        usage_failure("dng: needs the frame that the maps correct: give --raw FRAME, or --into DNG");
     const RawFrame frame = read_raw_for(options.raw, tables, options.inputs.paths[0]);
     if (frame.width != tables.raw_width || frame.height != tables.raw_height)
         data_failure("{}: is for frames of {} x {}, but {} is {} x {}: resample it first",
@@ -116,8 +121,11 @@ std::string encode(const Options& options, const Format& format, const std::vect
 void run(const Options& options, Report& report) {
     std::vector<std::string> inputs = options.inputs.paths;
     inputs.push_back(options.raw.path);
+    inputs.push_back(options.into);
     keep_files_apart(inputs, {options.output});
     const Format& format = format_of(options);
+    if (!options.into.empty() && !is(format, "dng"))
+        usage_failure("--into: {} is not written into a DNG: leave it away, or give --to dng", format.name);
     const bool lit = is(format, "rkisp1") || is(format, "rkisp1-polynomial") || is(format, "alsc");
     const std::vector<LitTables> sets = read_convert_inputs(options.inputs, options.raw, format.name, lit);
     Losses losses;
@@ -146,12 +154,17 @@ void add_convert(Command app) {
     command.option("--to", options->format, "format of the output (default: by its extension)")
         .takes("{" + format_names(",") + "}");
     command.option("--grid", options->grid, "COLUMNS,ROWS of the target (alsc: 32,32; android: 17,13)");
+    const Option into = command
+                            .option("--into", options->into,
+                                    "DNG to put the gain maps into a copy of: all else keeps its bytes (dng)")
+                            .takes("FILE");
+    command.flag("--replace", options->replace, "give up the OpcodeList2 that the DNG has").needs(into);
     add_raw_options(command, options->raw, "--raw");
     command.footer(
         "rkisp1 is a part of a libcamera tuning file (rkisp1-polynomial: fitted, radial), alsc one of a "
-        "Raspberry\nPi tuning file. dng writes the frame that --raw names with the tables as gain maps. c, "
-        "csv, npy and\ntext hold the tables as they are. A tuning file or a DNG with gain maps becomes a "
-        "table file (json)\nagain, or another of these.\n\n"
+        "Raspberry\nPi tuning file. dng writes the frame that --raw names, or a copy of the DNG that --into "
+        "names, with the\ntables as gain maps. c, csv, npy and text hold the tables as they are. A tuning "
+        "file or a DNG with gain\nmaps becomes a table file (json) again, or another of these.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc calibrate flat.pgm -o tables.json\n"

@@ -1,12 +1,16 @@
-// encode_dng
+// encode_dng, insert_gain_maps
 //
 // Tags, opcodes and their layout: Adobe, "Digital Negative (DNG) Specification", version 1.4.0.0.
 #include "convert/dng.h"
 
+#include <algorithm>
 #include <bit>
 
+#include "convert/dng_tags.h"
 #include "convert/target_grid.h"
 #include "convert/tiff_writer.h"
+#include "failure.h"
+#include "io/tiff_file.h"
 #include "zerklsc.h"
 
 namespace zerklsc::tool {
@@ -109,14 +113,97 @@ void add_camera(TiffWriter& tiff, const RawFrame& frame) {
     tiff.add_shorts(50778, {21});                 // CalibrationIlluminant1: D65
 }
 
+constexpr uint16_t undefined_type = 7;
+
+std::string word(uint64_t value, size_t size, bool big_endian) {
+    std::string bytes;
+    for (size_t i = 0; i < size; ++i)
+        bytes += static_cast<char>(value >> 8 * (big_endian ? size - 1 - i : i) & 0xFF);
+    return bytes;
+}
+
+// An entry of a directory for a value that stands elsewhere.
+std::string opcode_entry(const std::string& list, uint64_t at, bool big_endian) {
+    return word(opcode_list_2, 2, big_endian) + word(undefined_type, 2, big_endian)
+           + word(list.size(), 4, big_endian) + word(at, 4, big_endian);
+}
+
+// The directory with one more entry. Readers expect them by rising tags.
+std::string with_entry(const std::string& file, const TiffDirectory& directory, const std::string& entry,
+                       bool big_endian) {
+    constexpr size_t entry_bytes = 12, next_bytes = 4;
+    std::string bytes = word(directory.entries.size() + 1, 2, big_endian);
+    bool inserted = false;
+    for (const TiffEntry& old : directory.entries) {
+        if (!inserted && old.tag > opcode_list_2)
+            bytes += entry;
+        inserted = inserted || old.tag > opcode_list_2;
+        bytes += file.substr(static_cast<size_t>(old.at), entry_bytes);
+    }
+    if (!inserted)
+        bytes += entry;
+    std::string next =
+        file.substr(static_cast<size_t>(directory.entries.back().at) + entry_bytes, next_bytes);
+    next.resize(next_bytes, '\0');
+    return bytes + next;
+}
+
+void check_frame(TiffFile& tiff, const TiffDirectory& directory, const GainTables& tables,
+                 const std::string& tables_path) {
+    const FrameSize size = mosaic_size(tiff, directory);
+    if (size.width != tables.raw_width || size.height != tables.raw_height)
+        data_failure("{}: is for frames of {} x {}, but the active area of {} is {} x {}: resample it first",
+                     tables_path, tables.raw_width, tables.raw_height, tiff.path(), size.width, size.height);
+    const BayerPattern pattern = mosaic_pattern(tiff, directory);
+    if (pattern != tables.pattern)
+        data_failure(
+            "{}: is for the Bayer pattern {}, but {} is {}: take the tables of this module and orientation",
+            tables_path, name_of(tables.pattern), tiff.path(), name_of(pattern));
+}
+
+std::string whole_file(InputFile& file) {
+    // Offsets have 32 bits.
+    constexpr uint64_t longest = 0xF0000000;
+    if (file.size().value_or(0) > longest)
+        data_failure("{}: is longer than the {} bytes to which a DNG can grow", file.path(), longest);
+    std::string bytes(static_cast<size_t>(file.size().value_or(0)), '\0');
+    file.read(0, std::as_writable_bytes(std::span(bytes)));
+    bytes.resize((bytes.size() + 1) / 2 * 2);
+    return bytes;
+}
+
 } // namespace
+
+std::string insert_gain_maps(const std::string& path, const GainTables& tables,
+                             const std::string& tables_path, bool replace) {
+    InputFile file(path);
+    TiffFile tiff(file);
+    const TiffDirectory directory = tiff.mosaic_directory();
+    check_frame(tiff, directory, tables, tables_path);
+    const TiffEntry* const existing = directory.find(opcode_list_2);
+    if (existing != nullptr && !replace)
+        data_failure("{}: has an OpcodeList2 of its own: give --replace to put the gain maps in its place",
+                     path);
+    std::string bytes = whole_file(file);
+    const std::string list = opcode_list(tables);
+    const std::string entry = opcode_entry(list, bytes.size(), tiff.big_endian());
+    const std::string grown =
+        existing == nullptr ? with_entry(bytes, directory, entry, tiff.big_endian()) : std::string();
+    bytes += list;
+    if (existing != nullptr) {
+        bytes.replace(static_cast<size_t>(existing->at), entry.size(), entry);
+        return bytes;
+    }
+    bytes.replace(static_cast<size_t>(directory.pointer_at), 4, word(bytes.size(), 4, tiff.big_endian()));
+    return bytes + grown;
+}
 
 std::string encode_dng(const RawFrame& frame, const GainTables& tables) {
     TiffWriter tiff;
     add_mosaic(tiff, frame);
     add_levels(tiff, frame);
     add_camera(tiff, frame);
-    tiff.add_undefined(51009, opcode_list(tables)); // OpcodeList2
+    tiff.add_undefined(opcode_list_2, opcode_list(tables));
     return tiff.bytes(frame.samples);
 }
 

@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "convert/dng_tags.h"
 #include "convert/shading_file.h"
 #include "failure.h"
 #include "io/tiff_file.h"
@@ -17,9 +18,7 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr uint16_t image_width = 256, image_height = 257, cfa_repeat = 33421, cfa_pattern = 33422,
-                   black_repeat = 50713, black_level = 50714, white_level = 50717, active_area = 50829,
-                   opcode_list_2 = 51009;
+constexpr uint16_t black_repeat = 50713, black_level = 50714, white_level = 50717;
 constexpr uint32_t gain_map_id = 9;
 constexpr double highest_gain = 64;
 
@@ -126,42 +125,10 @@ std::vector<GainMap> read_maps(const std::string& path, const std::string& list,
     return maps;
 }
 
-std::vector<double> values(TiffFile& tiff, const TiffDirectory& directory, uint16_t tag, uint32_t most) {
-    const TiffEntry* const entry = directory.find(tag);
-    return entry == nullptr ? std::vector<double>{} : tiff.numbers(*entry, most);
-}
-
-void read_size(TiffFile& tiff, const TiffDirectory& directory, ShadingSet& set) {
-    const auto width = values(tiff, directory, image_width, 1),
-               height = values(tiff, directory, image_height, 1);
-    const auto area = values(tiff, directory, active_area, 4);
-    if (width.empty() || height.empty())
-        data_failure("{}: its mosaic has no size", tiff.path());
-    const double w = area.size() == 4 ? area[3] - area[1] : width[0];
-    const double h = area.size() == 4 ? area[2] - area[0] : height[0];
-    if (!(w >= 2 && h >= 2 && w <= largest_side && h <= largest_side))
-        data_failure("{}: its mosaic is {} x {}: expected 2 to {} in each direction", tiff.path(), w, h,
-                     largest_side);
-    set.width = static_cast<int>(w) & ~1;
-    set.height = static_cast<int>(h) & ~1;
-}
-
-BayerPattern read_pattern(TiffFile& tiff, const TiffDirectory& directory) {
-    const auto repeat = values(tiff, directory, cfa_repeat, 2),
-               colours = values(tiff, directory, cfa_pattern, 4);
-    std::string name;
-    for (const double colour : colours)
-        name += colour >= 0 && colour <= 2 ? "RGB"[static_cast<int>(colour)] : '?';
-    const auto pattern = bayer_pattern_from(name);
-    if (repeat != std::vector<double>{2, 2} || !pattern)
-        data_failure("{}: its colour filter array is not RGGB, GRBG, GBRG or BGGR", tiff.path());
-    return *pattern;
-}
-
 void read_levels(TiffFile& tiff, const TiffDirectory& directory, ShadingFile& file) {
-    const auto repeat = values(tiff, directory, black_repeat, 2),
-               levels = values(tiff, directory, black_level, 4);
-    const auto white = values(tiff, directory, white_level, 1);
+    const auto repeat = tag_values(tiff, directory, black_repeat, 2),
+               levels = tag_values(tiff, directory, black_level, 4);
+    const auto white = tag_values(tiff, directory, white_level, 1);
     const auto in_range = [](double level) { return level >= 0 && level <= 65535; };
     if (!white.empty() && in_range(white[0]))
         file.bits = std::clamp(static_cast<int>(std::bit_width(static_cast<unsigned>(white[0]))), 8, 16);
@@ -203,10 +170,12 @@ ShadingFile read_gain_maps(InputFile& input) {
     ShadingFile file;
     file.format = "dng";
     const auto maps = read_maps(tiff.path(), tiff.bytes(*opcodes, largest_opcode_list), file.losses);
-    file.pattern = read_pattern(tiff, directory);
+    file.pattern = mosaic_pattern(tiff, directory);
     read_levels(tiff, directory, file);
     ShadingSet set;
-    read_size(tiff, directory, set);
+    const FrameSize size = mosaic_size(tiff, directory);
+    set.width = size.width & ~1;
+    set.height = size.height & ~1;
     for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane) {
         const GainMap& map = map_of_plane(tiff.path(), maps, plane, set);
         set.of(colour_of_plane(*file.pattern, plane)) = surface_of(map.grid);

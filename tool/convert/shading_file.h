@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "convert/dng_tags.h"
 #include "convert/gain_surface.h"
 #include "convert/table_formats.h"
 #include "io/input_file.h"
@@ -22,18 +23,13 @@ struct ShadingSet {
     GainSurface& of(Colour colour) { return by_colour[static_cast<size_t>(colour)]; }
 };
 
-// Of the frames that the user says a file is for; 0 where nothing is said.
-struct FrameSize {
-    int width = 0, height = 0;
-};
-
 struct ShadingFile {
     const char* format = nullptr; // as --to calls it
     std::optional<BayerPattern> pattern;
     std::optional<BlackLevel> black;
     int bits = 0;                        // 0 where the file does not say
     double spacing_x = 1, spacing_y = 1; // between nodes, as fractions of the frame
-    bool has_nodes = true; // false where a formula gives every gain
+    bool has_nodes = true;               // false where a formula gives every gain
     std::vector<ShadingSet> sets;
     Losses losses; // what the file does not hold of the tables that it was made of
 };
@@ -43,7 +39,8 @@ constexpr uint64_t largest_tuning_file = uint64_t{1} << 21;
 constexpr uint64_t largest_opcode_list = uint64_t{1} << 24;
 
 // Each throws a data failure that names the file and what is wrong.
-// LensShadingCorrection of a libcamera tuning file; radial sets that say no size are for `size`.
+// LensShadingCorrection of a libcamera tuning file; radial sets that say no size are for `size`,
+// which is 0 where nobody says it.
 ShadingFile read_rkisp1(const std::string& path, FrameSize size);
 ShadingFile read_alsc(const std::string& path); // rpi.alsc of a Raspberry Pi tuning file
 ShadingFile read_gain_maps(InputFile& file);    // GainMap opcodes (OpcodeList2) of a DNG
