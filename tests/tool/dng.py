@@ -1,5 +1,5 @@
 """Writes DNGs of either byte order by means of its own, as they come from cameras: with a preview in front, the mosaic in a
-directory below the first, in one strip or in tiles; and the GainMap opcodes of their shading."""
+directory below the first, in strips or in tiles; and the GainMap opcodes of their shading."""
 import struct
 
 XYZ_TO_SRGB = [(n, 10000) for n in (32405, -15371, -4985, -9693, 18760, 416, 556, -2040, 10572)]
@@ -68,7 +68,8 @@ def mosaic_tags(order, width, height, pattern, black, white, opcodes):
 
 
 def add_samples(tiff, tags, width, height, sample, tile):
-    """`sample(x, y)` in one strip, or in tiles of `tile` (width, height) that reach beyond the frame with zeros."""
+    """`sample(x, y)` in one strip, in strips of `tile` rows, or in tiles of `tile` (width, height) that reach beyond the frame
+    with zeros. Several stand back to front, so that readers must follow their offsets."""
     def block(left, top, columns, rows):
         values = [sample(x, y) if x < width and y < height else 0
                   for y in range(top, top + rows) for x in range(left, left + columns)]
@@ -77,9 +78,14 @@ def add_samples(tiff, tags, width, height, sample, tile):
         data = block(0, 0, width, height)
         tags.update({273: (4, [tiff.add(data)]), 278: (4, [height]), 279: (4, [len(data)])})
         return
+    if isinstance(tile, int):
+        tops = range(0, height, tile)
+        parts = {top: block(0, top, width, min(tile, height - top)) for top in tops}
+        offsets = {top: tiff.add(parts[top]) for top in reversed(tops)}
+        tags.update({273: (4, [offsets[top] for top in tops]), 278: (4, [tile]), 279: (4, [len(parts[top]) for top in tops])})
+        return
     across, down = -(-width // tile[0]), -(-height // tile[1])
     offsets = {}
-    # Back to front: readers must follow the offsets.
     for number in reversed(range(across * down)):
         offsets[number] = tiff.add(block(number % across * tile[0], number // across * tile[1], *tile))
     tags.update({322: (4, [tile[0]]), 323: (4, [tile[1]]), 324: (4, [offsets[k] for k in range(across * down)]),

@@ -10,6 +10,7 @@
 #include "failure.h"
 #include "io/raw_format.h"
 #include "io/sample_rows.h"
+#include "io/tiff_blocks.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -71,12 +72,15 @@ std::unique_ptr<LibRaw> open_raw(InputFile& file) {
     return raw;
 }
 
+bool is_uncompressed(LibRaw& raw) {
+    libraw_decoder_info_t decoder{};
+    return raw.get_decoder_info(&decoder) == LIBRAW_SUCCESS
+           && std::string_view(decoder.decoder_name) == "packed_dng_load_raw()";
+}
+
 // Whether LibRaw would only copy whole words: then they can be read where they stay.
 bool is_plain(LibRaw& raw) {
-    libraw_decoder_info_t decoder{};
-    const unpacker_data_t& unpacker = raw.get_internal_data_pointer()->unpacker_data;
-    if (raw.get_decoder_info(&decoder) != LIBRAW_SUCCESS || unpacker.tiff_bps != 16
-        || std::string_view(decoder.decoder_name) != "packed_dng_load_raw()")
+    if (!is_uncompressed(raw) || raw.get_internal_data_pointer()->unpacker_data.tiff_bps != 16)
         return false;
     const auto& curve = raw.imgdata.color.curve;
     for (size_t i = 0; i < std::size(curve); ++i)
@@ -85,9 +89,40 @@ bool is_plain(LibRaw& raw) {
     return true;
 }
 
+// LibRaw takes the samples of an uncompressed DNG to follow its first one row by row. Nothing where they do.
+std::optional<std::vector<uint16_t>> read_scattered(InputFile& file, LibRaw& raw,
+                                                    const RawDescription& about) {
+    if (!begins_tiff(file.head()))
+        return std::nullopt;
+    TiffFile tiff(file);
+    const TiffDirectory directory = tiff.mosaic_directory();
+    constexpr uint16_t strip_offsets = 273;
+    const TiffEntry* const strips = directory.find(strip_offsets);
+    if (!is_tiled(directory) && (strips == nullptr || strips->count == 1))
+        return std::nullopt;
+    const auto& sizes = raw.imgdata.sizes;
+    return read_blocks(file, tiff, directory,
+                       {sizes.left_margin, sizes.top_margin, static_cast<uint64_t>(about.width),
+                        static_cast<uint64_t>(about.height)});
+}
+
+// The same mistake with fewer bits cannot be mended here.
+void check_in_strips(InputFile& file, LibRaw& raw) {
+    if (!is_uncompressed(raw) || !begins_tiff(file.head()))
+        return;
+    TiffFile tiff(file);
+    if (is_tiled(tiff.mosaic_directory()))
+        data_failure(
+            "{}: holds uncompressed tiles of {}-bit samples, and only those of 16 bits are read: write "
+            "it in strips, or compressed",
+            file.path(), raw.get_internal_data_pointer()->unpacker_data.tiff_bps);
+}
+
 std::vector<uint16_t> read_plain(InputFile& file, LibRaw& raw, const RawDescription& about) {
     const unpacker_data_t& unpacker = raw.get_internal_data_pointer()->unpacker_data;
     const auto& sizes = raw.imgdata.sizes;
+    if (auto samples = read_scattered(file, raw, about))
+        return std::move(*samples);
     const uint64_t stride = 2 * uint64_t{sizes.raw_width};
     const uint64_t first = stride * sizes.top_margin + 2 * uint64_t{sizes.left_margin};
     const RowLayout layout{about.width, about.height, 2 * static_cast<uint64_t>(about.width), stride,
@@ -156,7 +191,10 @@ RawFrame read_camera_raw(InputFile& file, const RawHints&) {
     frame.pattern = pattern_of(*raw);
     frame.camera = fmt::format("{} {}", data.idata.make, data.idata.model);
     frame.lens = data.lens.Lens;
-    frame.samples = is_plain(*raw) ? read_plain(file, *raw, frame) : unpack(file, *raw, frame);
+    const bool plain = is_plain(*raw);
+    if (!plain)
+        check_in_strips(file, *raw);
+    frame.samples = plain ? read_plain(file, *raw, frame) : unpack(file, *raw, frame);
     set_depth(frame, data.color.maximum);
     frame.black = black_of(*raw);
     return frame;

@@ -1,0 +1,40 @@
+"""Writes a mosaic into uncompressed DNGs of every layout, and holds what the tool has read of each against it."""
+import json
+import pathlib
+import struct
+import sys
+
+from dng import make_dng
+
+WIDTH, HEIGHT, STEP = 202, 120, 8
+COLUMNS, ROWS = (WIDTH // 2 - 1) // STEP + 4, (HEIGHT // 2 - 1) // STEP + 4
+LAYOUTS = {"whole": {}, "strips": {"tile": 35}, "tiles": {"tile": (64, 48)}, "wide_tiles": {"tile": (208, 16)},
+           "one_tile": {"tile": (208, 128)}, "big_endian": {"tile": (64, 48), "order": ">"},
+           "below": {"tile": (64, 48), "below": True}, "active": {"tile": (64, 48), "active": (4, 8, 4 + HEIGHT, 8 + WIDTH)}}
+
+
+def sample(x, y):
+    return (7 * x + 131 * y + x * y) % 1000
+
+
+if sys.argv[1] == "make":
+    planes = [{"plane": p, "gains": [[1100] * COLUMNS] * ROWS} for p in range(4)]
+    pathlib.Path("tables.json").write_text(json.dumps(
+        {"format": "zerklsc-tables", "version": 1, "raw_size": [WIDTH, HEIGHT], "step": STEP, "table_size": [COLUMNS, ROWS],
+         "algorithm": 2, "filter_radius": 2, "shading_percent": 100, "bayer_pattern": "RGGB", "black_level": [0] * 4,
+         "bit_depth": 10, "tables": planes}))
+    for name, layout in LAYOUTS.items():
+        size = (220, 130) if "active" in layout else (WIDTH, HEIGHT)
+        pathlib.Path(name + ".dng").write_bytes(make_dng(*size, "RGGB", sample, **layout))
+    tiles = LAYOUTS["tiles"]
+    for name, tags in (("count", {324: (4, [8, 8])}), ("size", {322: (4, [0])}), ("beyond", {324: (4, [1 << 24] * 12)}),
+                       ("deep", {258: (3, [12])}), ("huge", {256: (4, [60000]), 257: (4, [60000]), 322: (4, [60000]), 323: (4, [60000]),
+                                                            324: (4, [8])})):
+        pathlib.Path(f"bad_{name}.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, extra=tags, **tiles))
+else:
+    for name, layout in LAYOUTS.items():
+        top, left = layout.get("active", (0, 0))[:2]
+        data = pathlib.Path(f"copy_{name}.dng").read_bytes()
+        came = struct.unpack(f"<{WIDTH * HEIGHT}H", data[-2 * WIDTH * HEIGHT:])
+        wrong = sum(came[y * WIDTH + x] != sample(x + left, y + top) for y in range(HEIGHT) for x in range(WIDTH))
+        print(name, "the same" if wrong == 0 else f"{wrong} samples are wrong")

@@ -1,0 +1,23 @@
+// Samples of a TIFF in whole words, in strips or tiles wherever they stand in the file.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "io/tiff_file.h"
+
+namespace zerklsc::tool {
+
+// A rectangle of the mosaic, in samples.
+struct SampleArea {
+    uint64_t left, top, width, height;
+};
+
+bool is_tiled(const TiffDirectory& directory);
+
+// The 16-bit samples of an area, row by row; a data failure where strips or tiles do not cover the mosaic, or
+// end behind the file.
+std::vector<uint16_t> read_blocks(InputFile& file, TiffFile& tiff, const TiffDirectory& directory,
+                                  const SampleArea& area);
+
+} // namespace zerklsc::tool
