@@ -22,9 +22,6 @@
 namespace zerklsc::tool {
 namespace {
 
-// Beyond this, corrected captures are visibly not flat.
-constexpr double flat_enough = 0.02;
-
 struct Options {
     CaptureOptions captures;
     CalibrationSettings settings;
@@ -146,7 +143,7 @@ void report_prediction(Report& report, const std::string& name, const GainTables
 
 void write_tables(const Options& options, const GainTables& tables) {
     OutputSet outputs;
-    outputs.add(options.output, encode_table_json(tables));
+    outputs.add(options.output, encode_tables_for(options.output, tables));
     if (!options.text.empty())
         outputs.add(options.text, encode_table_text(tables));
     outputs.commit();
@@ -189,7 +186,11 @@ void add_calibrate(Command app) {
     auto options = std::make_shared<Options>();
     Command command = app.subcommand("calibrate", "Make gain tables from flat-field captures");
     add_capture_options(command, options->captures);
-    command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
+    command
+        .option("-o,--output", options->output,
+                "table file to write: JSON, or the gains alone as text (.txt)")
+        .required()
+        .takes("FILE");
     command.option("--text", options->text, "also write the four tables as plain text, in plane order")
         .takes("FILE");
     add_algorithm_option(command, options->algorithm);

@@ -37,6 +37,23 @@ std::string check_unsigned(const std::string& text) {
     return fmt::format("{} is not a whole number from 0 to {}", text, std::numeric_limits<uint64_t>::max());
 }
 
+// The usage line with the options that must be given.
+class UsageFormatter : public CLI::Formatter {
+  public:
+    std::string make_usage(const CLI::App* app, std::string name) const override {
+        std::string line = CLI::Formatter::make_usage(app, std::move(name));
+        std::string required;
+        for (const CLI::Option* option : app->get_options())
+            if (option->get_required() && option->nonpositional())
+                required += fmt::format(" {} {}",
+                                        option->get_snames().empty() ? "--" + option->get_lnames()[0]
+                                                                     : "-" + option->get_snames()[0],
+                                        option->get_type_name());
+        const size_t at = line.find(" [OPTIONS]");
+        return at == std::string::npos ? line : line.insert(at, required);
+    }
+};
+
 // The command that was named last.
 const CLI::App& named_command(const CLI::App& app) {
     const auto named = app.get_subcommands();
@@ -161,7 +178,7 @@ Option Command::option(const char* names, std::vector<std::string>& variable,
 
 Option Command::repeated(const char* names, std::vector<std::string>& variable,
                          const std::string& description) {
-    return Option(app_->add_option(names, variable, description)->allow_extra_args(false));
+    return Option(app_->add_option(names, variable, description)->expected(1)->take_all());
 }
 
 Option Command::flag(const char* names, bool& variable, const std::string& description) {
@@ -206,6 +223,7 @@ void Command::action(std::function<void(Report&)> run) {
 Request parse_command_line(const Program& program, int argc, char** argv) {
     Request request;
     CLI::App app{program.description, "zerklsc"};
+    app.formatter(std::make_shared<UsageFormatter>());
     app.set_version_flag("-V,--version", program.version);
     app.footer(program.footer);
     Command root(&app, &request);

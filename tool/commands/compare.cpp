@@ -9,6 +9,7 @@
 #include "commands/flat_check.h"
 #include "commands/frame_text.h"
 #include "commands/grid_options.h"
+#include "commands/otp_loss.h"
 #include "commands/raw_options.h"
 #include "commands/report.h"
 #include "failure.h"
@@ -38,6 +39,7 @@ struct Shading {
 struct Outcome {
     int algorithm = 0;
     Shading after;
+    double packed_flatness = 0; // by the tables that a stream of mode 0 gives back
     double largest_gain = 0;
     std::array<double, 2> otp_loss{}; // largest gain error by precision mode, as a fraction
 };
@@ -56,12 +58,17 @@ Shading shading_of(const FrameLevels& levels) {
 Outcome try_method(const RawFrame& capture, const RawFrame& light, const CalibrationSettings& settings) {
     check_grid_options(light, settings);
     const GainTables tables = calibrate(light, *capture.pattern, *capture.black, settings);
-    const FrameLevels after =
-        predict_levels(capture, tables, "the calibrated tables", isp_of_algorithm(settings.algorithm));
+    const auto corrected = [&](const GainTables& by) {
+        return shading_of(
+            predict_levels(capture, by, "the calibrated tables", isp_of_algorithm(settings.algorithm)));
+    };
+    GainTables packed = tables;
+    decode_stream(encode_stream(tables, 0), "the OTP stream", packed);
     Outcome outcome{settings.algorithm,
-                    shading_of(after),
+                    corrected(tables),
+                    corrected(packed).flatness,
                     0,
-                    {stream_loss(tables, 0).worst(), stream_loss(tables, 1).worst()}};
+                    {loss_of(tables, packed, 0).worst(), stream_loss(tables, 1).worst()}};
     for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane)
         outcome.largest_gain = std::max(outcome.largest_gain, tables.largest_gain(plane));
     return outcome;
@@ -94,13 +101,14 @@ void print_table(Report& report, const CalibrationSettings& settings, const Shad
     report.print(fmt::format("step {}, radius {}, shading {} %; the worst of the four channels each\n",
                              settings.step, settings.radius, settings.shading_percent));
     std::vector<std::vector<std::string>> rows{{"algorithm", "ISP", "corner/centre before", "after",
-                                                "off flat", "largest gain", "OTP loss, mode 0", "mode 1"}};
+                                                "off flat", "packed", "largest gain", "OTP loss, mode 0",
+                                                "mode 1"}};
     for (const Outcome& o : outcomes)
         rows.push_back({fmt::format("{} {}", o.algorithm, algorithm_name(o.algorithm)),
                         name_of(isp_of_algorithm(o.algorithm)), percent(before.corner_to_centre),
                         percent(o.after.corner_to_centre), percent(o.after.flatness),
-                        fmt::format("{:.3f}", o.largest_gain), percent(o.otp_loss[0]),
-                        percent(o.otp_loss[1])});
+                        percent(o.packed_flatness), fmt::format("{:.3f}", o.largest_gain),
+                        percent(o.otp_loss[0]), percent(o.otp_loss[1])});
     report.print(text_table(rows));
 }
 
@@ -115,39 +123,61 @@ void add_outcomes(Report& report, const Shading& before, const Outcomes& outcome
              {"isp", name_of(isp_of_algorithm(o.algorithm))},
              {"corner_to_centre_after", rounded(o.after.corner_to_centre)},
              {"flatness_after", rounded(o.after.flatness)},
+             {"flatness_packed", rounded(o.packed_flatness)},
              {"largest_gain", rounded(o.largest_gain)},
              {"otp_loss", JsonValue::array({rounded(o.otp_loss[0]), rounded(o.otp_loss[1])})}}));
     report.add("methods", std::move(list));
 }
 
-// The method that leaves the capture flattest; of those that differ by less than noise does, the one whose
-// tables lose least in a stream of mode 0.
-const Outcome& best_of(const Outcomes& outcomes) {
+// What leaves least of the shading, with the tables as they are or packed. Methods that differ by less than
+// noise does are equal; of them, one is preferred whose tables otp encode packs without --force, then what
+// leaves least in the other way.
+const Outcome& best_of(const Outcomes& outcomes, bool packed) {
     constexpr double noise = 0.001;
-    const auto flatness = [](const Outcome& o) { return o.after.flatness; };
-    const double flattest = std::ranges::min(outcomes, {}, flatness).after.flatness;
+    const auto left = [](const Outcome& o, bool is_packed) {
+        return is_packed ? o.packed_flatness : o.after.flatness;
+    };
+    const auto rank = [&](const Outcome& o) {
+        return std::pair(packed && 100 * o.otp_loss[0] > limit_of(0, 0), left(o, !packed));
+    };
+    double least = left(outcomes.front(), packed);
+    for (const Outcome& o : outcomes)
+        least = std::min(least, left(o, packed));
     const Outcome* best = nullptr;
     for (const Outcome& o : outcomes)
-        if (o.after.flatness <= flattest + noise && (best == nullptr || o.otp_loss[0] < best->otp_loss[0]))
+        if (left(o, packed) <= least + noise && (best == nullptr || rank(o) < rank(*best)))
             best = &o;
     return *best;
 }
 
+std::string option_of(const Outcome& o) {
+    return fmt::format("--algorithm {}, flat to {}, packed to {}", algorithm_name(o.algorithm),
+                       percent(o.after.flatness), percent(o.packed_flatness));
+}
+
 void recommend(Report& report, const Outcomes& outcomes) {
-    const Outcome& best = best_of(outcomes);
-    report.print(fmt::format("recommended: --algorithm {} for {}, flat to {}\n",
-                             algorithm_name(best.algorithm), name_of(isp_of_algorithm(best.algorithm)),
-                             percent(best.after.flatness)));
+    const Outcome& flattest = best_of(outcomes, false);
+    const Outcome& best_packed = best_of(outcomes, true);
+    const bool packable = best_packed.packed_flatness <= flat_enough;
+    const Outcome& best = packable ? best_packed : flattest;
+    report.print(
+        fmt::format("recommended for {}: {}\n", name_of(isp_of_algorithm(best.algorithm)), option_of(best)));
+    if (!packable)
+        report.print(
+            fmt::format("packed, every method leaves {} or more: another --step, or tables that are not "
+                        "packed, are what helps\n",
+                        percent(best_packed.packed_flatness)));
+    if (flattest.algorithm != best.algorithm)
+        report.print(fmt::format("where the tables are never packed: {}\n", option_of(flattest)));
     for (const Isp isp : {Isp::tvessa2, Isp::vessal2}) {
         Outcomes of_isp;
         std::ranges::copy_if(outcomes, std::back_inserter(of_isp),
                              [&](const Outcome& o) { return isp_of_algorithm(o.algorithm) == isp; });
         if (isp != isp_of_algorithm(best.algorithm) && !of_isp.empty())
-            report.print(fmt::format("for {}: --algorithm {}, flat to {}\n", name_of(isp),
-                                     algorithm_name(best_of(of_isp).algorithm),
-                                     percent(best_of(of_isp).after.flatness)));
+            report.print(fmt::format("for {}: {}\n", name_of(isp), option_of(best_of(of_isp, packable))));
     }
     report.add("recommended", algorithm_name(best.algorithm));
+    report.add("flattest", algorithm_name(flattest.algorithm));
 }
 
 void run(const Options& options, Report& report) {
@@ -178,7 +208,10 @@ void add_compare(Command app) {
     command.footer(
         "Each method's tables correct the capture as their ISP does. off flat: largest deviation of\n"
         "11 x 11 blocks from the channel's mean. OTP loss: largest gain error of the decoded stream.\n"
-        "Recommended is the flattest, and among equals the one whose stream loses least.\n\n"
+        "packed: off flat, when the tables have been through a stream of mode 0. Recommended is what leaves\n"
+        "least then, or unpacked where that is beyond 2 % for every method; among equals what otp encode "
+        "packs\n"
+        "without --force.\n\n"
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"
         "  zerklsc compare flat.pgm --step 32");

@@ -16,6 +16,7 @@
 #include "convert/table_formats.h"
 #include "failure.h"
 #include "io/file_identity.h"
+#include "io/input_file.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
@@ -84,14 +85,14 @@ std::string encode_frame(const Options& options, const GainTables& tables) {
     if (!options.into.empty() && !options.raw.path.empty())
         usage_failure("--into and --raw: the frame is that of one of them: give only one");
     if (!options.into.empty())
-        return insert_gain_maps(options.into, tables, options.inputs.paths[0], options.replace);
+        return insert_gain_maps(options.into, tables, input_name(options.inputs.paths[0]), options.replace);
     if (options.raw.path.empty())
         usage_failure("dng: needs the frame that the maps correct: give --raw FRAME, or --into DNG");
-    const RawFrame frame = read_raw_for(options.raw, tables, options.inputs.paths[0]);
+    const RawFrame frame = read_raw_for(options.raw, tables, input_name(options.inputs.paths[0]));
     if (frame.width != tables.raw_width || frame.height != tables.raw_height)
         data_failure("{}: is for frames of {} x {}, but {} is {} x {}: resample it first",
-                     options.inputs.paths[0], tables.raw_width, tables.raw_height, frame.name, frame.width,
-                     frame.height);
+                     input_name(options.inputs.paths[0]), tables.raw_width, tables.raw_height, frame.name,
+                     frame.width, frame.height);
     return encode_dng(frame, tables);
 }
 
@@ -131,7 +132,7 @@ void run(const Options& options, Report& report) {
     Losses losses;
     const std::string bytes = encode(options, format, sets, losses);
     for (const std::string& loss : losses)
-        warn(fmt::format("{}: {}", options.output, loss));
+        warn(fmt::format("{}: {}", output_name(options.output), loss));
     write_file(options.output, bytes);
     if (is(format, "json"))
         add_written_tables(report, options.output, sets.front().tables);
@@ -140,7 +141,7 @@ void run(const Options& options, Report& report) {
     report.add("format", format.name);
     report.add("losses", JsonValue::list(losses));
     if (!is(format, "json"))
-        report.print(fmt::format("{}: {} of {}\n", one_line(options.output), format.name,
+        report.print(fmt::format("{}: {} of {}\n", one_line(output_name(options.output)), format.name,
                                  one_line(fmt::format("{}", fmt::join(options.inputs.paths, ", ")))));
 }
 

@@ -10,6 +10,7 @@
 #include "failure.h"
 #include "imaging/correction.h"
 #include "io/file_identity.h"
+#include "io/input_file.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "terminal.h"
@@ -40,14 +41,14 @@ void run(const Options& options, Report& report) {
     keep_files_apart({options.raw.path, options.tables}, {options.output});
     const GainTables tables = read_table_json(options.tables);
     const Isp isp = isp_of_option(options.isp, tables);
-    RawFrame frame = read_raw_for(options.raw, tables, options.tables);
+    RawFrame frame = read_raw_for(options.raw, tables, input_name(options.tables));
     bring_to_10_bits(frame, options.scale);
     const BlackLevel black = *frame.black;
     add_frame(report, frame);
     {
         const Progress progress("correcting " + frame.name);
         subtract_black(frame, black);
-        correct(frame, tables, options.tables, isp);
+        correct(frame, tables, input_name(options.tables), isp);
         if (options.restore_black)
             add_black(frame, black);
         write_file(options.output,
@@ -55,8 +56,9 @@ void run(const Options& options, Report& report) {
     }
     report.add("output", options.output);
     report.add("isp", name_of(isp));
-    report.print(fmt::format("{}: corrected for {}, black level {} taken off{}\n", one_line(options.output),
-                             name_of(isp), text_of(black), options.restore_black ? " and put back" : ""));
+    report.print(fmt::format("{}: corrected for {}, black level {} taken off{}\n",
+                             one_line(output_name(options.output)), name_of(isp), text_of(black),
+                             options.restore_black ? " and put back" : ""));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// add_limit_option, check_flats
+// add_limit_option, add_flat_check_options, limits_of, sentence_of, can_be_checked, check_flat, check_flats
 #include "commands/flat_check.h"
 
 #include <algorithm>
@@ -84,6 +84,14 @@ std::string sentence_of(const std::string& name, const Finding& f) {
 bool can_be_checked(const RawFrame& frame) {
     constexpr int least = 2 * 8 * tile_side;
     return std::min(frame.width, frame.height) >= least;
+}
+
+Findings check_flat(const RawFrame& frame, const CalibrationSettings& settings, const CheckLimits& limits) {
+    if (!can_be_checked(frame))
+        return {};
+    const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};
+    const Analysis analysis = analyse(frame, capture.black);
+    return check_capture(capture, analysis, find_outliers(capture, analysis), limits);
 }
 
 CheckedFlats check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,

@@ -30,6 +30,9 @@ std::string sentence_of(const std::string& name, const Finding& finding);
 // Whether a frame has room for what the checks measure.
 bool can_be_checked(const RawFrame& frame);
 
+// The findings of a capture whose pattern and black level are known; none of one that has no room for them.
+Findings check_flat(const RawFrame& frame, const CalibrationSettings& settings, const CheckLimits& limits);
+
 struct CheckedFlats {
     std::vector<Findings> findings; // of each capture; none of a small one
     std::vector<KeptOut> kept_out;  // of the gains, of each capture

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "io/output_set.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {
@@ -60,9 +61,9 @@ JsonValue json_of(const StreamLoss& loss) {
 }
 
 void add_written_tables(Report& report, const std::string& path, const GainTables& tables) {
-    report.print(fmt::format("{}: tables of {} x {} for frames of {} x {}, step {}\n", one_line(path),
-                             tables.table_width, tables.table_height, tables.raw_width, tables.raw_height,
-                             tables.step));
+    report.print(fmt::format("{}: tables of {} x {} for frames of {} x {}, step {}\n",
+                             one_line(output_name(path)), tables.table_width, tables.table_height,
+                             tables.raw_width, tables.raw_height, tables.step));
     report.add("output", path);
     report.add("size", JsonValue::array({tables.raw_width, tables.raw_height}));
     report.add("step", tables.step);

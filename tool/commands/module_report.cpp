@@ -4,12 +4,15 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "commands/flat_check.h"
 #include "commands/frame_text.h"
 #include "commands/raw_options.h"
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/prediction.h"
 #include "io/file_identity.h"
+#include "io/findings_json.h"
+#include "io/input_file.h"
 #include "io/input_record.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
@@ -25,6 +28,7 @@ namespace {
 struct Options {
     RawOptions raw;
     std::string tables, isp, output;
+    FlatCheckOptions check;
 };
 
 void add_parameters(Report& report, const Options& options, const GainTables& tables, Isp isp) {
@@ -50,6 +54,22 @@ void add_measures(Report& report, const GainTables& tables, const Shown& before,
                              percent(worst_flatness(before.levels)), percent(worst_flatness(after.levels))));
 }
 
+// The capture as the calibration of these tables would judge it.
+void add_checks(Report& report, const Options& options, const RawFrame& frame, const GainTables& tables) {
+    CalibrationSettings settings;
+    settings.algorithm = tables.algorithm;
+    settings.step = tables.step;
+    settings.radius = tables.filter_radius;
+    settings.shading_percent = tables.shading_percent;
+    const Findings findings = check_flat(frame, settings, limits_of(options.check));
+    report.add("checks", json_of(findings));
+    if (worst_of(findings) != Verdict::pass)
+        report.doubt();
+    for (const Finding& finding : findings)
+        if (finding.verdict != Verdict::pass)
+            report.print(sentence_of(one_line(frame.name), finding) + "\n");
+}
+
 std::vector<PanelRow> maps_of(const GainTables& tables, const Shown& before, const Shown& after,
                               PanelSize size) {
     const double low = lowest_percent(before);
@@ -62,16 +82,18 @@ void run(const Options& options, Report& report) {
     if (options.output != "-" && extension_of(options.output) != ".html")
         usage_failure("{}: a report is written as HTML: give a name that ends in .html", options.output);
     keep_files_apart({options.raw.path, options.tables}, {options.output});
+    const std::string tables_name = input_name(options.tables);
     const GainTables tables = read_table_json(options.tables);
     const Isp isp = isp_of_option(options.isp, tables);
-    const RawFrame frame = read_raw_for(options.raw, tables, options.tables);
-    const Progress progress("writing " + options.output);
+    const RawFrame frame = read_raw_for(options.raw, tables, tables_name);
+    const Progress progress("writing " + output_name(options.output));
     add_frame(report, frame);
     report.print(describe(frame));
     add_parameters(report, options, tables, isp);
+    add_checks(report, options, frame, tables);
     const PanelSize size = panel_size(frame.width, frame.height);
     const Shown before = show(frame, size);
-    const Shown after = show(correct_capture(frame, tables, options.tables, isp), size);
+    const Shown after = show(correct_capture(frame, tables, tables_name, isp), size);
     add_measures(report, tables, before, after);
     write_file(options.output,
                encode_page(report.json(exit_success, ""), maps_of(tables, before, after, size)));
@@ -86,6 +108,7 @@ void add_report(Command app) {
     add_raw_options(command, options->raw, "flat");
     command.option("--tables", options->tables, "table file of the module").required().takes("FILE");
     add_isp_option(command, options->isp);
+    add_limit_option(command, options->check);
     command.option("-o,--output", options->output, "page to write (HTML)").required().takes("FILE");
     command.footer("The page holds maps, cross-sections and numbers before and after the correction by the "
                    "exact model\n"

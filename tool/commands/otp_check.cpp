@@ -9,6 +9,7 @@
 #include "commands/otp_loss.h"
 #include "failure.h"
 #include "imaging/otp_stream.h"
+#include "io/input_file.h"
 #include "io/table_json.h"
 #include "terminal.h"
 
@@ -41,9 +42,10 @@ void check_alone(const OtpFile& file, Report& report) {
 }
 
 void compare(const OtpFile& file, const Options& options, Report& report) {
+    const std::string tables_name = input_name(options.tables);
     const GainTables tables = read_table_json(options.tables);
     if (file.container)
-        check_belongs(file, tables, options.tables);
+        check_belongs(file, tables, tables_name);
     GainTables decoded = tables;
     decode_stream(file.stream, file.name, decoded);
     const int mode = file.stream.size() == stream_size(tables, 0) ? 0 : 1;
@@ -52,12 +54,12 @@ void compare(const OtpFile& file, const Options& options, Report& report) {
     const double limit = limit_of(options.max_error, mode);
     const bool own = file.stream == encode_stream(tables, mode);
     if (100 * loss.worst() > limit)
-        limit_failure("{}: differs from {} by {} at worst (limit {} %): {}", file.name, options.tables,
+        limit_failure("{}: differs from {} by {} at worst (limit {} %): {}", file.name, tables_name,
                       percent(loss.worst()), limit,
                       own ? reason_of(tables, mode, loss) : "it is not the stream of these tables");
     if (!own)
         warn(fmt::format("{}: is not the stream of {}, but as close as the limit of {} % asks", file.name,
-                         options.tables, limit));
+                         tables_name, limit));
 }
 
 void run(const Options& options, Report& report) {

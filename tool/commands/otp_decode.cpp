@@ -10,6 +10,7 @@
 #include "failure.h"
 #include "imaging/otp_stream.h"
 #include "io/file_identity.h"
+#include "io/input_file.h"
 #include "io/input_record.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
@@ -48,13 +49,13 @@ GainTables described(const Options& options, const OtpFile& file) {
     if (!options.like.empty()) {
         GainTables tables = read_table_json(options.like);
         if (file.container)
-            check_belongs(file, tables, options.like);
+            check_belongs(file, tables, input_name(options.like));
         return tables;
     }
     const bool described = options.width + options.height + options.step != 0 || !options.pattern.empty();
     if (file.container && described)
         usage_failure("{}: a container says its geometry: leave --width, --height, --step and --pattern away",
-                      options.stream);
+                      file.name);
     GainTables tables = file.container ? described_by(*file.container) : described_by(options);
     tables.black = black_level_of_option(options.black);
     return tables;
@@ -64,15 +65,15 @@ void run(const Options& options, Report& report) {
     keep_files_apart({options.stream, options.like}, {options.output});
     const OtpFile file = read_otp_file(options.stream);
     GainTables tables = described(options, file);
-    decode_stream(file.stream, options.stream, tables);
+    decode_stream(file.stream, file.name, tables);
     if (file.container)
         add_container(report, file);
     if (decodes_wrong(tables))
         warn(fmt::format("{}: a grid of {} x {} nodes, odd by even, decodes wrong in its lower half",
-                         options.stream, tables.table_width - 2 * ZERKLSC_BORDER,
+                         file.name, tables.table_width - 2 * ZERKLSC_BORDER,
                          tables.table_height - 2 * ZERKLSC_BORDER));
     tables.inputs = {input_record("OTP file", options.stream)};
-    write_file(options.output, encode_table_json(tables));
+    write_file(options.output, encode_tables_for(options.output, tables));
     add_written_tables(report, options.output, tables);
 }
 
@@ -84,7 +85,11 @@ void add_otp_decode(Command otp) {
     command.option("stream", options->stream, "file of zerklsc otp encode: a bare stream or a container")
         .required()
         .takes("FILE");
-    command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
+    command
+        .option("-o,--output", options->output,
+                "table file to write: JSON, or the gains alone as text (.txt)")
+        .required()
+        .takes("FILE");
     Option like = command.option("--like", options->like, "table file of the same geometry").takes("FILE");
     command.option("--width", options->width, "frame width in pixels").range(2, largest_side).excludes(like);
     command.option("--height", options->height, "frame height in pixels")

@@ -9,6 +9,7 @@
 #include "commands/otp_loss.h"
 #include "failure.h"
 #include "io/file_identity.h"
+#include "io/input_file.h"
 #include "io/otp_container.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
@@ -54,7 +55,8 @@ void write_stream(const Options& options, const GainTables& tables, const std::s
                                                   tables.step, options.serial, stream})
                           : stream;
     if (options.container) {
-        report.print(fmt::format("{}: container of {} bytes\n", one_line(options.output), bytes.size()));
+        report.print(
+            fmt::format("{}: container of {} bytes\n", one_line(output_name(options.output)), bytes.size()));
         report.add("container_size", static_cast<uint64_t>(bytes.size()));
     }
     OutputSet outputs;
@@ -68,18 +70,19 @@ void write_stream(const Options& options, const GainTables& tables, const std::s
 void run(const Options& options, Report& report) {
     keep_files_apart({options.tables}, {options.output, options.c_array});
     check_serial(options.serial);
+    const std::string name = input_name(options.tables);
     const GainTables tables = read_table_json(options.tables);
-    check_stream(tables, options.mode, options.tables);
+    check_stream(tables, options.mode, name);
     const std::string stream = encode_stream(tables, options.mode);
     GainTables decoded = tables;
-    decode_stream(stream, options.output, decoded);
+    decode_stream(stream, name, decoded);
     const StreamLoss loss = loss_of(tables, decoded, options.mode);
     add_loss(report, tables, options.mode, stream.size(), loss);
     const double limit = limit_of(options.max_error, options.mode);
     if (100 * loss.worst() > limit) {
         const std::string what =
-            fmt::format("{}: the stream is off by {} at worst (limit {} %): {}", options.tables,
-                        percent(loss.worst()), limit, reason_of(tables, options.mode, loss));
+            fmt::format("{}: the stream is off by {} at worst (limit {} %): {}", name, percent(loss.worst()),
+                        limit, reason_of(tables, options.mode, loss));
         if (!options.force)
             throw Failure(exit_limit, what + "; --force writes it all the same");
         warn(what);

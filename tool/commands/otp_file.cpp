@@ -11,11 +11,11 @@
 namespace zerklsc::tool {
 
 OtpFile read_otp_file(const std::string& path) {
-    OtpFile file{path, std::nullopt, read_file(path), ""};
+    OtpFile file{input_name(path), std::nullopt, read_file(path), ""};
     if (!is_otp_container(file.stream))
         return file;
     const std::string bytes = std::move(file.stream);
-    file.container = decode_otp_container(bytes, path);
+    file.container = decode_otp_container(bytes, file.name);
     file.stream = file.container->stream;
     for (size_t i = 1; i <= 4; ++i)
         file.crc += fmt::format("{:02X}", static_cast<unsigned char>(bytes[bytes.size() - i]));

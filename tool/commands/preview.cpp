@@ -11,6 +11,7 @@
 #include "failure.h"
 #include "imaging/prediction.h"
 #include "io/file_identity.h"
+#include "io/input_file.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "preview/png.h"
@@ -51,8 +52,8 @@ std::optional<RawFrame> corrected_frame(const Options& options, const GainTables
         const Isp isp = isp_of_option(options.isp, tables);
         how = fmt::format("after {}", name_of(isp));
         sheet.heading.push_back(
-            fmt::format("corrected with {} as the {} ISP does", options.tables, name_of(isp)));
-        return correct_capture(frame, tables, options.tables, isp);
+            fmt::format("corrected with {} as the {} ISP does", input_name(options.tables), name_of(isp)));
+        return correct_capture(frame, tables, input_name(options.tables), isp);
     }
     if (options.corrected.empty())
         return {};
@@ -90,8 +91,9 @@ void finish(Report& report, Sheet& sheet, bool clipped) {
 
 Sheet make_sheet(const Options& options, Report& report) {
     const GainTables tables = options.tables.empty() ? GainTables() : read_table_json(options.tables);
-    const RawFrame frame = options.tables.empty() ? read_raw(options.raw, UnknownBlack::take_0)
-                                                  : read_raw_for(options.raw, tables, options.tables);
+    const RawFrame frame = options.tables.empty()
+                               ? read_raw(options.raw, UnknownBlack::take_0)
+                               : read_raw_for(options.raw, tables, input_name(options.tables));
     add_frame(report, frame);
     const PanelSize size = panel_size(frame.width, frame.height);
     const Shown before = show(frame, size);
@@ -119,7 +121,7 @@ void run(const Options& options, Report& report) {
         && extension_of(options.output) != ".png")
         usage_failure("{}: a picture is written as PNG: give a name that ends in .png", options.output);
     keep_files_apart({options.raw.path, options.tables, options.corrected}, {options.output});
-    const Progress progress("drawing " + options.output);
+    const Progress progress("drawing " + output_name(options.output));
     report.add("output", options.output);
     const Sheet sheet = make_sheet(options, report);
     write_file(options.output, encode_png(draw_sheet(sheet.heading, sheet.rows)));

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "failure.h"
+#include "io/input_file.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {
@@ -61,7 +62,7 @@ void add_description_options(Command command, RawOptions& options) {
 RawFrame read_remarking(const RawOptions& options) {
     RawReading reading = read_raw_and_description(options);
     for (const std::string& remark : overridden(reading))
-        warn(fmt::format("{}: options override what the file says: {}", options.path, remark));
+        warn(fmt::format("{}: options override what the file says: {}", input_name(options.path), remark));
     return std::move(reading.frame);
 }
 

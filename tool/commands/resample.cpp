@@ -10,6 +10,7 @@
 #include "failure.h"
 #include "imaging/resampling.h"
 #include "io/file_identity.h"
+#include "io/input_file.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
@@ -32,8 +33,8 @@ CropWindow window_of(const Options& options, const GainTables& tables) {
     if (x % 2 != 0 || y % 2 != 0 || width % 2 != 0 || height % 2 != 0 || width == 0 || height == 0)
         usage_failure("--crop: {} is not on whole 2 x 2 Bayer cells: give even numbers", options.crop);
     if (x + width > tables.raw_width || y + height > tables.raw_height)
-        data_failure("{}: is for frames of {} x {}, and --crop {} reaches beyond them", options.tables,
-                     tables.raw_width, tables.raw_height, options.crop);
+        data_failure("{}: is for frames of {} x {}, and --crop {} reaches beyond them",
+                     input_name(options.tables), tables.raw_width, tables.raw_height, options.crop);
     return {x, y, width, height};
 }
 
@@ -47,15 +48,15 @@ GainTables resample(const Options& options, const GainTables& tables) {
     if (width % 2 != 0 || height % 2 != 0)
         usage_failure("--size: {} is not whole 2 x 2 Bayer cells: give even numbers", options.size);
     if (options.crop.empty() && options.size.empty())
-        return resample_step(tables, options.tables, step);
-    return resample_crop(tables, options.tables, window, width, height, step);
+        return resample_step(tables, input_name(options.tables), step);
+    return resample_crop(tables, input_name(options.tables), window, width, height, step);
 }
 
 void run(const Options& options, Report& report) {
     keep_files_apart({options.tables}, {options.output, options.text});
     const GainTables result = resample(options, read_table_json(options.tables));
     OutputSet outputs;
-    outputs.add(options.output, encode_table_json(result));
+    outputs.add(options.output, encode_tables_for(options.output, result));
     if (!options.text.empty())
         outputs.add(options.text, encode_table_text(result));
     outputs.commit();
@@ -69,7 +70,11 @@ void add_resample(Command app) {
     Command command =
         app.subcommand("resample", "Carry tables over to another grid step, crop or frame size");
     command.option("tables", options->tables, "table file of zerklsc calibrate").required().takes("FILE");
-    command.option("-o,--output", options->output, "table file to write (JSON)").required().takes("FILE");
+    command
+        .option("-o,--output", options->output,
+                "table file to write: JSON, or the gains alone as text (.txt)")
+        .required()
+        .takes("FILE");
     command.option("--text", options->text, "also write the four tables as plain text, in plane order")
         .takes("FILE");
     command.option("--step", options->step, "node spacing in plane samples (default: as it is)")

@@ -40,7 +40,7 @@ void run(const Options& options, Report& report) {
     if (settings.black >= (1 << settings.bits) - 1)
         usage_failure("--black-level: {} leaves no range below the full scale of {}: give a lower level",
                       settings.black, (1 << settings.bits) - 1);
-    const Progress progress("simulating " + options.output);
+    const Progress progress("simulating " + output_name(options.output));
     const RawFrame frame = simulate(settings);
     report.add("output", options.output);
     add_frame(report, frame);

@@ -15,6 +15,9 @@ RawFrame correct_capture(const RawFrame& frame, const GainTables& tables, const 
 FrameLevels predict_levels(const RawFrame& frame, const GainTables& tables, const std::string& tables_name,
                            Isp isp);
 
+// Beyond this, corrected captures are visibly not flat.
+constexpr double flat_enough = 0.02;
+
 // The least flat plane's flatness.
 double worst_flatness(const FrameLevels& levels);
 

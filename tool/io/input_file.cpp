@@ -1,4 +1,4 @@
-// InputFile, read_file, extension_of
+// input_name, InputFile, read_file, extension_of
 #include "io/input_file.h"
 
 #include <algorithm>
@@ -21,7 +21,11 @@ constexpr size_t head_size = size_t{1} << 16;
 
 } // namespace
 
-InputFile::InputFile(const std::string& path) : path_(path == "-" ? "standard input" : path) {
+std::string input_name(const std::string& path) {
+    return path == "-" ? "standard input" : path;
+}
+
+InputFile::InputFile(const std::string& path) : path_(input_name(path)) {
     descriptor_ = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat status {};
     if (descriptor_ < 0 || fstat(descriptor_, &status) != 0)

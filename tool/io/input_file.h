@@ -10,6 +10,9 @@
 
 namespace zerklsc::tool {
 
+// What messages call an input: "standard input" for "-".
+std::string input_name(const std::string& path);
+
 // An input whose first bytes are there before anybody decides what it is. "-" is standard input.
 class InputFile {
   public:
@@ -19,7 +22,7 @@ class InputFile {
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
-    // For messages: what the user wrote, or "standard input".
+    // As input_name() says.
     const std::string& path() const { return path_; }
 
     // The first bytes, at most 64 KiB.

@@ -2,13 +2,14 @@
 #include "io/input_record.h"
 
 #include "io/file_identity.h"
+#include "io/input_file.h"
 #include "io/sha256.h"
 
 namespace zerklsc::tool {
 
 TableInput input_record(const char* role, const std::string& path) {
     if (path == "-")
-        return {role, "standard input", "", {}, {}};
+        return {role, input_name(path), "", {}, {}};
     return {role, path.substr(directory_of(path).size()), sha256_of_file(path), {}, {}};
 }
 

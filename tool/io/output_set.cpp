@@ -12,6 +12,10 @@
 #include "io/file_identity.h"
 
 namespace zerklsc::tool {
+
+std::string output_name(const std::string& path) {
+    return path == "-" ? "standard output" : path;
+}
 namespace {
 
 bool standard_output_taken = false;
@@ -42,8 +46,7 @@ class Channel {
 
   private:
     [[noreturn]] void fail() const {
-        system_failure("{}: cannot be written: {}", path_ == "-" ? "standard output" : path_,
-                       std::strerror(errno));
+        system_failure("{}: cannot be written: {}", output_name(path_), std::strerror(errno));
     }
 
     std::string path_;

@@ -27,6 +27,9 @@ class OutputSet {
     std::vector<TemporaryFile> pending_;
 };
 
+// What messages call an output: "standard output" for "-".
+std::string output_name(const std::string& path);
+
 // One file of its own.
 void write_file(const std::string& path, std::string_view bytes);
 void write_file(const std::string& path, const std::function<void(const ByteSink&)>& writer);

@@ -13,6 +13,9 @@ constexpr int table_format_version = 2; // docs/table-file.md says what each ver
 // The same tables give the same bytes.
 std::string encode_table_json(const GainTables& tables);
 
+// The form that the path's extension says: the bare gains for .txt (io/table_text.h), else this one.
+std::string encode_tables_for(const std::string& path, const GainTables& tables);
+
 // Reads a table file of this version or an earlier one; a data failure says which field is missing or wrong.
 GainTables read_table_json(const std::string& path);
 

@@ -88,7 +88,8 @@ json parse(const std::string& path) {
     const std::string bytes = read_file(path);
     json object = json::parse(bytes, nullptr, false);
     if (object.is_discarded())
-        data_failure("{}: is not valid JSON: expected a table file as zerklsc calibrate writes it", path);
+        data_failure("{}: is not valid JSON: expected a table file as zerklsc calibrate writes it",
+                     input_name(path));
     return object;
 }
 
@@ -222,18 +223,19 @@ void read_gains(const std::string& path, const json& rows, GainTables& tables, s
 } // namespace
 
 GainTables read_table_json(const std::string& path) {
+    const std::string name = input_name(path);
     const json object = parse(path);
-    const Reader reader(path, object);
+    const Reader reader(name, object);
     check_version(reader);
     GainTables tables = read_header(reader);
     const json& planes = reader.field("tables");
     if (!planes.is_array() || planes.size() != tables.gains.size())
-        data_failure("{}: does not hold four tables", path);
+        data_failure("{}: does not hold four tables", name);
     for (size_t i = 0; i < planes.size(); ++i) {
-        const Reader entry(path, planes[i]);
+        const Reader entry(name, planes[i]);
         // The planes stand in order, so that a file with two tables exchanged does not pass unnoticed.
         entry.integer("plane", static_cast<int>(i), static_cast<int>(i));
-        read_gains(path, entry.field("gains"), tables, i);
+        read_gains(name, entry.field("gains"), tables, i);
     }
     return tables;
 }

@@ -1,10 +1,12 @@
-// encode_table_json
+// encode_table_json, encode_tables_for
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include "io/findings_json.h"
+#include "io/input_file.h"
 #include "io/input_record.h"
 #include "io/table_json.h"
+#include "io/table_text.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -67,6 +69,10 @@ std::string encode_table_json(const GainTables& tables) {
     for (int plane = 0; plane < 4; ++plane)
         text += (plane == 0 ? "" : ",\n") + encode_table(tables, plane);
     return text + "\n  ]," + inputs.substr(inputs.find('\n')) + "\n";
+}
+
+std::string encode_tables_for(const std::string& path, const GainTables& tables) {
+    return extension_of(path) == ".txt" ? encode_table_text(tables) : encode_table_json(tables);
 }
 
 } // namespace zerklsc::tool

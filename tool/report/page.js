@@ -27,7 +27,9 @@ const size = values => values.join(' × ');
 
 function table(heads, rows) {
     const headed = rows.map(([first, ...cells]) => make('tr', {}, make('th', {scope: 'row'}, first), ...cells));
-    return make('table', {}, make('thead', {}, make('tr', {}, ...heads.map(head => make('th', {scope: 'col'}, head)))),
+    const kind = i => i > 0 && rows[0][i].matches('.text, .word') ? {class: 'word'} : {};
+    return make('table', {}, make('thead', {}, make('tr', {}, ...heads.map(
+                    (head, i) => make('th', {scope: 'col', ...kind(i)}, head)))),
                 make('tbody', {}, ...headed));
 }
 
@@ -48,18 +50,40 @@ function showResult() {
         place('result').before(make('p', {class: 'warn'}, `Warning: ${warning}`));
 }
 
+// The word and its colour say the same.
+function verdictCell(path) {
+    const word = cell(path, plain);
+    word.classList.add(word.textContent, 'word');
+    return word;
+}
+
+function checkRow(i) {
+    const check = data.checks[i];
+    const limit = value => value === null ? '–' : minus(plain(value));
+    return [check.name, verdictCell(`checks.${i}.verdict`),
+            cell(`checks.${i}.value`, value => value === null ? '–' : minus(`${plain(value)} ${check.unit}`)),
+            cell(`checks.${i}.limit_warn`, limit), cell(`checks.${i}.limit_refuse`, limit),
+            make('td', {class: 'word'}, check.plane || 'all'), make('td', {class: 'text'}, check.advice)];
+}
+
+// What needs a look stands open; what passes is folded up, but for printing.
 function showChecks() {
-    if (!data.checks)
+    if (data.checks.length === 0)
         return;
     place('checks').hidden = false;
-    const limit = value => value === null ? '–' : plain(value);
-    place('check-list').append(table(
-        ['Check', 'Channel', 'Value', 'Warn from', 'Refuse from', 'Verdict', 'Advice'],
-        data.checks.map((check, i) => [
-            check.name, make('td', {class: 'text'}, check.plane || 'all'),
-            cell(`checks.${i}.value`, value => `${plain(value)} ${check.unit}`),
-            cell(`checks.${i}.limit_warn`, limit), cell(`checks.${i}.limit_refuse`, limit),
-            make('td', {class: check.verdict}, check.verdict), make('td', {class: 'text'}, check.advice)])));
+    const heads = ['Check', 'Verdict', 'Value', 'Warn from', 'Refuse from', 'Channel', 'Advice'];
+    const numbers = verdict => [...data.checks.keys()].filter(i => data.checks[i].verdict === verdict);
+    const [refused, doubtful, passed] = ['refuse', 'warn', 'pass'].map(numbers);
+    const count = (list, word) => `${list.length} ${word}`;
+    place('check-count').textContent = `${count(data.checks, 'checks')}: ` +
+        [count(passed, 'pass'), count(doubtful, 'warn'), count(refused, 'refuse')].join(', ') + '.';
+    if (passed.length < data.checks.length)
+        place('check-list').append(table(heads, [...refused, ...doubtful].map(checkRow)));
+    const folded = make('details', {}, make('summary', {}, `The ${passed.length} that pass`),
+                        make('div', {class: 'wide'}, table(heads.slice(0, -1),
+                                                           passed.map(i => checkRow(i).slice(0, -1)))));
+    place('check-list').after(folded);
+    addEventListener('beforeprint', () => { folded.open = true; });
 }
 
 function showCorners() {
