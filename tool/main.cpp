@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include "commands.h"
@@ -104,6 +105,14 @@ int main_program(int argc, char** argv) {
 } // namespace
 } // namespace zerklsc::tool
 
+// Copies of a frame follow each other: what was freed is used again instead of being mapped and cleared anew.
+void keep_freed_memory() {
+    constexpr int largest_frame_copy = 1 << 30;
+    mallopt(M_MMAP_THRESHOLD, largest_frame_copy);
+    mallopt(M_TRIM_THRESHOLD, largest_frame_copy);
+}
+
 int main(int argc, char** argv) {
+    keep_freed_memory();
     return zerklsc::tool::main_program(argc, argv);
 }

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <utility>
 
 #include "check/least_squares.h"
 #include "check/robust.h"
@@ -16,32 +16,40 @@ constexpr size_t classes = 24;
 // degrees of freedom is k (1 - 2 / (9 k))^3 (E. B. Wilson, M. M. Hilferty, PNAS 17, 1931).
 constexpr double median_of_variances = 0.98964;
 
-NoisePoint point_of(const std::vector<float>& levels, const std::vector<float>& variances,
-                    const std::vector<uint32_t>& order, size_t begin, size_t end) {
+struct TileNoise {
+    float level, variance;
+};
+
+NoisePoint point_of(const TileNoise* begin, const TileNoise* end) {
     std::vector<float> level, variance;
-    for (size_t i = begin; i < end; ++i) {
-        level.push_back(levels[order[i]]);
-        variance.push_back(variances[order[i]]);
+    for (const TileNoise* tile = begin; tile != end; ++tile) {
+        level.push_back(tile->level);
+        variance.push_back(tile->variance);
     }
     return {median_of(level), median_of(variance) / median_of_variances};
 }
 
-std::vector<NoisePoint> curve_of(const std::vector<float>& levels, const std::vector<float>& variances) {
-    std::vector<uint32_t> order(levels.size());
-    std::iota(order.begin(), order.end(), 0U);
-    const size_t count = std::min(classes, std::max<size_t>(levels.size() / 16, 1));
+// Puts the classes `first` to `last` - 1 of `count`, in order; not the tiles in them.
+void order_classes(std::vector<TileNoise>& tiles, size_t count, size_t first, size_t last) {
+    if (last - first < 2)
+        return;
+    const auto begin_of = [&](size_t k) {
+        return tiles.begin() + static_cast<std::ptrdiff_t>(tiles.size() * k / count);
+    };
+    const size_t middle = (first + last) / 2;
+    std::nth_element(begin_of(first), begin_of(middle), begin_of(last),
+                     [](const TileNoise& a, const TileNoise& b) { return a.level < b.level; });
+    order_classes(tiles, count, first, middle);
+    order_classes(tiles, count, middle, last);
+}
+
+std::vector<NoisePoint> curve_of(std::vector<TileNoise> tiles) {
+    const size_t count = std::min(classes, std::max<size_t>(tiles.size() / 16, 1));
+    order_classes(tiles, count, 0, count);
     std::vector<NoisePoint> curve;
-    size_t begin = 0;
-    for (size_t k = 0; k < count; ++k) {
-        const size_t end = levels.size() * (k + 1) / count;
-        // Only the classes have to be in order, not the tiles in them.
-        if (k + 1 < count)
-            std::nth_element(order.begin() + static_cast<std::ptrdiff_t>(begin),
-                             order.begin() + static_cast<std::ptrdiff_t>(end), order.end(),
-                             [&](uint32_t a, uint32_t b) { return levels[a] < levels[b]; });
-        curve.push_back(point_of(levels, variances, order, begin, end));
-        begin = end;
-    }
+    for (size_t k = 0; k < count; ++k)
+        curve.push_back(
+            point_of(tiles.data() + tiles.size() * k / count, tiles.data() + tiles.size() * (k + 1) / count));
     return curve;
 }
 
@@ -96,18 +104,18 @@ NoiseParabola best_fit(const std::vector<NoisePoint>& curve, double black, int m
 } // namespace
 
 std::vector<NoisePoint> photon_transfer(const PlaneTiles& tiles) {
-    std::vector<float> variances(tiles.mean.size());
-    for (size_t i = 0; i < variances.size(); ++i)
-        variances[i] = (tiles.variance_h[i] + tiles.variance_v[i]) / 2;
-    return curve_of(tiles.mean, variances);
+    std::vector<TileNoise> noise(tiles.mean.size());
+    for (size_t i = 0; i < noise.size(); ++i)
+        noise[i] = {tiles.mean[i], (tiles.variance_h[i] + tiles.variance_v[i]) / 2};
+    return curve_of(std::move(noise));
 }
 
 std::vector<NoisePoint> photon_transfer(const PlaneTiles& first, const PlaneTiles& difference) {
-    std::vector<float> variances(first.mean.size());
+    std::vector<TileNoise> noise(first.mean.size());
     // A difference has the noise of both captures.
-    for (size_t i = 0; i < variances.size(); ++i)
-        variances[i] = (difference.variance_h[i] + difference.variance_v[i]) / 4;
-    return curve_of(first.mean, variances);
+    for (size_t i = 0; i < noise.size(); ++i)
+        noise[i] = {first.mean[i], (difference.variance_h[i] + difference.variance_v[i]) / 4};
+    return curve_of(std::move(noise));
 }
 
 double variance_at(const std::vector<NoisePoint>& curve, double level) {

@@ -47,7 +47,7 @@ GainTables calibrate_light(RawFrame frame, const CalibrationSettings& settings) 
 // The average without what is kept out of gains.
 RawFrame clean_average(const FlatCaptures& flats, const CheckedFlats& checked) {
     if (checked.cleaned.empty())
-        return flats.average;
+        return flats.average();
     return checked.cleaned.size() > 1 ? average_of(checked.cleaned, flats.averaging)
                                       : checked.cleaned.front();
 }
@@ -152,7 +152,7 @@ void write_tables(const Options& options, const GainTables& tables) {
 void run(const Options& options, Report& report) {
     keep_files_apart(options.captures.paths(), {options.output, options.text});
     const FlatCaptures flats = read_flat_captures(options.captures, report);
-    const RawFrame& frame = flats.average;
+    const RawFrame& frame = flats.average();
     CalibrationSettings settings = with_step(options.settings, frame);
     settings.algorithm = algorithm_from(options.algorithm);
     add_frame(report, frame);

@@ -105,8 +105,8 @@ FlatCaptures read_flat_captures(const CaptureOptions& options, Report& report) {
     flats.averaging = averaging_of(options);
     if (options.darks.empty()) {
         flats.captures = read_all(options, options.flats, UnknownBlack::refuse);
-        flats.average =
-            flats.captures.size() > 1 ? average_of(flats.captures, flats.averaging) : flats.captures.front();
+        if (flats.captures.size() > 1)
+            flats.averaged = average_of(flats.captures, flats.averaging);
         return flats;
     }
     std::vector<RawFrame> darks = read_all(options, options.darks, UnknownBlack::leave);
@@ -116,7 +116,7 @@ FlatCaptures read_flat_captures(const CaptureOptions& options, Report& report) {
     flats.captures = read_all(options, options.flats, UnknownBlack::leave);
     check_dark(first_dark, dark, flats.captures.front());
     add_dark(report, options, dark, *flats.captures.front().pattern);
-    flats.average = average_of(flats.captures, flats.averaging, -1, &dark);
+    flats.averaged = average_of(flats.captures, flats.averaging, -1, &dark);
     for (RawFrame& capture : flats.captures)
         subtract_dark(capture, dark);
     return flats;

@@ -2,6 +2,7 @@
 // dark.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,9 @@ struct CaptureOptions {
 struct FlatCaptures {
     std::vector<RawFrame> captures; // dark frame taken off
     Averaging averaging = Averaging::mean;
-    RawFrame average;
+    std::optional<RawFrame> averaged; // nothing where it is the only capture
+
+    const RawFrame& average() const { return averaged ? *averaged : captures.front(); }
 };
 
 // The flats, how raw files are read, --average and --dark.

@@ -19,25 +19,24 @@ int odd_count(double wanted) {
     return std::max(1, (static_cast<int>(wanted) - 1) / 2 * 2 + 1);
 }
 
-// Sums over blocks, row of samples by row of samples. Whole numbers: the same on every machine.
+// Sums over blocks. Whole numbers: the same on every machine.
 class BlockSums {
   public:
     BlockSums(int width, int height, int columns, int rows)
         : columns_(edges_of(width, columns)), rows_(edges_of(height, rows)),
           sums_(static_cast<size_t>(columns) * static_cast<size_t>(rows)) {}
 
-    // The next row of the plane.
-    void add(const uint16_t* samples) {
-        while (rows_[block_row_ + 1] <= row_)
-            ++block_row_;
+    // How many rows from the plane's top the present blocks end.
+    int next_edge() const { return rows_[block_row_ + 1]; }
+
+    // The sums of the columns over rows of the present blocks, up to row `end` of the plane.
+    void add(const std::vector<uint32_t>& column_sums, int end) {
         const size_t columns = columns_.size() - 1;
-        for (size_t i = 0; i < columns; ++i) {
-            uint32_t sum = 0; // of at most 32767 samples
+        for (size_t i = 0; i < columns; ++i)
             for (int x = columns_[i]; x < columns_[i + 1]; ++x)
-                sum += samples[x];
-            sums_[block_row_ * columns + i] += sum;
-        }
-        ++row_;
+                sums_[block_row_ * columns + i] += column_sums[static_cast<size_t>(x)];
+        if (end == next_edge() && block_row_ + 2 < rows_.size())
+            ++block_row_;
     }
 
     BlockMeans means() const {
@@ -60,32 +59,48 @@ class BlockSums {
   private:
     std::vector<int> columns_, rows_;
     std::vector<uint64_t> sums_;
-    int row_ = 0;
     size_t block_row_ = 0;
 };
 
-// Every second sample of a row of the frame, as far as it is above `black`.
-void light_of(const uint16_t* row, int black, std::vector<uint16_t>& light) {
-    for (size_t x = 0; x < light.size(); ++x)
-        light[x] = static_cast<uint16_t>(std::max(int{row[2 * x]} - black, 0));
-}
+// A plane whose rows come one by one.
+class PlaneSums {
+  public:
+    PlaneSums(int width, int height, int blocks, double side)
+        : coarse_(width, height, blocks, blocks),
+          fine_(width, height, odd_count(width / side), odd_count(height / side)),
+          columns_(static_cast<size_t>(width)), samples_(double(width) * double(height)) {}
 
-PlaneLevels measure_plane(const RawFrame& frame, int plane, int black, int blocks) {
-    const int width = frame.width / 2, height = frame.height / 2;
-    const double side = std::max(std::min(width, height) / 64.0, 8.0);
-    BlockSums coarse(width, height, blocks, blocks);
-    BlockSums fine(width, height, odd_count(width / side), odd_count(height / side));
-    std::vector<uint16_t> light(static_cast<size_t>(width));
-    for (int y = plane >> 1; y < frame.height; y += 2) {
-        light_of(frame.samples.data() + static_cast<size_t>(y) * static_cast<size_t>(frame.width)
-                     + (plane & 1),
-                 black, light);
-        coarse.add(light.data());
-        fine.add(light.data());
+    // Of the next row, to which its light is added.
+    uint32_t* columns() { return columns_.data(); } // of at most 32767 samples each
+
+    void end_row() {
+        ++row_;
+        if (row_ != coarse_.next_edge() && row_ != fine_.next_edge())
+            return;
+        coarse_.add(columns_, row_);
+        fine_.add(columns_, row_);
+        std::ranges::fill(columns_, 0U);
     }
-    return {coarse.means(), fine.means(),
-            static_cast<double>(coarse.total()) / (double(width) * double(height)), frame.width,
-            frame.height};
+
+    PlaneLevels levels(const RawFrame& frame) const {
+        return {coarse_.means(), fine_.means(), static_cast<double>(coarse_.total()) / samples_, frame.width,
+                frame.height};
+    }
+
+  private:
+    BlockSums coarse_, fine_;
+    std::vector<uint32_t> columns_;
+    double samples_;
+    int row_ = 0;
+};
+
+// Adds what is above black in a row of the frame, whose samples belong to two planes in turn.
+void add_light(const uint16_t* row, size_t width, int even_black, int odd_black, uint32_t* even,
+               uint32_t* odd) {
+    for (size_t x = 0; x < width; ++x) {
+        even[x] += static_cast<uint32_t>(std::max(int{row[2 * x]} - even_black, 0));
+        odd[x] += static_cast<uint32_t>(std::max(int{row[2 * x + 1]} - odd_black, 0));
+    }
 }
 
 // The pixel in the middle of a block of a frame divided so.
@@ -139,10 +154,21 @@ int usual_blocks(const RawDescription& frame) {
 }
 
 FrameLevels measure_planes(const RawFrame& frame, const BlackLevel& black, int blocks) {
+    const int width = frame.width / 2, height = frame.height / 2;
+    const double side = std::max(std::min(width, height) / 64.0, 8.0);
     FrameLevels levels;
-    for (int plane = 0; plane < 4; ++plane)
-        levels[static_cast<size_t>(plane)] =
-            measure_plane(frame, plane, black[static_cast<size_t>(plane)], blocks);
+    for (size_t first = 0; first < levels.size(); first += 2) {
+        PlaneSums even(width, height, blocks, side), odd = even;
+        for (int y = static_cast<int>(first / 2); y < frame.height; y += 2) {
+            const auto start = static_cast<size_t>(y) * static_cast<size_t>(frame.width);
+            add_light(&frame.samples[start], static_cast<size_t>(width), black[first], black[first + 1],
+                      even.columns(), odd.columns());
+            even.end_row();
+            odd.end_row();
+        }
+        levels[first] = even.levels(frame);
+        levels[first + 1] = odd.levels(frame);
+    }
     return levels;
 }
 
