@@ -19,12 +19,14 @@ std::vector<std::string> names_of(const CLI::Option& option) {
 
 JsonValue tree_of(const CLI::Option& option) {
     const bool takes_value = option.get_items_expected_max() > 0;
+    const bool many = option.get_items_expected_max() > 1
+                      || option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;
     return JsonValue::object({{"names", JsonValue::list(names_of(option))},
                               {"description", option.get_description()},
                               {"value", takes_value ? option.get_type_name() : ""},
                               {"default", option.get_default_str()},
                               {"required", option.get_required()},
-                              {"many", option.get_items_expected_max() > 1}});
+                              {"many", many}});
 }
 
 } // namespace

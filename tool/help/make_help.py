@@ -197,7 +197,7 @@ def zsh_option(option):
     value = f":{zsh_text(value_name(option))}:{zsh_action(option)}" if option["value"] else ""
     names, text = option["names"], f"[{zsh_text(option['description'])}]{value}"
     if len(names) == 1:
-        return f"'{names[0]}{text}'"
+        return f"'{'*' if option['many'] else ''}{names[0]}{text}'"
     return f"'({' '.join(names)})'{{{','.join(names)}}}'{text}'"
 
 
