@@ -60,7 +60,9 @@ typedef enum zerklsc_status {
     /** odd columns and even rows of inner nodes: the lower half decodes 2.0 lower */
     ZERKLSC_STREAM_DARKENS = 34,
     /** the last nodes (their number modulo 4) are not stored in mode 1 */
-    ZERKLSC_STREAM_DROPS_NODES = 35
+    ZERKLSC_STREAM_DROPS_NODES = 35,
+    /** method 3: not even a frame of one level has unity gain at every node: rounding shows in the fit */
+    ZERKLSC_FIT_ROUNDS = 36
 } zerklsc_status;
 
 /** Whether a status is a refusal: neither ZERKLSC_OK nor advice. */
@@ -147,15 +149,16 @@ ZERKLSC_API zerklsc_status zerklsc_correct(const lsc2d_info* info, const uint16_
  * Methods 0 .. 2 and 4 are answered at once. Method 3 sets up and inverts the system of its fit, which takes
  * the time and the memory of lsc2d_calibration_beta().
  *
- * A fit whose points are few without its system being singular is accepted, although rounding shows in it.
+ * A fit whose points are few, without its system being singular, is advised against where rounding shows in
+ * it.
  *
  * @param info  all but the tables, the weights and shading_percent is read
  * @return      ZERKLSC_OK. Refusals, in this order: those of zerklsc_check_correction(), which include a
  *              `grid` above 255 and, for methods 0 .. 3, planes one sample past whole cells, although
  *              lsc2d_calibration_wrapper() makes tables for them; ZERKLSC_BAD_RADIUS,
  *              ZERKLSC_PLANE_TOO_SMALL, ZERKLSC_TOO_FEW_NODES, and for method 3 ZERKLSC_BAD_STEP,
- *              ZERKLSC_NO_SOLUTION or ZERKLSC_NO_MEMORY, the first one that its method meets. The advice of
- *              zerklsc_check_correction()
+ *              ZERKLSC_NO_SOLUTION or ZERKLSC_NO_MEMORY, the first one that its method meets. Advice: that of
+ *              zerklsc_check_correction(), and for method 3 ZERKLSC_FIT_ROUNDS
  */
 ZERKLSC_API zerklsc_status zerklsc_check_calibration(const lsc2d_info* info);
 

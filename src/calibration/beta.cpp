@@ -18,6 +18,10 @@ namespace zerklsc {
 namespace {
 
 // Gains of 64 and more wrap around: the table keeps their low 16 bits.
+uint16_t table_gain(float gain) {
+    return floor_low16(static_cast<double>(gain * 1024.0f + 0.5f));
+}
+
 void store_table(const SurfaceGrid& grid, const float* inner, uint16_t* table) {
     // Every node is a sum over all inner nodes, most of them with the weight 0, which a value that is not
     // finite turns into not a number.
@@ -26,9 +30,17 @@ void store_table(const SurfaceGrid& grid, const float* inner, uint16_t* table) {
     for (int32_t j = 0; j < grid.height; ++j) {
         for (int32_t i = 0; i < grid.width; ++i) {
             const float gain = finite ? node_value(i, j, grid, inner) : 0.0f;
-            *table++ = floor_low16(static_cast<double>(gain * 1024.0f + 0.5f));
+            *table++ = table_gain(gain);
         }
     }
+}
+
+bool has_unity_gains(const SurfaceGrid& grid, const float* inner) {
+    for (int32_t j = 0; j < grid.height; ++j)
+        for (int32_t i = 0; i < grid.width; ++i)
+            if (table_gain(node_value(i, j, grid, inner)) != ZERKLSC_UNITY_GAIN)
+                return false;
+    return true;
 }
 
 Fit invert(Scratch<double>& normal, const SurfaceGrid& grid) {
@@ -86,8 +98,16 @@ Fit try_fit(const SurfaceGrid& grid, int32_t plane_w, int32_t plane_h, const lsc
     const FitLines rows = fit_lines(plane_h, param.grid, param.filter_radius);
     if (columns.at == nullptr || rows.at == nullptr)
         return Fit::refused;
-    Scratch<double> normal = normal_matrix({grid, param.grid, columns, rows});
-    return invert(normal, grid);
+    const Scratch<float> inner =
+        allocate<float>(ZERKLSC_CHANNELS * static_cast<uint64_t>(grid.inner_count()));
+    System system = unity_system({grid, param.grid, columns, rows});
+    if (inner == nullptr)
+        return Fit::refused;
+    const Fit fit = invert(system.normal, grid);
+    if (fit != Fit::done)
+        return fit;
+    solve(system, grid, inner.get());
+    return has_unity_gains(grid, inner.get()) ? Fit::done : Fit::rounded;
 }
 
 } // namespace zerklsc

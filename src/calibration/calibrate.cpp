@@ -11,9 +11,16 @@ namespace {
 using namespace zerklsc;
 
 zerklsc_status as_status(Fit fit) {
-    if (fit == Fit::done)
+    switch (fit) {
+    case Fit::done:
         return ZERKLSC_OK;
-    return fit == Fit::singular ? ZERKLSC_NO_SOLUTION : ZERKLSC_NO_MEMORY;
+    case Fit::rounded:
+        return ZERKLSC_FIT_ROUNDS;
+    case Fit::singular:
+        return ZERKLSC_NO_SOLUTION;
+    default:
+        return ZERKLSC_NO_MEMORY;
+    }
 }
 
 zerklsc_status orvel_otp(const uint16_t* raw, isp_param_tag* param, zerklsc_report* report) {
@@ -48,7 +55,7 @@ zerklsc_status zerklsc_check_calibration(const lsc2d_info* info) {
     if (ZERKLSC_REFUSED(correction))
         return correction;
     const zerklsc_status method = try_method(*info);
-    return method != ZERKLSC_OK ? method : correction;
+    return ZERKLSC_REFUSED(method) || correction == ZERKLSC_OK ? method : correction;
 }
 
 zerklsc_status zerklsc_calibrate(const uint16_t* raw, lsc2d_info* info, zerklsc_report* report) {

@@ -43,29 +43,31 @@ bool for_each_point(const FitRaster& raster, const Visit& visit) {
     return true;
 }
 
-} // namespace
-
-Scratch<double> normal_matrix(const FitRaster& raster) {
-    const uint64_t unknowns = static_cast<uint64_t>(raster.grid.inner_count());
-    Scratch<double> normal = allocate_zeros(unknowns * unknowns);
-    const auto add = [&](int16_t, int16_t, const DesignRow& weights) {
-        add_to_normal_matrix(weights, raster.grid, normal.get());
-    };
-    return normal != nullptr && for_each_point(raster, add) ? std::move(normal) : nullptr;
-}
-
-System make_system(const FitRaster& raster, const FlatField& flat) {
+// From gains_of(column, row, gains).
+template <class GainsOf>
+System system_of(const FitRaster& raster, const GainsOf& gains_of) {
     const uint64_t unknowns = static_cast<uint64_t>(raster.grid.inner_count());
     System system = {allocate_zeros(unknowns * unknowns), allocate_zeros(channels * unknowns)};
     if (system.normal == nullptr || system.right == nullptr)
         return {};
     const auto add = [&](int16_t column, int16_t row, const DesignRow& weights) {
         float gains[channels];
-        gains_at(flat, column, row, gains);
+        gains_of(column, row, gains);
         add_to_normal_matrix(weights, raster.grid, system.normal.get());
         add_to_right_sides(weights, raster.grid, gains, system.right.get());
     };
     return for_each_point(raster, add) ? std::move(system) : System{};
+}
+
+} // namespace
+
+System make_system(const FitRaster& raster, const FlatField& flat) {
+    return system_of(raster,
+                     [&](int16_t column, int16_t row, float* gains) { gains_at(flat, column, row, gains); });
+}
+
+System unity_system(const FitRaster& raster) {
+    return system_of(raster, [](int16_t, int16_t, float* gains) { std::fill_n(gains, channels, 1.0f); });
 }
 
 // The products are taken in double precision, the sums kept in single precision.

@@ -25,11 +25,12 @@ struct FitRaster {
     const FitLines& rows;
 };
 
-// The matrix alone, which no frame changes. Null where memory is lacking.
-Scratch<double> normal_matrix(const FitRaster& raster);
-
-// With the right-hand sides from the gains at the points. Without either where memory is lacking.
+// Its right-hand sides are of the gains at the points; no frame changes its matrix. Without either where
+// memory is lacking.
 System make_system(const FitRaster& raster, const FlatField& flat);
+
+// The same with gains of 1, as a frame of one level has them.
+System unity_system(const FitRaster& raster);
 
 // The inner nodes of the four channels, one channel after the other, once the matrix is inverted.
 void solve(const System& system, const SurfaceGrid& grid, float* inner);

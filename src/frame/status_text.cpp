@@ -29,6 +29,7 @@ constexpr struct {
     {ZERKLSC_NARROW_FRAME, "the frame is narrower than the 128 pixels that this ISP expects"},
     {ZERKLSC_STREAM_DARKENS, "odd columns and even rows of inner nodes: the lower half decodes 2.0 lower"},
     {ZERKLSC_STREAM_DROPS_NODES, "the last nodes are not stored: their number is no multiple of 4"},
+    {ZERKLSC_FIT_ROUNDS, "rounding shows in the surface fit: its points are few"},
 };
 
 } // namespace

@@ -159,6 +159,30 @@ TEST(CheckCalibration, EachRefusalAndAdviceHasItsReason) {
     EXPECT_EQ(zerklsc_check_calibration(nullptr), ZERKLSC_NULL_POINTER);
 }
 
+// Advised against exactly where a frame of one level gets another gain than 1 somewhere.
+TEST(CheckCalibration, NamesASurfaceFitInWhichRoundingShows) {
+    int rounds = 0, tried = 0;
+    for (const int grid : {8, 16, 32})
+        for (int width = 128; width < 300; width += 2 * grid)
+            for (int32_t radius = 0; radius < grid; radius += 5) {
+                const Geometry g = {ZERKLSC_ALGORITHM_BETA, width + 10, width - grid, grid, radius};
+                Call call(g);
+                call.info.shading_percent = 100;
+                const zerklsc_status advice = zerklsc_check_calibration(&call.info);
+                const Samples flat(static_cast<size_t>(g.width * g.height), 600);
+                if (zerklsc_calibrate(flat.data(), &call.info, nullptr) != ZERKLSC_OK)
+                    continue;
+                EXPECT_EQ(advice, call.tables->all(ZERKLSC_UNITY_GAIN, ZERKLSC_UNITY_GAIN)
+                                      ? ZERKLSC_OK
+                                      : ZERKLSC_FIT_ROUNDS)
+                    << g;
+                rounds += advice == ZERKLSC_FIT_ROUNDS;
+                ++tried;
+            }
+    EXPECT_GT(rounds, 3);
+    EXPECT_GT(tried - rounds, 10);
+}
+
 TEST(Calibrate, MissingPointersAreNamedAndTheReportIsLeftAlone) {
     const Geometry g = {2, 250, 220, 16, 3};
     const Samples raw = noise(g, 300, 1000);
