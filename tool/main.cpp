@@ -13,6 +13,7 @@
 
 #include "commands.h"
 #include "commands/report.h"
+#include "convert/shading_file.h"
 #include "failure.h"
 #include "io/output_set.h"
 #include "io/raw_format.h"
@@ -62,7 +63,8 @@ struct Ending {
 // Carries out what the command line asks for.
 Ending run(Request& request, Report& report, int argc, char** argv) {
     const Program program{"Lens-shading calibration, correction and OTP tables", footer,
-                          fmt::format("zerklsc {}\nraw formats: {}", ZERKLSC_VERSION, raw_format_names()),
+                          fmt::format("zerklsc {}\nraw formats: {}\ntuning files: {}", ZERKLSC_VERSION,
+                                      raw_format_names(), shading_format_names()),
                           add_commands};
     try {
         request = parse_command_line(program, argc, argv);

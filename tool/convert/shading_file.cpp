@@ -1,4 +1,4 @@
-// read_shading_file
+// read_shading_file, shading_format_names
 #include "convert/shading_file.h"
 
 #include "failure.h"
@@ -37,6 +37,14 @@ std::optional<ShadingFile> read_shading_file(const std::string& path, [[maybe_un
     if (is_raspberry_pi(file.head()))
         return read_alsc(path);
     return std::nullopt;
+}
+
+std::string shading_format_names() {
+#ifdef ZERKLSC_WITH_YAML
+    return "rkisp1, alsc, DNG gain maps";
+#else
+    return "alsc, DNG gain maps";
+#endif
 }
 
 } // namespace zerklsc::tool

@@ -48,6 +48,9 @@ ShadingFile read_gain_maps(InputFile& file);    // GainMap opcodes (OpcodeList2)
 // Reads the file by its content; nothing where it is none of these.
 std::optional<ShadingFile> read_shading_file(const std::string& path, FrameSize size);
 
+// The names of the formats that are read, as "dng, alsc".
+std::string shading_format_names();
+
 // The tables of a set for frames and a step. `about` says all but the gains; `name` is for messages.
 GainTables tables_of(const ShadingSet& set, GainTables about, const std::string& name, Losses& losses);
 
