@@ -7,6 +7,7 @@ A case is a folder with (frames.py reads what the tool has made)
   stdout   expected standard output; empty where the file is missing
   stderr   expected standard error; empty where the file is missing
   files    the names that must be in the directory afterwards, one a line
+  needs    the readers without which there is no such test, one a line: LIBRAW, TIFF, YAML
 
   run.py --tool build/release/tool/zerklsc tests/tool/cases/NAME            compare
   run.py --tool build/release/tool/zerklsc --renew tests/tool/cases/*       write what came as expected
