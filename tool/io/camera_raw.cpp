@@ -141,18 +141,37 @@ std::optional<BayerPattern> pattern_of(LibRaw& raw) {
     return bayer_pattern_from(name);
 }
 
+// A DNG repeats its black levels from the corner of its active area. LibRaw's frame begins a row or column
+// further in where that corner is odd.
+std::array<unsigned, 2> rows_and_columns_left_out(InputFile& file, LibRaw& raw) {
+    if (raw.imgdata.idata.dng_version == 0 || !begins_tiff(file.head()))
+        return {0, 0};
+    constexpr uint16_t active_area = 50829;
+    TiffFile tiff(file);
+    const TiffDirectory directory = tiff.mosaic_directory();
+    const TiffEntry* const area = directory.find(active_area);
+    const std::vector<double> corners = area != nullptr ? tiff.numbers(*area, 4) : std::vector<double>();
+    if (corners.size() != 4)
+        return {0, 0};
+    const auto left_out = [](unsigned margin, double corner) { return margin > corner ? 1U : 0U; };
+    return {left_out(raw.imgdata.sizes.top_margin, corners[0]),
+            left_out(raw.imgdata.sizes.left_margin, corners[1])};
+}
+
 // LibRaw splits black levels in a common part, one for each colour and one for each place in a repeated
 // block.
-BlackLevel black_of(LibRaw& raw) {
+BlackLevel black_of(InputFile& file, LibRaw& raw) {
     const auto& colour = raw.imgdata.color;
     const unsigned rows = colour.cblack[4], columns = colour.cblack[5];
+    const auto [rows_left_out, columns_left_out] = rows_and_columns_left_out(file, raw);
     BlackLevel black{};
     for (unsigned plane = 0; plane < 4; ++plane) {
         const unsigned y = plane >> 1, x = plane & 1;
         unsigned level =
             colour.black + colour.cblack[raw.COLOR(static_cast<int>(y), static_cast<int>(x)) & 3];
         if (rows != 0 && columns != 0)
-            level += colour.cblack[6 + y % rows * columns + x % columns];
+            level +=
+                colour.cblack[6 + (y + rows_left_out) % rows * columns + (x + columns_left_out) % columns];
         black[plane] = static_cast<int>(level);
     }
     return black;
@@ -196,7 +215,7 @@ RawFrame read_camera_raw(InputFile& file, const RawHints&) {
         check_in_strips(file, *raw);
     frame.samples = plain ? read_plain(file, *raw, frame) : unpack(file, *raw, frame);
     set_depth(frame, data.color.maximum);
-    frame.black = black_of(*raw);
+    frame.black = black_of(file, *raw);
     return frame;
 }
 

@@ -26,6 +26,9 @@ if sys.argv[1] == "make":
     for name, layout in LAYOUTS.items():
         size = (220, 130) if "active" in layout else (WIDTH, HEIGHT)
         pathlib.Path(name + ".dng").write_bytes(make_dng(*size, "RGGB", sample, **layout))
+    # The reader's frame begins at the next even corner, (6, 8).
+    pathlib.Path("odd.dng").write_bytes(make_dng(220, 130, "RGGB", sample, active=(5, 7, 125, 207),
+                                                 extra={50713: (3, [2, 2]), 50714: (3, [60, 61, 62, 63])}))
     tiles = LAYOUTS["tiles"]
     for name, tags in (("count", {324: (4, [8, 8])}), ("size", {322: (4, [0])}), ("beyond", {324: (4, [1 << 24] * 12)}),
                        ("deep", {258: (3, [12])}), ("huge", {256: (4, [60000]), 257: (4, [60000]), 322: (4, [60000]), 323: (4, [60000]),
