@@ -52,6 +52,7 @@ constexpr std::array<Format, 10> formats{{{"json", ".json", nullptr},
 
 std::string format_names(const char* separator) {
     std::vector<std::string> names;
+    names.reserve(formats.size());
     for (const Format& format : formats)
         names.emplace_back(format.name);
     return fmt::format("{}", fmt::join(names, separator));

@@ -94,7 +94,8 @@ GainSurface read_radial(const std::string& path, const YamlNode& node, const std
     gain.centre_y = read_number(path, node["cy"], "cy of " + name, 0, 1);
     for (size_t i = 0; i < gain.k.size(); ++i) {
         const std::string term = fmt::format("k{}", i);
-        gain.k[i] = read_number(path, node[term], term + " of " + name, -highest_term, highest_term);
+        gain.k[i] =
+            read_number(path, node[term], fmt::format("{} of {}", term, name), -highest_term, highest_term);
     }
     return surface_of(gain, size.width, size.height);
 }

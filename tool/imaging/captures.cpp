@@ -46,8 +46,8 @@ uint32_t clipped_mean_of(std::span<uint16_t> values, uint32_t parts) {
     std::ranges::sort(sorted);
     const uint32_t deviation = std::max(doubled_median<uint32_t>(sorted), 1U); // four times the median
     const auto is_far = [&](uint16_t value) { return 1349U * distance(value) > 3500U * deviation; };
-    const auto left = std::ranges::remove_if(values, is_far);
-    return mean_of(values.first(values.size() - left.size()), parts);
+    const auto end = std::remove_if(values.begin(), values.end(), is_far);
+    return mean_of(values.first(static_cast<size_t>(end - values.begin())), parts);
 }
 
 template <class Average>

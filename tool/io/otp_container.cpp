@@ -84,7 +84,7 @@ class Fields {
 
     std::string serial() const {
         const std::string field = bytes_.substr(at_serial, longest_serial);
-        const std::string text = field.substr(0, field.find('\0'));
+        std::string text = field.substr(0, field.find('\0'));
         if (field.find_first_not_of('\0', text.size()) != std::string::npos
             || !std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; }))
             data_failure("{}: serial: is not printable ASCII with zeros behind it", name_);

@@ -12,6 +12,7 @@ namespace {
 
 std::vector<std::string> labels_between(double low, double high, int count, const char* format) {
     std::vector<std::string> labels;
+    labels.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i)
         labels.push_back(fmt::format(fmt::runtime(format), low + (high - low) * i / (count - 1)));
     return labels;
