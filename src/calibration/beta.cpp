@@ -56,6 +56,16 @@ Fit invert(Scratch<double>& normal, const SurfaceGrid& grid) {
     }
 }
 
+// The inner nodes of the four channels. Either memory may be lacking.
+Fit solve_inner(System& system, const SurfaceGrid& grid, float* inner) {
+    if (inner == nullptr)
+        return Fit::refused;
+    const Fit fit = invert(system.normal, grid);
+    if (fit == Fit::done)
+        solve(system, grid, inner);
+    return fit;
+}
+
 Fit calibrate(const FlatField& flat, uint16_t** tables, const SurfaceGrid& grid, int32_t step,
               int32_t start) {
     const FitLines columns = fit_lines(flat.planes.width, step, start);
@@ -67,12 +77,9 @@ Fit calibrate(const FlatField& flat, uint16_t** tables, const SurfaceGrid& grid,
     const Scratch<float> inner =
         allocate<float>(ZERKLSC_CHANNELS * static_cast<uint64_t>(grid.inner_count()));
     System system = make_system(raster, flat);
-    if (inner == nullptr)
-        return Fit::refused;
-    const Fit fit = invert(system.normal, grid);
+    const Fit fit = solve_inner(system, grid, inner.get());
     if (fit != Fit::done)
         return fit;
-    solve(system, grid, inner.get());
     for (int k = 0; k < ZERKLSC_CHANNELS; ++k)
         store_table(grid, inner.get() + k * grid.inner_count(), tables[k]);
     return Fit::done;
@@ -101,13 +108,8 @@ Fit try_fit(const SurfaceGrid& grid, int32_t plane_w, int32_t plane_h, const lsc
     const Scratch<float> inner =
         allocate<float>(ZERKLSC_CHANNELS * static_cast<uint64_t>(grid.inner_count()));
     System system = unity_system({grid, param.grid, columns, rows});
-    if (inner == nullptr)
-        return Fit::refused;
-    const Fit fit = invert(system.normal, grid);
-    if (fit != Fit::done)
-        return fit;
-    solve(system, grid, inner.get());
-    return has_unity_gains(grid, inner.get()) ? Fit::done : Fit::rounded;
+    const Fit fit = solve_inner(system, grid, inner.get());
+    return fit == Fit::done && !has_unity_gains(grid, inner.get()) ? Fit::rounded : fit;
 }
 
 } // namespace zerklsc
