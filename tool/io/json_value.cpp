@@ -104,6 +104,26 @@ std::string JsonValue::text() const {
     return out;
 }
 
+std::string JsonValue::line() const {
+    std::string out;
+    write_line(out);
+    return out;
+}
+
+void JsonValue::write_line(std::string& out) const {
+    out += plain_;
+    if (kind_ == Kind::plain)
+        return;
+    out += kind_ == Kind::object ? '{' : '[';
+    for (size_t i = 0; i < parts_.size(); ++i) {
+        out += i == 0 ? "" : ",";
+        if (kind_ == Kind::object)
+            out += names_[i] + ':';
+        parts_[i].write_line(out);
+    }
+    out += kind_ == Kind::object ? '}' : ']';
+}
+
 void JsonValue::write(std::string& out, const std::string& line_start) const {
     if (kind_ == Kind::plain) {
         out += plain_;

@@ -39,11 +39,14 @@ class JsonValue {
 
     // Objects and arrays of them take a line for each part; an array of plain values stands in one line.
     std::string text() const;
+    // All in one line, without spaces.
+    std::string line() const;
 
   private:
     enum class Kind { plain, object, array };
     JsonValue(Kind kind, std::string plain) : kind_(kind), plain_(std::move(plain)) {}
     void write(std::string& out, const std::string& line_start) const;
+    void write_line(std::string& out) const;
 
     Kind kind_;
     std::string plain_;              // a number, word or quoted text as it is written

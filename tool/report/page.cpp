@@ -1,6 +1,7 @@
 // encode_page
 #include "report/page.h"
 
+#include "io/base64.h"
 #include "io/json_value.h"
 #include "preview/png.h"
 #include "preview/sheet.h"
@@ -9,24 +10,8 @@
 namespace zerklsc::tool {
 namespace {
 
-// RFC 4648.
-std::string base64(const std::string& bytes) {
-    constexpr const char* digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string text;
-    for (size_t i = 0; i < bytes.size(); i += 3) {
-        const auto at = [&](size_t k) {
-            return k < bytes.size() ? uint32_t{static_cast<uint8_t>(bytes[k])} : 0U;
-        };
-        const uint32_t bits = at(i) << 16 | at(i + 1) << 8 | at(i + 2);
-        for (int shift = 18; shift >= 0; shift -= 6)
-            text += digits[bits >> shift & 63];
-    }
-    const size_t padding = (3 - bytes.size() % 3) % 3;
-    return text.replace(text.size() - padding, padding, padding, '=');
-}
-
 std::string data_uri(const Canvas& canvas) {
-    return "data:image/png;base64," + base64(encode_png(canvas));
+    return "data:image/png;base64," + base64_of(encode_png(canvas));
 }
 
 JsonValue maps_of(const std::vector<PanelRow>& rows) {

@@ -1,0 +1,111 @@
+// A module's line, as it is written down in docs/scale.md.
+#include "line/result_line.h"
+
+#include <gtest/gtest.h>
+
+#include "failure.h"
+
+namespace zerklsc::tool {
+namespace {
+
+ResultLine full_result() {
+    ResultLine result;
+    result.serial = "A\"17";
+    result.preset = "main.toml";
+    result.settings = "0123456789abcdef";
+    result.verdict = ModuleVerdict::warn;
+    result.reason = "a.raw: dust";
+    result.inputs = {{"flats/a.raw", "aa"}, {"flats/b.raw", ""}};
+    result.outputs = {{"A17.json", "bb"}};
+    result.frame = {640, 482, 12, BayerPattern::gbrg, {64, 65, 66, 67}};
+    result.grid = {4, 32, 3, 2};
+    result.checks = {{"exposure", "Gr", 0.1, Verdict::pass}, {"dust", "", std::nullopt, Verdict::refuse}};
+    result.numbers.flatness = {0.5, 0.25, 0.125, 1e-7};
+    result.numbers.otp_bytes = 2475;
+    result.numbers.otp_loss = 0.0078;
+    result.optical_centre = {{{0.5, 0.25}, {0.51, 0.52}, {0.1, 1}, {0, 0.3}}};
+    result.gains = {{{1024, 1025, 1279, 1280, 0, 65535},
+                     {1, 2, 3, 4, 5, 6},
+                     {7, 8, 9, 10, 11, 12},
+                     {13, 14, 15, 16, 17, 18}}};
+    result.tool = "1.2.3";
+    return result;
+}
+
+// The base64 text was made by another program.
+constexpr std::string_view full_text =
+    R"({"format":"zerklsc-result","version":1,"serial":"A\"17","preset":"main.toml","illuminant":null,)"
+    R"("settings":"0123456789abcdef","verdict":"warn","reason":"a.raw: dust",)"
+    R"("inputs":[{"file":"flats/a.raw","sha256":"aa"},{"file":"flats/b.raw","sha256":null}],)"
+    R"("outputs":[{"file":"A17.json","sha256":"bb"}],)"
+    R"("frame":{"width":640,"height":482,"bits":12,"pattern":"GBRG","black_level":[64,65,66,67]},)"
+    R"("grid":{"algorithm":4,"step":32,"width":3,"height":2},)"
+    R"("checks":[{"name":"exposure","plane":"Gr","value":0.1,"verdict":"pass"},)"
+    R"({"name":"dust","plane":null,"value":null,"verdict":"refuse"}],)"
+    R"("numbers":{"flatness":{"R":0.5,"Gr":0.25,"Gb":0.125,"B":1e-07},"corner":null,)"
+    R"("predicted_flatness":null,"otp_bytes":2475,"otp_loss":0.0078},)"
+    R"("optical_centre":{"R":[0.5,0.25],"Gr":[0.51,0.52],"Gb":[0.1,1],"B":[0,0.3]},)"
+    R"("gains":{"R":"AAQBBP8EAAUAAP//","Gr":"AQACAAMABAAFAAYA","Gb":"BwAIAAkACgALAAwA",)"
+    R"("B":"DQAOAA8AEAARABIA"},"tool":"1.2.3"})";
+
+// The text with the first `from` replaced.
+std::string changed(const std::string& from, const std::string& to) {
+    std::string text(full_text);
+    return text.replace(text.find(from), from.size(), to);
+}
+
+TEST(ResultLine, IsWrittenAsDocumented) {
+    EXPECT_EQ(text_of(full_result()), full_text);
+}
+
+TEST(ResultLine, IsReadAsItIsWritten) {
+    const ResultLine read = result_line_of(full_text, "x:1");
+    EXPECT_EQ(read.serial, "A\"17");
+    EXPECT_EQ(read.illuminant, std::nullopt);
+    EXPECT_EQ(read.verdict, ModuleVerdict::warn);
+    EXPECT_EQ(read.frame->pattern, BayerPattern::gbrg);
+    EXPECT_EQ(read.checks[1].verdict, Verdict::refuse);
+    EXPECT_EQ(read.numbers.corner, std::nullopt);
+    EXPECT_EQ((*read.gains)[0], (std::vector<uint16_t>{1024, 1025, 1279, 1280, 0, 65535}));
+    EXPECT_EQ(text_of(read), full_text);
+}
+
+TEST(ResultLine, OfAModuleThatCouldNotBeReadHasNulls) {
+    ResultLine result;
+    result.serial = "B2";
+    result.reason = "b.raw: no such file";
+    result.tool = "1.2.3";
+    const std::string text = text_of(result);
+    EXPECT_NE(text.find(R"("frame":null,"grid":null,"checks":[],"numbers":{"flatness":null)"),
+              std::string::npos);
+    EXPECT_NE(text.find(R"("optical_centre":null,"gains":null,"tool":"1.2.3"})"), std::string::npos);
+    EXPECT_EQ(text_of(result_line_of(text, "x:1")), text);
+}
+
+TEST(ResultLine, RefusesWhatIsTornOrWrong) {
+    for (size_t length = 0; length < full_text.size(); ++length)
+        EXPECT_THROW(result_line_of(full_text.substr(0, length), "x:1"), Failure) << length;
+    const std::pair<const char*, const char*> faults[] = {
+        {"zerklsc-result", "zerklsc-tables"},
+        {"\"version\":1", "\"version\":2"},
+        {"\"serial\"", "\"cereal\""},
+        {"\"serial\":\"A\\\"17\"", "\"serial\":17"},
+        {"\"verdict\":\"warn\"", "\"verdict\":\"ward\""},
+        {"\"width\":640", "\"width\":640.5"},
+        {"\"width\":640", "\"width\":18446744073709551615"},
+        {"\"step\":32", "\"step\":256"},
+        {"[64,65,66,67]", "[64,65,66]"},
+        {"\"Gr\":0.25,", ""},
+        {"\"width\":3", "\"width\":4"}, // one gain in six too few
+        {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAP/="},
+        {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAP/ "},
+        {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAA=="},
+        {"[0.5,0.25]", "[0.5]"},
+    };
+    for (const auto& [from, to] : faults)
+        EXPECT_THROW(result_line_of(changed(from, to), "x:1"), Failure) << to;
+    EXPECT_NO_THROW(result_line_of(changed("\"serial\"", "\"later\":1,\"serial\""), "x:1"));
+}
+
+} // namespace
+} // namespace zerklsc::tool
