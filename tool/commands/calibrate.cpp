@@ -1,4 +1,5 @@
 // zerklsc calibrate: gain tables from a flat field
+#include <algorithm>
 #include <memory>
 
 #include <fmt/format.h>
@@ -12,7 +13,10 @@
 #include "failure.h"
 #include "imaging/exposure.h"
 #include "imaging/prediction.h"
+#include "imaging/relative_gains.h"
 #include "io/file_identity.h"
+#include "io/input_file.h"
+#include "io/input_record.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
@@ -28,7 +32,7 @@ struct Options {
     std::string algorithm = usual_algorithm;
     double clip_limit = usual_clip_limit;
     FlatCheckOptions check;
-    std::string output, text;
+    std::string output, text, golden;
 };
 
 // How flat the ISP's correction leaves captures, the worst channel of the worst of them.
@@ -141,6 +145,26 @@ void report_prediction(Report& report, const std::string& name, const GainTables
             name, algorithm_name(tables.algorithm), percent(worst), 100 * flat_enough));
 }
 
+// The ratios to the golden tables.
+GainTables relative_tables(Report& report, const std::string& name, const GainTables& tables,
+                           const std::string& golden) {
+    GainTables relative = relative_gains(tables, name, read_whole_gains(golden), input_name(golden));
+    relative.relative_to = input_record("golden tables", golden);
+    uint16_t smallest = ZERKLSC_HIGHEST_GAIN, largest = 0;
+    for (const auto& ratios : relative.gains) {
+        smallest = std::min(smallest, *std::ranges::min_element(ratios));
+        largest = std::max(largest, *std::ranges::max_element(ratios));
+    }
+    const auto factor = [](uint16_t ratio) { return ratio / double{ZERKLSC_UNITY_GAIN}; };
+    report.print(fmt::format("gains relative to {}: {:.3f} to {:.3f} of its own\n", input_name(golden),
+                             factor(smallest), factor(largest)));
+    report.add("relative_to", JsonValue::object({{"name", relative.relative_to->name},
+                                                 {"sha256", relative.relative_to->sha256},
+                                                 {"smallest_ratio", rounded(factor(smallest))},
+                                                 {"largest_ratio", rounded(factor(largest))}}));
+    return relative;
+}
+
 void write_tables(const Options& options, const GainTables& tables) {
     OutputSet outputs;
     outputs.add(options.output, encode_tables_for(options.output, tables));
@@ -150,7 +174,9 @@ void write_tables(const Options& options, const GainTables& tables) {
 }
 
 void run(const Options& options, Report& report) {
-    keep_files_apart(options.captures.paths(), {options.output, options.text});
+    std::vector<std::string> inputs = options.captures.paths();
+    inputs.push_back(options.golden);
+    keep_files_apart(inputs, {options.output, options.text});
     const FlatCaptures flats = read_flat_captures(options.captures, report);
     const RawFrame& frame = flats.average();
     CalibrationSettings settings = with_step(options.settings, frame);
@@ -177,7 +203,9 @@ void run(const Options& options, Report& report) {
     } catch (const Failure& failure) {
         warn(failure.what());
     }
-    write_tables(options, tables);
+    write_tables(options, options.golden.empty()
+                              ? tables
+                              : relative_tables(report, frame.name, tables, options.golden));
 }
 
 } // namespace
@@ -192,6 +220,10 @@ void add_calibrate(Command app) {
         .required()
         .takes("FILE");
     command.option("--text", options->text, "also write the four tables as plain text, in plane order")
+        .takes("FILE");
+    command
+        .option("--relative-to", options->golden,
+                "write each gain as its ratio to that of this table file, as of a lot's golden module")
         .takes("FILE");
     add_algorithm_option(command, options->algorithm);
     add_grid_options(command, options->settings);

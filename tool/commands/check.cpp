@@ -88,7 +88,7 @@ void check_others(const Options& options, const Judgement& judgement) {
         check_turned(judgement, {turned.frame, turned.analysis});
     }
     if (!options.reference.empty())
-        check_reference(judgement, read_table_json(options.reference));
+        check_reference(judgement, read_whole_gains(options.reference));
 }
 
 void refuse(const std::string& name, const Findings& findings) {

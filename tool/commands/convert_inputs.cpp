@@ -170,7 +170,7 @@ GainTables read_own(const ConvertInputs& inputs, const std::string& path, const 
         return read_text(inputs, path, raw);
     if (inputs.step != 0 || !inputs.size.empty())
         usage_failure("{}: a table file has its step and size: zerklsc resample gives it others", path);
-    return read_table_json(path);
+    return read_whole_gains(path);
 }
 
 } // namespace

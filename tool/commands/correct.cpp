@@ -39,7 +39,7 @@ void bring_to_10_bits(RawFrame& frame, bool scale) {
 
 void run(const Options& options, Report& report) {
     keep_files_apart({options.raw.path, options.tables}, {options.output});
-    const GainTables tables = read_table_json(options.tables);
+    const GainTables tables = read_whole_gains(options.tables);
     const Isp isp = isp_of_option(options.isp, tables);
     RawFrame frame = read_raw_for(options.raw, tables, input_name(options.tables));
     bring_to_10_bits(frame, options.scale);

@@ -83,7 +83,7 @@ void run(const Options& options, Report& report) {
         usage_failure("{}: a report is written as HTML: give a name that ends in .html", options.output);
     keep_files_apart({options.raw.path, options.tables}, {options.output});
     const std::string tables_name = input_name(options.tables);
-    const GainTables tables = read_table_json(options.tables);
+    const GainTables tables = read_whole_gains(options.tables);
     const Isp isp = isp_of_option(options.isp, tables);
     const RawFrame frame = read_raw_for(options.raw, tables, tables_name);
     const Progress progress("writing " + output_name(options.output));

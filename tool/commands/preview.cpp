@@ -90,7 +90,7 @@ void finish(Report& report, Sheet& sheet, bool clipped) {
 }
 
 Sheet make_sheet(const Options& options, Report& report) {
-    const GainTables tables = options.tables.empty() ? GainTables() : read_table_json(options.tables);
+    const GainTables tables = options.tables.empty() ? GainTables() : read_whole_gains(options.tables);
     const RawFrame frame = options.tables.empty()
                                ? read_raw(options.raw, UnknownBlack::take_0)
                                : read_raw_for(options.raw, tables, input_name(options.tables));

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,8 @@ struct GainTables {
     int table_width = 0;            // border included
     int table_height = 0;
     std::array<std::vector<uint16_t>, 4> gains; // by plane number, row by row, 1024 = gain 1.0
+    // The tables that these are to be multiplied by: then 1024 is their gain, not 1.0.
+    std::optional<TableInput> relative_to;
 
     int plane_width() const { return raw_width / 2; }
     int plane_height() const { return raw_height / 2; }

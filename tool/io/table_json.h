@@ -19,4 +19,7 @@ std::string encode_tables_for(const std::string& path, const GainTables& tables)
 // Reads a table file of this version or an earlier one; a data failure says which field is missing or wrong.
 GainTables read_table_json(const std::string& path);
 
+// The same where the gains are to be applied: a data failure for tables that are relative to others.
+GainTables read_whole_gains(const std::string& path);
+
 } // namespace zerklsc::tool

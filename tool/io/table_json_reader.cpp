@@ -1,4 +1,4 @@
-// read_table_json
+// read_table_json, read_whole_gains
 #include "io/table_json.h"
 
 #include <cmath>
@@ -177,6 +177,11 @@ void read_provenance(const Reader& reader, GainTables& tables) {
     read_parameters(parameters, tables);
     tables.average = parameters.text("average");
     tables.inputs = read_inputs(reader);
+    if (reader.has("relative_to")) {
+        const Reader golden(reader.path(), reader.field("relative_to"));
+        tables.relative_to = {
+            golden.text("role"), golden.text("name"), golden.text_or_null("sha256"), {}, {}};
+    }
 }
 
 GainTables read_header(const Reader& reader) {
@@ -237,6 +242,14 @@ GainTables read_table_json(const std::string& path) {
         entry.integer("plane", static_cast<int>(i), static_cast<int>(i));
         read_gains(name, entry.field("gains"), tables, i);
     }
+    return tables;
+}
+
+GainTables read_whole_gains(const std::string& path) {
+    GainTables tables = read_table_json(path);
+    if (tables.relative_to)
+        data_failure("{}: holds ratios to the gains of {}: expected gains that are applied as they are",
+                     input_name(path), tables.relative_to->name);
     return tables;
 }
 

@@ -47,16 +47,20 @@ JsonValue inputs_of(const GainTables& tables) {
 
 // What stands before the gains.
 JsonValue head_of(const GainTables& tables) {
-    return JsonValue::object({{"format", table_format_name},
-                              {"version", table_format_version},
-                              {"raw_size", JsonValue::array({tables.raw_width, tables.raw_height})},
-                              {"plane_size", JsonValue::array({tables.plane_width(), tables.plane_height()})},
-                              {"step", tables.step},
-                              {"table_size", JsonValue::array({tables.table_width, tables.table_height})},
-                              {"bayer_pattern", name_of(tables.pattern)},
-                              {"black_level", JsonValue::list(tables.black)},
-                              {"bit_depth", tables.bits},
-                              {"parameters", parameters_of(tables)}});
+    JsonValue head =
+        JsonValue::object({{"format", table_format_name},
+                           {"version", table_format_version},
+                           {"raw_size", JsonValue::array({tables.raw_width, tables.raw_height})},
+                           {"plane_size", JsonValue::array({tables.plane_width(), tables.plane_height()})},
+                           {"step", tables.step},
+                           {"table_size", JsonValue::array({tables.table_width, tables.table_height})},
+                           {"bayer_pattern", name_of(tables.pattern)},
+                           {"black_level", JsonValue::list(tables.black)},
+                           {"bit_depth", tables.bits},
+                           {"parameters", parameters_of(tables)}});
+    if (tables.relative_to)
+        head.add("relative_to", json_of(*tables.relative_to));
+    return head;
 }
 
 } // namespace
