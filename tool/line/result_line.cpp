@@ -42,8 +42,12 @@ JsonValue value_of(const ResultFrame& frame) {
 }
 
 JsonValue value_of(const ResultGrid& grid) {
-    return JsonValue::object(
-        {{"algorithm", grid.algorithm}, {"step", grid.step}, {"width", grid.width}, {"height", grid.height}});
+    return JsonValue::object({{"algorithm", grid.algorithm},
+                              {"step", grid.step},
+                              {"width", grid.width},
+                              {"height", grid.height},
+                              {"filter_radius", grid.filter_radius},
+                              {"shading_percent", grid.shading_percent}});
 }
 
 template <class T>

@@ -45,6 +45,7 @@ struct ResultGrid {
     int algorithm = 0; // ZERKLSC_ALGORITHM_...
     int step = 0;
     int width = 0, height = 0; // nodes of a table, its border of one node included
+    int filter_radius = 0, shading_percent = 100;
 
     size_t nodes() const { return static_cast<size_t>(width) * static_cast<size_t>(height); }
 };

@@ -127,8 +127,9 @@ ResultFrame frame_of(const Reader& reader) {
 }
 
 ResultGrid grid_of(const Reader& reader) {
-    return {reader.integer("algorithm", 0, 4), reader.integer("step", 1, 255),
-            reader.integer("width", 1, largest_side), reader.integer("height", 1, largest_side)};
+    return {reader.integer("algorithm", 0, 4),         reader.integer("step", 1, 255),
+            reader.integer("width", 1, largest_side),  reader.integer("height", 1, largest_side),
+            reader.integer("filter_radius", 0, 65535), reader.integer("shading_percent", 0, 65535)};
 }
 
 std::vector<ResultCheck> checks_of(const Reader& reader) {

@@ -18,7 +18,7 @@ ResultLine full_result() {
     result.inputs = {{"flats/a.raw", "aa"}, {"flats/b.raw", ""}};
     result.outputs = {{"A17.json", "bb"}};
     result.frame = {640, 482, 12, BayerPattern::gbrg, {64, 65, 66, 67}};
-    result.grid = {4, 32, 3, 2};
+    result.grid = {4, 32, 3, 2, 7, 90};
     result.checks = {{"exposure", "Gr", 0.1, Verdict::pass}, {"dust", "", std::nullopt, Verdict::refuse}};
     result.numbers.flatness = {0.5, 0.25, 0.125, 1e-7};
     result.numbers.otp_bytes = 2475;
@@ -39,7 +39,7 @@ constexpr std::string_view full_text =
     R"("inputs":[{"file":"flats/a.raw","sha256":"aa"},{"file":"flats/b.raw","sha256":null}],)"
     R"("outputs":[{"file":"A17.json","sha256":"bb"}],)"
     R"("frame":{"width":640,"height":482,"bits":12,"pattern":"GBRG","black_level":[64,65,66,67]},)"
-    R"("grid":{"algorithm":4,"step":32,"width":3,"height":2},)"
+    R"("grid":{"algorithm":4,"step":32,"width":3,"height":2,"filter_radius":7,"shading_percent":90},)"
     R"("checks":[{"name":"exposure","plane":"Gr","value":0.1,"verdict":"pass"},)"
     R"({"name":"dust","plane":null,"value":null,"verdict":"refuse"}],)"
     R"("numbers":{"flatness":{"R":0.5,"Gr":0.25,"Gb":0.125,"B":1e-07},"corner":null,)"
