@@ -191,10 +191,10 @@ typedef struct lsc2d_info {
     uint16_t grid;
     /**
      * How much is corrected, in percent. 100 corrects all; below that it depends on the algorithm. With 0 it
-     * is the share of the lens's fall-off that is taken away: 0 leaves the picture as it is. With 2 .. 4 it
-     * is the share of the gain that is kept at the corners: 0 gives gains of 0 there, with status 0. With 1
-     * it acts twice, in the generator's target and as the share of the gain. Gains below 1.0 that come of
-     * this are in the tables, but the corrections take them as 1.0.
+     * is the share of the lens's fall-off that is taken away: 0 leaves the corners about as they are. With 2
+     * .. 4 it is the share of the gain that is kept at the corners: 0 gives gains of 0 there, with status 0.
+     * With 1 it acts twice, in the generator's target and as the share of the gain. Gains below 1.0 that come
+     * of this are in the tables, but the corrections take them as 1.0.
      */
     int32_t shading_percent;
     int32_t filter_radius; /**< radius of the averaging window in plane samples; only calibration reads it */
@@ -380,8 +380,8 @@ ZERKLSC_API void lsc2d_grid_samples(int32_t width, int32_t height, int32_t step_
  *
  * @param width    plane width in samples, half that of the raw frame
  * @param height   plane height in samples, half that of the raw frame
- * @param step_x   node spacing in plane samples, above 0 (0 gives 2 entries per row)
- * @param step_y   node spacing in plane samples, above 0 (0 gives 2 rows)
+ * @param step_x   node spacing in plane samples, above 0 (0 gives 0 entries per row)
+ * @param step_y   node spacing in plane samples, above 0 (0 gives 0 rows)
  * @param table_w  written; entries per row
  * @param table_h  written; rows
  */
@@ -569,7 +569,9 @@ ZERKLSC_API int32_t img_filter(const uint16_t* src, uint16_t* dst, int32_t s1, i
  * (init_center_points()) over the level of each node (img_sample_grid(), a mirrored box). A level below 1
  * counts as 1. There is no upper limit, no border and no fixed point.
  *
- * Each successful call leaves out_w * out_h * 4 bytes of heap allocated.
+ * Each successful call leaves out_w * out_h * 4 bytes of heap allocated. Memory besides, for a radius of r:
+ * at most 2 * width + 20 * (r + 1) + 64; where windows are so large that they share the sums of whole rows,
+ * 40 for each node or point of the cluster, whichever are more, and 4 * (width + 1) more.
  *
  * @param plane   width x height samples, row by row
  * @param gains   written; out_w x out_h gains, row by row, 1.0 = no correction

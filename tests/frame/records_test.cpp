@@ -77,6 +77,9 @@ TEST(Records, ConversionLeavesTheFieldsThatAreTheCallers) {
     EXPECT_EQ(param.blc[3], 0xC3);
     EXPECT_EQ(param.isp_algorithm, static_cast<int32_t>(0xC3C3C3C3));
     EXPECT_EQ(param.bayer_pattern, 0xC3);
+    isp_param_tag same;
+    std::memset(&same, 0xC3, sizeof same);
+    EXPECT_EQ(std::memcmp(&param.corner_ratio, &same.corner_ratio, sizeof same.corner_ratio), 0);
 }
 
 TEST(Records, WayBackTakesTheAlgorithmFromTheIspRecord) {

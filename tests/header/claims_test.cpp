@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "header/lens.h"
@@ -79,6 +81,9 @@ TEST(HeaderClaims, ThePercentageMeansThreeThings) {
     EXPECT_EQ(corner_gain(1, 0), 0);
     // Of the fall-off from 1 to 0.6, 80 % leave 0.92.
     EXPECT_NEAR(corner_gain(0, 80), 0.92 * 1706, 30);
+    // 0 leaves it, but for the blocks that the fall-off is measured on, which are brighter than the corner
+    // itself.
+    EXPECT_NEAR(corner_gain(0, 0), 1024, 150);
 }
 
 TEST(HeaderClaims, CorrectionReadsNoMoreOfTheRecordThanItSays) {
@@ -109,38 +114,6 @@ TEST(HeaderClaims, AProductAbove16BitsComesOutAsWhatIsLeft) {
     EXPECT_EQ(out[5], 12);
 }
 
-TEST(HeaderClaims, ADestinationStepOfOneLosesTheLastColumnAndRow) {
-    std::vector<uint16_t> source(7 * 6), fine(16 * 12, 999);
-    for (size_t i = 0; i < source.size(); ++i)
-        source[i] = static_cast<uint16_t>(1024 + 37 * (i % 7) + 11 * (i / 7));
-    const lsc2d_grid from{source.data(), 4, 4, 5, 4}, to{fine.data(), 1, 1, 14, 10};
-    ASSERT_EQ(lsc2d_grid_convert(&from, &to, 13, 9), 0);
-    EXPECT_EQ(fine[16 + 1], 1024 + 37 + 11); // the first inner node
-    for (size_t row = 1; row < 11; ++row) {
-        const uint16_t last = fine[row * 16 + 14];
-        EXPECT_TRUE(last == 0 || last == 16383) << last;
-    }
-}
-
-TEST(HeaderClaims, ACropOrADestinationWithoutExtentGivesAConstantDirection) {
-    std::vector<uint16_t> source(7 * 6), table(8 * 7);
-    for (size_t i = 0; i < source.size(); ++i)
-        source[i] = static_cast<uint16_t>(1024 + 37 * (i % 7) + 11 * (i / 7));
-    const lsc2d_table_desc from{16, 12, 4, 4, 7, 6, source.data()};
-    struct {
-        lsc2d_crop crop;
-        uint16_t width;
-    } const cases[] = {{{4, 2, 0, 8}, 20}, {{4, 2, 9, 8}, 0}};
-    for (const auto& c : cases) {
-        const lsc2d_table_desc to{c.width, 16, 4, 4, 8, 7, table.data()};
-        ASSERT_EQ(lsc2d_table_mapping(&from, &to, &c.crop), 0);
-        for (size_t row = 0; row < 7; ++row)
-            for (size_t column = 0; column < 8; ++column)
-                EXPECT_EQ(table[row * 8 + column], table[row * 8]) << row << ' ' << column;
-        EXPECT_EQ(table[8 + 1], 1024 + 37 * 2 + 11 + 5 + 1); // (4, 2): between rows 0 and 1, 5.5 up
-    }
-}
-
 TEST(HeaderClaims, APlaneWithoutACentreClusterStillHasAListToRelease) {
     pix_point* points = nullptr;
     int32_t count = -1;
@@ -150,22 +123,6 @@ TEST(HeaderClaims, APlaneWithoutACentreClusterStillHasAListToRelease) {
     EXPECT_NE(points, nullptr);
     release_center_points(points);
     EXPECT_TRUE(scope.leftovers().empty());
-}
-
-TEST(HeaderClaims, AStreamMayStandAtAnyAddress) {
-    std::vector<uint16_t> tables[4];
-    std::vector<uint8_t> memory(1 + 3 * 9);
-    lsc_otp_info info{2, 5, 5, {}, memory.data() + 1, 0};
-    for (int c = 0; c < 4; ++c) {
-        tables[c].assign(25, 1024);
-        info.lsc_table[c] = tables[c].data();
-    }
-    ASSERT_EQ(lsc_compress(&info), 0);
-    for (std::vector<uint16_t>& table : tables)
-        std::fill(table.begin(), table.end(), uint16_t{0});
-    ASSERT_EQ(lsc_decompress(&info), 0);
-    for (const std::vector<uint16_t>& table : tables)
-        EXPECT_EQ(table, std::vector<uint16_t>(25, 1024));
 }
 
 TEST(HeaderClaims, TheGeneratorsPrintALineForEverySampleAbove1023) {
@@ -181,6 +138,91 @@ TEST(HeaderClaims, TheGeneratorsPrintALineForEverySampleAbove1023) {
               "Warning:R channel data of raw image maybe wrong \n"
               "Warning:Gb channel data of raw image maybe wrong \n");
 }
+
+TEST(HeaderClaims, SampledMethodsTakeAnyDepthAndNoneTakesTheBlackLevelOff) {
+    const std::vector<uint16_t> flat = lens_frame(512, 384, 800);
+    AllocationScope leftovers_are_meant;
+    for (const int algorithm : {0, 1, 2, 3, 4}) {
+        const auto tables_of = [&](const auto& change) {
+            std::vector<uint16_t> frame = flat;
+            for (uint16_t& sample : frame)
+                sample = static_cast<uint16_t>(change(sample));
+            Shading shading(512, 384, 32, algorithm);
+            EXPECT_EQ(lsc2d_calibration_wrapper(frame.data(), &shading.info), 0);
+            return shading;
+        };
+        const Shading clean = tables_of([](int sample) { return sample; });
+        const Shading pedestal = tables_of([](int sample) { return sample + 64; });
+        EXPECT_NEAR(pedestal.gain(0, 0), 1024.0 * (800 + 64) / (480 + 64), 50) << algorithm;
+        EXPECT_GT(clean.gain(0, 0), pedestal.gain(0, 0) + 60) << algorithm;
+        if (algorithm < 2)
+            continue;
+        const Shading deep = tables_of([](int sample) { return 64 * sample; });
+        for (size_t i = 0; i < clean.tables[2].size(); ++i) // the surface fit rounds the levels of its points
+            EXPECT_NEAR(deep.tables[2][i], clean.tables[2][i], algorithm == 3 ? 8 : 0) << algorithm;
+    }
+}
+
+TEST(HeaderClaims, MethodsOfTheGeneratorsAssumePatternZero) {
+    std::vector<uint16_t> frame = lens_frame(512, 384, 500);
+    for (size_t i = 0; i < frame.size(); ++i) // Gb of pattern 0, plane 3, is far from the others
+        if (i % 2 == 1 && i / 512 % 2 == 1)
+            frame[i] = static_cast<uint16_t>(frame[i] / 4);
+    const auto front_end = [&](uint8_t pattern) {
+        Shading shading(512, 384, 32, ZERKLSC_ALGORITHM_HALVANE);
+        uint32_t calib[8] = {32, 0, 4, 0, 0, 0, 0, 60};
+        EXPECT_EQ(
+            lsc2d_calibration_halvane(frame.data(), 512, 384, shading.info.lsc_table, 0, 0, pattern, calib),
+            0);
+        return shading.tables[0];
+    };
+    Shading shading(512, 384, 32, ZERKLSC_ALGORITHM_HALVANE);
+    shading.info.shading_percent = 60;
+    EXPECT_EQ(lsc2d_calibration_wrapper(frame.data(), &shading.info), 0);
+    EXPECT_EQ(shading.tables[0], front_end(0)); // and method 0 leaves them so
+    EXPECT_NE(shading.tables[0], front_end(1));
+}
+
+TEST(HeaderClaims, AConstantPlaneGivesItsLevelOrTheNumberBesideIt) {
+    int beside = 0;
+    for (const int level : {1, 3, 700, 1023, 65535})
+        for (int radius = 0; radius <= 40; ++radius) {
+            const std::vector<uint16_t> plane(82 * 82, static_cast<uint16_t>(level));
+            const imfilter_t box{ZERKLSC_FILTER_BOX, radius, ZERKLSC_BOUNDARY_CLAMP, nullptr};
+            const float exact = static_cast<float>(level);
+            float sample = 0;
+            ASSERT_EQ(img_sample_grid(plane.data(), &sample, 82, 82, 8, 8, 1, 1, &box), 0);
+            EXPECT_TRUE(sample == exact || sample == std::nextafter(exact, 0.0f)
+                        || sample == std::nextafter(exact, 1e9f))
+                << level << ' ' << radius;
+            beside += sample != exact;
+        }
+    EXPECT_GT(beside, 0);
+}
+
+TEST(HeaderClaims, WhatIsSaidNotToBeReadIsNotRead) {
+    std::vector<uint16_t> flat = lens_frame(160, 120, 700);
+    Shading plain(160, 120, 16, 2), other(160, 120, 16, 2);
+    AllocationScope leftovers_are_meant;
+    lsc2d_calib_param param;
+    lsc2d_calib_param_default(&param, 16, 3, 100);
+    EXPECT_EQ(lsc2d_calibration_orvel(flat.data(), 160, 120, plain.info.lsc_table, plain.table_w,
+                                      plain.table_h, &param),
+              0);
+    param.shading_type = 77, param.shading_percent = 5;
+    EXPECT_EQ(lsc2d_calibration_orvel(flat.data(), 160, 120, other.info.lsc_table, plain.table_w,
+                                      plain.table_h, &param),
+              0);
+    for (const int reserved : {0, -1}) {
+        const shading_t model{ZERKLSC_SHADING_LINEAR, 80, reserved};
+        apply_shading_table((reserved ? other : plain).tables[1].data(), 80, 60, 16, 16, 7, 6, &model);
+    }
+    for (size_t c = 0; c < 4; ++c)
+        EXPECT_EQ(plain.tables[c], other.tables[c]) << c;
+}
+
+// A table that rises as steeply as the stream can say, from gain 1.0 in the middle to the highest at both
+// ends.
 
 } // namespace
 } // namespace zerklsc::testing

@@ -1,6 +1,7 @@
 #!/bin/sh
 # readme.sh SOURCES BUILD WORK: the README's C example, built and run by the README's own lines, as printed; then again
-# from a moved copy of what they installed. Every link of an installed page leads to an installed file.
+# from a moved copy of what they installed. Every link of an installed page leads to an installed file, and all that tells
+# a version tells that of the header.
 set -eu
 sources=$1 build=$2 work=$3
 
@@ -35,3 +36,7 @@ find moved -name '*.md' | while read -r page; do
         [ -e "$(dirname "$page")/$link" ] || { echo "$page: $link leads nowhere" && exit 1; }
     done || exit 1
 done
+
+version=$(sed -n 's/.*define ZERKLSC_VERSION_[A-Z]* \([0-9]*\).*/\1/p' moved/include/zerklsc.h | paste -sd.)
+[ "$(PKG_CONFIG_PATH=moved/lib/pkgconfig pkg-config --modversion zerklsc)" = "$version" ]
+grep -q "set(PACKAGE_VERSION \"$version\")" moved/lib/cmake/zerklsc/zerklsc-config-version.cmake

@@ -16,8 +16,8 @@ int32_t position(int32_t size, int32_t half, int32_t step, int32_t k) {
 TEST(CentrePoints, SpanATenthOfThePlaneToEachSide) {
     const struct {
         int32_t width, height, step, nx, ny;
-    } cases[] = {{2000, 1500, 11, 18, 13}, {100, 100, 1, 10, 10}, {10, 10, 1, 1, 1}, {10, 9, 1, 1, 0},
-                 {300, 255, 1, 30, 25},    {300, 256, 2, 15, 12}, {0, -5, 1, 0, 0}};
+    } cases[] = {{2000, 1500, 11, 18, 13}, {100, 100, 1, 10, 10}, {10, 10, 1, 1, 1},       {10, 9, 1, 1, 0},
+                 {300, 255, 1, 30, 25},    {300, 256, 2, 15, 12}, {70000, 20, 1, 7000, 2}, {0, -5, 1, 0, 0}};
     for (const auto& c : cases) {
         const AllocationScope scope;
         pix_point* points = nullptr;
@@ -25,7 +25,7 @@ TEST(CentrePoints, SpanATenthOfThePlaneToEachSide) {
         ASSERT_EQ(init_center_points(c.width, c.height, &points, &count), 0);
         ASSERT_EQ(count, 4 * c.nx * c.ny) << c.width;
         for (int32_t k = 0; k < count; ++k) {
-            ASSERT_EQ(points[k].x, position(c.width, c.nx, c.step, k % (2 * c.nx)))
+            ASSERT_EQ(points[k].x, static_cast<int16_t>(position(c.width, c.nx, c.step, k % (2 * c.nx))))
                 << c.width << " point " << k;
             ASSERT_EQ(points[k].y, position(c.height, c.ny, c.step, k / (2 * c.nx)))
                 << c.width << " point " << k;

@@ -15,8 +15,9 @@ TEST(Align, ThenExpandEqualsUpdateTableBorderToTheBit) {
     Random random(21);
     for (int n = 0; n < 600; ++n) {
         const auto any = [&](int low, int high) { return static_cast<int32_t>(random.between(low, high)); };
-        const int32_t grid_w = any(3, 12), grid_h = any(3, 12), width = any(-5, 300), height = any(1, 300);
-        const int32_t step_x = any(1, 40), step_y = any(1, 40), edge = n % 3 + 1, fill = n % 2;
+        const int32_t edge = n % 3 + 1, fill = n % 2, fewest = edge == 1 && fill == 0 ? 2 : 3;
+        const int32_t grid_w = any(fewest, 12), grid_h = any(fewest, 12), width = any(-5, 300);
+        const int32_t height = any(1, 300), step_x = any(1, 40), step_y = any(1, 40);
         const int32_t row = grid_w + 2, room = row + any(0, 3);
         Guarded<float> whole(static_cast<size_t>(row * (grid_h + 2))), packed(whole.size());
         std::vector<float> inner, roomy(static_cast<size_t>(room * (grid_h + 2)));
@@ -49,6 +50,7 @@ TEST(Align, ThenExpandEqualsUpdateTableBorderToTheBit) {
 TEST(Align, ImpossibleGeometryTouchesNothing) {
     EXPECT_EQ(align_table_linear(nullptr, 5, 5, 7, 45, 45, 0, 10), -1);
     EXPECT_EQ(align_table_linear(nullptr, 5, 5, 4, 45, 45, 10, 10), -1);
+    EXPECT_EQ(align_table_linear(nullptr, 5, 1, 7, 45, 45, 10, 10), -1);
     EXPECT_EQ(align_table_linear(nullptr, INT32_MIN, 5, INT32_MIN, 45, 45, 10, 10), -1);
     align_table_cubic_c1(nullptr, 2, 5, 7, 45, 45, 10, 10);
     align_table_cubic_c2(nullptr, 5, 2, 7, 45, 45, 10, 10);

@@ -68,6 +68,16 @@ TEST(Border, CubicQuadraticEdgeSumsDifferentlyAlongRowsAndColumns) {
     EXPECT_EQ(Bordered(20, 20, 10, 10, 2, 1, along_column).at(0, 2), 0x1.1a1174p+1);
 }
 
+TEST(Border, AStepOfOneWithAnEdgeModeDividesByZero) {
+    const auto rising = [](int32_t i, int32_t j) { return 1 + 0.5 * i * i + 0.25 * j * j; };
+    for (const int32_t edge : {1, 2, 3}) {
+        Bordered b(6, 5, 1, 1, edge, 9, rising);
+        for (int32_t j = 0; j < b.grid_h; ++j)
+            EXPECT_FALSE(std::isfinite(b.at(b.grid_w - 1, j))) << edge;
+        EXPECT_EQ(b.at(0, 0), rising(0, 0));
+    }
+}
+
 TEST(Border, UnknownEdgeModesLeaveTheLastNodesAsMeasured) {
     const auto bent = [](int32_t i, int32_t j) { return 1 + i * i * 0.5 + j * 0.25; };
     for (const int32_t edge : {INT32_MIN, -1, 0, 4, 7}) {

@@ -38,6 +38,7 @@ TEST(LoadTable, ReadsWhatScanfReadsAndRepeatsTheLastValueAfterAFailure) {
     std::filesystem::remove(path);
     uint16_t kept = 7;
     EXPECT_EQ(load_table(path.c_str(), &kept, 1), 0);
+    EXPECT_EQ(load_table("/dev/null", nullptr, -1), 0);
     EXPECT_EQ(kept, 7);
 }
 

@@ -46,6 +46,13 @@ TEST_F(Cubic, StepsAndPhasesOutsideTheCellStayInsideTheTablesAndSumsWrap) {
         for (int phase : {0, 1, 64, 127, 128, 129, 255, 256, 1025, 32768, 65535})
             ASSERT_GE(programmed(p, phase, step), 1024) << step << ' ' << phase;
     EXPECT_EQ(programmed(p, 300, 255), 1300);
+    // Above 255, every phase that is further from both ends than the block reaches takes its last row.
+    std::fill(block[0].weights[127], block[0].weights[127] + 3, int16_t{0});
+    block[0].weights[127][2] = 1024;
+    for (int phase : {127, 128, 149, 150})
+        EXPECT_EQ(programmed(p, phase, 300), 1300) << phase;
+    for (int phase : {151, 173})
+        EXPECT_EQ(programmed(p, phase, 300), 1200) << phase;
     // 1025 * 64 keeps 64 in 16 bits, 1024 * 64 keeps 0.
     const int cases[][3] = {
         {77, 0, 1200}, {77, 65, 1200}, {65535, 64, 1300}, {1025, 1, 1300}, {1024, 1, 1200}};
