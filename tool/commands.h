@@ -14,6 +14,7 @@ void add_convert(Command app);
 void add_correct(Command app);
 void add_compare(Command app);
 void add_info(Command app);
+void add_lot(Command app);
 void add_measure(Command app);
 void add_preview(Command app);
 void add_report(Command app);

@@ -40,6 +40,7 @@ void add_commands(Command program) {
     add_correct(program);
     add_compare(program);
     add_info(program);
+    add_lot(program);
     add_measure(program);
     add_preview(program);
     add_report(program);

@@ -1,4 +1,4 @@
-// one_line, say, warn, warnings, be_quiet, Progress
+// one_line, say, warn, remark, warnings, be_quiet, Progress
 #include "terminal.h"
 
 #include <algorithm>
@@ -37,6 +37,10 @@ void warn(const std::string& message) {
     if (std::ranges::find(kept_warnings, message) != kept_warnings.end())
         return;
     kept_warnings.push_back(message);
+    remark(message);
+}
+
+void remark(const std::string& message) {
     if (!quiet)
         say("warning: " + message);
 }

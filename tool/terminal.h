@@ -16,6 +16,9 @@ void say(const std::string& message);
 // often it is found.
 void warn(const std::string& message);
 
+// The same of one line among any number of them: it is not kept.
+void remark(const std::string& message);
+
 // All warnings of this run.
 const std::vector<std::string>& warnings();
 

@@ -30,7 +30,6 @@ double quantile_of(std::vector<float>& values, double fraction) {
 double deviation_from(std::vector<float>& values, double centre) {
     for (float& v : values)
         v = std::abs(v - static_cast<float>(centre));
-    constexpr double normal_deviations_per_mad = 1.482602;
     return normal_deviations_per_mad * median_of(values);
 }
 

@@ -11,6 +11,9 @@ double median_of(std::vector<float>& values);
 // The value below which `fraction` of the values lie. Reorders the values; 0 of none.
 double quantile_of(std::vector<float>& values, double fraction);
 
+// Standard deviations of a normal distribution in its median absolute deviation.
+constexpr double normal_deviations_per_mad = 1.482602;
+
 // The standard deviation that a normal distribution with this median absolute deviation has (F. R. Hampel,
 // "The influence curve and its role in robust estimation", JASA 69, 1974). Reorders the values.
 double deviation_from(std::vector<float>& values, double centre);

@@ -15,6 +15,8 @@ class Report {
     void print(const std::string& lines) { text_ += lines; }
     // A field of the document.
     void add(const char* name, JsonValue value) { document_.add(name, std::move(value)); }
+    // The fields of an object.
+    void append(const JsonValue& fields) { document_.append(fields); }
 
     // The verdict of success is "warn", even where no warning was given.
     void doubt() { doubtful_ = true; }

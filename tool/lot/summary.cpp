@@ -1,0 +1,275 @@
+// LotKind, LotSummary
+#include "lot/summary.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <set>
+
+#include <fmt/format.h>
+
+#include "failure.h"
+#include "lot/four_digits.h"
+
+namespace zerklsc::tool {
+namespace {
+
+auto fields_of(const LotKind& kind) {
+    const ResultGrid& grid = kind.grid;
+    return std::tuple(kind.width, kind.height, kind.bits, kind.pattern, grid.algorithm, grid.step, grid.width,
+                      grid.height, grid.filter_radius, grid.shading_percent);
+}
+
+// The mean of the four nodes at the corners of the frame, border left out.
+int corner_gain(const std::vector<uint16_t>& gains, const ResultGrid& grid) {
+    const auto at = [&](int i, int j) { return int{gains[static_cast<size_t>(j * grid.width + i)]}; };
+    const int right = grid.width - 2, bottom = grid.height - 2;
+    return (at(1, 1) + at(right, 1) + at(1, bottom) + at(right, bottom) + 2) / 4;
+}
+
+// A coordinate in whole units from the middle; what is far outside counts as at the limit.
+int32_t place_of(double centre) {
+    constexpr double reach = 1.5; // so that squares and their sums fit
+    return static_cast<int32_t>(std::lround(std::clamp(centre - 0.5, -reach, reach) * centre_units));
+}
+
+void add_costs(const ResultLine& result, std::map<std::string, Cost>& costs) {
+    std::set<std::string> causes;
+    for (const ResultCheck& check : result.checks)
+        if (check.verdict == Verdict::refuse)
+            causes.insert(check.name);
+    if (causes.empty())
+        causes.insert(name_of(result.verdict));
+    for (const std::string& cause : causes) {
+        Cost& cost = costs[cause];
+        ++cost.lost;
+        cost.lost_alone += causes.size() == 1 ? 1 : 0;
+    }
+}
+
+void add_numbers(const ResultNumbers& numbers, std::map<MeasureName, ValueCounts>& counts) {
+    const auto add = [&](const char* name, const char* plane, double value) {
+        counts[{name, plane}].add(four_digits_of(value));
+    };
+    const std::pair<const char*, const std::optional<ByColour<double>>&> by_colour[] = {
+        {"flatness", numbers.flatness},
+        {"corner", numbers.corner},
+        {"predicted_flatness", numbers.predicted_flatness}};
+    for (const auto& [name, values] : by_colour)
+        for (const Colour colour : all_colours)
+            if (values)
+                add(name, name_of(colour), (*values)[static_cast<size_t>(colour)]);
+    if (numbers.otp_bytes)
+        add("otp_bytes", "", static_cast<double>(*numbers.otp_bytes));
+    if (numbers.otp_loss)
+        add("otp_loss", "", *numbers.otp_loss);
+}
+
+void add_checks(const std::vector<ResultCheck>& checks, std::map<MeasureName, CheckCounts>& counts) {
+    for (const ResultCheck& check : checks) {
+        CheckCounts& count = counts[{check.name, check.plane}];
+        const auto verdict = static_cast<size_t>(check.verdict);
+        if (check.value)
+            count.values[verdict].add(four_digits_of(*check.value));
+        else
+            ++count.without_number[verdict];
+    }
+}
+
+using Centre = ByColour<std::array<double, 2>>;
+
+void add_centre(const Centre& centre, LotSummary& summary) {
+    CentreSums& sums = summary.centre_sums;
+    ++sums.modules;
+    for (size_t axis = 0; axis < CentreSums::axes; ++axis) {
+        ByColour<int64_t> at;
+        for (size_t c = 0; c < at.size(); ++c) {
+            at[c] = place_of(centre[c][axis]);
+            summary.centre[c][axis].add(place_of(centre[c][axis]));
+            sums.sum[axis][c] += at[c];
+            for (size_t other = 0; other <= c; ++other)
+                sums.products[axis][c][other] += at[c] * at[other];
+        }
+    }
+}
+
+void add_to_sequence(const ResultLine& result, Sequence& sequence) {
+    const auto number = serial_number(result.serial);
+    if (!number)
+        return;
+    SequenceBlock block;
+    block.modules = 1;
+    block.good = is_good(result.verdict) ? 1 : 0;
+    if (result.gains)
+        for (size_t c = 0; c < block.corner_gain.size(); ++c)
+            block.corner_gain[c].add(corner_gain((*result.gains)[c], *result.grid));
+    if (result.optical_centre)
+        for (size_t axis = 0; axis < block.centre.size(); ++axis) {
+            int32_t sum = 0;
+            for (const auto& point : *result.optical_centre)
+                sum += place_of(point[axis]);
+            block.centre[axis].add(sum);
+        }
+    sequence.add(*number, block);
+}
+
+template <class Key, class Value, class Add>
+void add_map(std::map<Key, Value>& to, const std::map<Key, Value>& from, const Add& add) {
+    for (const auto& [key, value] : from)
+        add(to[key], value);
+}
+
+void add_sums(CentreSums& to, const CentreSums& from) {
+    to.modules += from.modules;
+    for (size_t axis = 0; axis < CentreSums::axes; ++axis)
+        for (size_t c = 0; c < to.sum[axis].size(); ++c) {
+            to.sum[axis][c] += from.sum[axis][c];
+            for (size_t other = 0; other <= c; ++other)
+                to.products[axis][c][other] += from.products[axis][c][other];
+        }
+}
+
+} // namespace
+
+bool LotKind::operator==(const LotKind& other) const {
+    return fields_of(*this) == fields_of(other);
+}
+
+GainTables LotKind::tables() const {
+    GainTables tables;
+    tables.raw_width = width;
+    tables.raw_height = height;
+    tables.bits = bits;
+    tables.pattern = pattern;
+    tables.step = grid.step;
+    tables.algorithm = grid.algorithm;
+    tables.filter_radius = grid.filter_radius;
+    tables.shading_percent = grid.shading_percent;
+    tables.set_table_size();
+    return tables;
+}
+
+LotKind kind_of(const ResultLine& result) {
+    return {result.frame->width, result.frame->height, result.frame->bits, result.frame->pattern,
+            *result.grid};
+}
+
+void check_kind(const LotKind& kind, const std::string& place) {
+    const auto within = [](int value, int lowest, int highest) {
+        return value >= lowest && value <= highest;
+    };
+    const ResultGrid& grid = kind.grid;
+    const bool sound = within(kind.width, 2, largest_side) && within(kind.height, 2, largest_side)
+                       && kind.width % 2 == 0 && kind.height % 2 == 0 && within(kind.bits, 8, 16)
+                       && within(static_cast<int>(kind.pattern), 0, 3) && within(grid.algorithm, 0, 4)
+                       && within(grid.step, smallest_step, largest_step);
+    const GainTables tables = sound ? kind.tables() : GainTables();
+    if (!sound || tables.table_width != grid.width || tables.table_height != grid.height || grid.width < 3
+        || grid.height < 3)
+        data_failure("{}: tables of {} x {} do not go with frames of {} x {} and step {}", place, grid.width,
+                     grid.height, kind.width, kind.height, grid.step);
+}
+
+std::string text_of(const LotKind& kind) {
+    return fmt::format("{} x {} {}, {} bits, {}, step {}, radius {}, shading {} %, tables of {} x {}",
+                       kind.width, kind.height, name_of(kind.pattern), kind.bits,
+                       algorithm_name(kind.grid.algorithm), kind.grid.step, kind.grid.filter_radius,
+                       kind.grid.shading_percent, kind.grid.width, kind.grid.height);
+}
+
+uint64_t LotSummary::modules() const {
+    return std::accumulate(verdicts.begin(), verdicts.end(), uint64_t{0});
+}
+
+uint64_t LotSummary::with_gains() const {
+    return gains[0].empty() ? 0 : gains[0][0].total();
+}
+
+double LotSummary::yield() const {
+    uint64_t good = 0;
+    for (size_t i = 0; i < verdicts.size(); ++i)
+        good += is_good(static_cast<ModuleVerdict>(i)) ? verdicts[i] : 0;
+    return modules() == 0 ? 0 : static_cast<double>(good) / static_cast<double>(modules());
+}
+
+LotSummary::Taken LotSummary::add(const ResultLine& result, const std::string& place) {
+    if (result.frame && result.grid) {
+        const LotKind own = kind_of(result);
+        if (kind && own != *kind)
+            return ++left_out.other_kind, Taken::other_kind;
+        if (!kind)
+            check_kind(own, place);
+        kind = own;
+    } else if (result.gains)
+        data_failure("{}: has gains and neither frame nor grid", place);
+    if (modules() == most_modules)
+        data_failure("{}: is one module more than the {} of which a lot may consist", place, most_modules);
+    if (!serials.insert(mark_of(result.serial)))
+        return ++left_out.repeated, Taken::repeated;
+    ++verdicts[static_cast<size_t>(result.verdict)];
+    if (!is_good(result.verdict))
+        add_costs(result, costs);
+    ++settings[result.settings.value_or("")];
+    add_checks(result.checks, checks);
+    add_numbers(result.numbers, numbers);
+    if (result.optical_centre)
+        add_centre(*result.optical_centre, *this);
+    add_to_sequence(result, sequence);
+    for (size_t c = 0; result.gains && c < gains.size(); ++c) {
+        const std::vector<uint16_t>& values = (*result.gains)[c];
+        gains[c].resize(values.size());
+        for (size_t node = 0; node < values.size(); ++node)
+            gains[c][node].add(values[node]);
+        black[c].add(result.frame->black[c]);
+    }
+    return Taken::yes;
+}
+
+void LotSummary::add(const LotSummary& other, const std::string& name) {
+    if (kind && other.kind && *kind != *other.kind)
+        data_failure("{}: holds modules of another kind, {}, than {} before it: merge those of one kind",
+                     name, text_of(*other.kind), text_of(*kind));
+    if (modules() + other.modules() > most_modules)
+        data_failure("{}: makes more than the {} modules of which a lot may consist", name, most_modules);
+    uint64_t twice = 0;
+    for (const uint64_t mark : other.serials.sorted())
+        twice += serials.insert(mark) ? 0 : 1;
+    if (twice > 0)
+        data_failure(
+            "{}: holds {} serials that were there before: give the results themselves, of which each "
+            "serial counts once, or each part once",
+            name, twice);
+    if (other.kind)
+        kind = other.kind;
+    for (size_t i = 0; i < verdicts.size(); ++i)
+        verdicts[i] += other.verdicts[i];
+    left_out.torn += other.left_out.torn;
+    left_out.bad += other.left_out.bad;
+    left_out.repeated += other.left_out.repeated;
+    left_out.other_kind += other.left_out.other_kind;
+    add_map(costs, other.costs, [](Cost& to, const Cost& from) {
+        to.lost += from.lost;
+        to.lost_alone += from.lost_alone;
+    });
+    add_map(checks, other.checks, [](CheckCounts& to, const CheckCounts& from) {
+        for (size_t i = 0; i < to.values.size(); ++i) {
+            to.values[i].add(from.values[i]);
+            to.without_number[i] += from.without_number[i];
+        }
+    });
+    const auto add_counts = [](ValueCounts& to, const ValueCounts& from) { to.add(from); };
+    add_map(numbers, other.numbers, add_counts);
+    add_map(settings, other.settings, [](uint64_t& to, uint64_t from) { to += from; });
+    for (size_t c = 0; c < gains.size(); ++c) {
+        gains[c].resize(std::max(gains[c].size(), other.gains[c].size()));
+        for (size_t node = 0; node < other.gains[c].size(); ++node)
+            gains[c][node].add(other.gains[c][node]);
+        black[c].add(other.black[c]);
+        for (size_t axis = 0; axis < CentreSums::axes; ++axis)
+            centre[c][axis].add(other.centre[c][axis]);
+    }
+    add_sums(centre_sums, other.centre_sums);
+    sequence.add(other.sequence);
+}
+
+} // namespace zerklsc::tool
