@@ -659,7 +659,8 @@ ZERKLSC_API unsigned short find_peak_intensity(unsigned short* plane, pix_point*
  * see lsc2d_table_size() before you correct with the same record. zerklsc_check_calibration() of
  * zerklsc_driver.h answers for all methods, and zerklsc_calibrate() says why it refuses and prints nothing.
  *
- * Methods 0, 1 and 4 take a step of at most 255. Methods 2, 3 and 4 need planes of at least 10 x 10 samples,
+ * Methods 0, 1 and 4 take a step of at most 255; 2 and 3 take one above it, with whose tables the correction
+ * of the same record reads memory beyond them. Methods 2, 3 and 4 need planes of at least 10 x 10 samples,
  * method 0 of at least 50 x 50. The radius must be 0 or above. Except for method 3, which has limits of its
  * own (lsc2d_calibration_beta()), step and radius must be below both sides of the plane: three nodes in
  * either direction, and no tap mirrored out of it.
