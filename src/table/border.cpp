@@ -12,18 +12,28 @@ namespace {
 
 enum class Line { row, column };
 
-// How the last node of each line of nodes follows from the value measured at fraction t of the last cell.
+// How the last node of each line of nodes follows from the value measured in the last cell, at the fraction
+// of the cell that the taps are for. What is left of that value is multiplied by `scale`.
 struct EdgeRule {
     int32_t mode;
     Line line;
-    float t;
     Taps taps;
+    float scale;
 };
+
+// The reciprocal of the weight that the last node has in what was measured at fraction t.
+float edge_scale(int32_t mode, float t, const Taps& taps) {
+    const auto [c0, c1, c2, c3] = taps;
+    if (mode == ZERKLSC_EDGE_LINEAR)
+        return 1.0f / t;
+    return mode == ZERKLSC_EDGE_CUBIC_QUADRATIC ? 1.0f / (c2 + 3.0f * c3) : 1.0f / (c3 + c3 + c2);
+}
 
 EdgeRule edge_rule(int32_t mode, Line line, int32_t size, int32_t step) {
     const int64_t remainder = (int64_t{size} - 1) % step;
     const float t = static_cast<float>(remainder) / static_cast<float>(step);
-    return {mode, line, t, cubic_taps(t)};
+    const Taps taps = cubic_taps(t);
+    return {mode, line, taps, edge_scale(mode, t, taps)};
 }
 
 // The cubic rule for a border that is quadratic. It sums its terms in another order along a row than along a
@@ -32,7 +42,7 @@ float cubic_quadratic(float m, float p, float q, const EdgeRule& rule) {
     const auto [c0, c1, c2, c3] = rule.taps;
     const float sum = rule.line == Line::row ? p * (3.0f * c3) - q * c3 + m - (p * c1 + q * c0)
                                              : p * (3.0f * c3) - q * c0 - q * c3 + (m - p * c1);
-    return sum * (1.0f / (c2 + 3.0f * c3));
+    return sum * rule.scale;
 }
 
 // The node at the end of a line; the nodes before it are `inward` elements apart.
@@ -40,21 +50,27 @@ float corrected(const float* last, ptrdiff_t inward, const EdgeRule& rule) {
     const float m = last[0];
     const float p = last[inward];
     if (rule.mode == ZERKLSC_EDGE_LINEAR)
-        return (m - p) * (1.0f / rule.t) + p;
+        return (m - p) * rule.scale + p;
     const float q = last[2 * inward];
     if (rule.mode == ZERKLSC_EDGE_CUBIC_QUADRATIC)
         return cubic_quadratic(m, p, q, rule);
     const auto [c0, c1, c2, c3] = rule.taps;
-    return (p * (c3 - c1) + m - q * c0) * (1.0f / (c3 + c3 + c2));
+    return (p * (c3 - c1) + m - q * c0) * rule.scale;
 }
 
-float linear(const float* edge, ptrdiff_t inward) {
-    return edge[0] + edge[0] - edge[inward];
+// `count` nodes that end their lines, `apart` elements from each to the next. The rule comes by value: the
+// nodes cannot alias it then.
+void correct_each(float* last, ptrdiff_t apart, int32_t count, ptrdiff_t inward, EdgeRule rule) {
+    for (int32_t i = 0; i < count; ++i)
+        last[i * apart] = corrected(&last[i * apart], inward, rule);
 }
 
-float quadratic(const float* edge, ptrdiff_t inward) {
+// Objects, not functions: the walk around the border is then compiled for each of them.
+constexpr auto linear = [](const float* edge, ptrdiff_t inward) { return edge[0] + edge[0] - edge[inward]; };
+
+constexpr auto quadratic = [](const float* edge, ptrdiff_t inward) {
     return (edge[0] - edge[inward]) * 3.0f + edge[2 * inward];
-}
+};
 
 View<float> inner_nodes(View<float> bordered) {
     return {&bordered.at(ZERKLSC_BORDER, ZERKLSC_BORDER), bordered.width - 2 * ZERKLSC_BORDER,
@@ -84,17 +100,11 @@ void correct_edges(View<float> inner, const PlaneGrid& plane, int32_t edge_mode)
     // measured there too.
     if (plane.width % plane.step_x != 1) {
         const EdgeRule rule = edge_rule(edge_mode, Line::row, plane.width, plane.step_x);
-        for (int32_t y = 0; y < inner.height; ++y) {
-            float& last = inner.at(inner.width - 1, y);
-            last = corrected(&last, -1, rule);
-        }
+        correct_each(&inner.at(inner.width - 1, 0), inner.stride, inner.height, -1, rule);
     }
     if (plane.height % plane.step_y != 1) {
         const EdgeRule rule = edge_rule(edge_mode, Line::column, plane.height, plane.step_y);
-        for (int32_t x = 0; x < inner.width; ++x) {
-            float& last = inner.at(x, inner.height - 1);
-            last = corrected(&last, -inner.stride, rule);
-        }
+        correct_each(inner.row(inner.height - 1), 1, inner.width, -inner.stride, rule);
     }
 }
 
