@@ -14,14 +14,15 @@ namespace zerklsc::tool {
 namespace {
 
 constexpr int vertices = 17;
-constexpr int highest_gain = 4095;
+constexpr int highest_word = 4095;
+constexpr double highest_gain = double{highest_word} / double{ZERKLSC_UNITY_GAIN};
 
 std::string encode_gains(const char* name, const std::vector<double>& gains, int& limited) {
     std::vector<int> words;
     for (const double gain : gains) {
         const int word = static_cast<int>(std::lround(gain * double{ZERKLSC_UNITY_GAIN}));
-        words.push_back(std::clamp(word, 0, highest_gain));
-        limited += word > highest_gain ? 1 : 0;
+        words.push_back(std::clamp(word, 0, highest_word));
+        limited += word > highest_word ? 1 : 0;
     }
     return fmt::format("          {}: [{}]\n", name, fmt::join(words, ", "));
 }
@@ -37,6 +38,17 @@ std::string encode_head(const char* type) {
 std::string encode_set_head(const LitTables& set) {
     return fmt::format("        - ct: {}\n          resolution: {}x{}\n", set.kelvin, set.tables.raw_width,
                        set.tables.raw_height);
+}
+
+// At how many of the places, across and down, the form asks for more than the camera stack gives.
+size_t places_above_limit(const RadialGain& gain, const std::vector<double>& places,
+                          const GainTables& tables) {
+    const GainSurface surface = surface_of(gain, tables.raw_width, tables.raw_height);
+    size_t above = 0;
+    for (const double y : places)
+        above += static_cast<size_t>(
+            std::ranges::count_if(places, [&](double x) { return surface(x, y) > highest_gain; }));
+    return above;
 }
 
 RadialFit fit_colour(const TargetGrid& grid, const std::vector<double>& places, const GainTables& tables,
@@ -63,8 +75,7 @@ std::string encode_rkisp1(const std::vector<LitTables>& sets, Losses& losses) {
         yaml += encode_gains("b", grid.of(Colour::b), limited);
     }
     if (limited > 0)
-        losses.push_back(fmt::format("{} gains above {:.3f} are limited to it", limited,
-                                     double{highest_gain} / double{ZERKLSC_UNITY_GAIN}));
+        losses.push_back(fmt::format("{} gains above {:.3f} are limited to it", limited, highest_gain));
     return yaml + "...\n";
 }
 
@@ -86,6 +97,11 @@ std::string encode_rkisp1_polynomial(const std::vector<LitTables>& sets, Losses&
             losses.push_back(fmt::format(
                 "the radial form of {} at {} K is off by {:.3f} % (root mean square), {:.3f} % at most",
                 name_of(colour), set.kelvin, 100 * rms, 100 * largest));
+            if (const size_t above = places_above_limit(gain, places, set.tables))
+                losses.push_back(fmt::format(
+                    "the radial form of {} at {} K is above {:.3f} at {} of {} places: "
+                    "the camera stack limits gains to that",
+                    name_of(colour), set.kelvin, highest_gain, above, places.size() * places.size()));
         }
     }
     return yaml + "...\n";
