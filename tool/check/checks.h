@@ -2,9 +2,9 @@
 #pragma once
 
 #include "check/analysis.h"
-#include "check/finding.h"
 #include "check/limits.h"
 #include "imaging/calibration.h"
+#include "imaging/finding.h"
 
 namespace zerklsc::tool {
 

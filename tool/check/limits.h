@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "check/finding.h"
+#include "imaging/finding.h"
 
 namespace zerklsc::tool {
 

@@ -17,9 +17,11 @@
 #include "io/file_identity.h"
 #include "io/input_file.h"
 #include "io/input_record.h"
+#include "io/levels_json.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
+#include "io/text_table.h"
 #include "terminal.h"
 #include "zerklsc.h"
 

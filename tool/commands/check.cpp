@@ -11,7 +11,9 @@
 #include "commands/grid_options.h"
 #include "commands/raw_options.h"
 #include "io/findings_json.h"
+#include "io/levels_json.h"
 #include "io/table_json.h"
+#include "io/text_table.h"
 
 namespace zerklsc::tool {
 namespace {

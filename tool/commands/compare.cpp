@@ -17,6 +17,8 @@
 #include "imaging/otp_stream.h"
 #include "imaging/prediction.h"
 #include "io/json_value.h"
+#include "io/levels_json.h"
+#include "io/text_table.h"
 #include "terminal.h"
 #include "zerklsc.h"
 

@@ -5,9 +5,9 @@
 
 #include <fmt/format.h>
 
-#include "commands/frame_text.h"
 #include "failure.h"
 #include "io/input_record.h"
+#include "io/levels_json.h"
 
 namespace zerklsc::tool {
 namespace {

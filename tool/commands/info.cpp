@@ -2,8 +2,9 @@
 #include <fmt/format.h>
 
 #include "commands.h"
-#include "commands/frame_text.h"
 #include "commands/raw_options.h"
+#include "io/levels_json.h"
+#include "io/text_table.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {

@@ -9,6 +9,8 @@
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/levels.h"
+#include "io/levels_json.h"
+#include "io/text_table.h"
 
 namespace zerklsc::tool {
 namespace {

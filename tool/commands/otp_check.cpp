@@ -3,14 +3,15 @@
 
 #include <fmt/format.h>
 
-#include "commands/frame_text.h"
 #include "commands/otp.h"
 #include "commands/otp_file.h"
 #include "commands/otp_loss.h"
 #include "failure.h"
 #include "imaging/otp_stream.h"
 #include "io/input_file.h"
+#include "io/levels_json.h"
 #include "io/table_json.h"
+#include "io/text_table.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {

@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 
-#include "commands/frame_text.h"
 #include "commands/otp.h"
 #include "commands/otp_loss.h"
 #include "failure.h"
@@ -13,6 +12,7 @@
 #include "io/otp_container.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
+#include "io/text_table.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {

@@ -5,7 +5,8 @@
 
 #include <fmt/format.h>
 
-#include "commands/frame_text.h"
+#include "io/levels_json.h"
+#include "io/text_table.h"
 #include "zerklsc.h"
 
 namespace zerklsc::tool {

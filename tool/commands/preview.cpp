@@ -12,6 +12,7 @@
 #include "imaging/prediction.h"
 #include "io/file_identity.h"
 #include "io/input_file.h"
+#include "io/levels_json.h"
 #include "io/output_set.h"
 #include "io/table_json.h"
 #include "preview/png.h"

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "check/finding.h"
 #include "imaging/bayer_pattern.h"
+#include "imaging/finding.h"
 #include "imaging/raw_frame.h"
 
 namespace zerklsc::tool {

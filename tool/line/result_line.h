@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "check/finding.h"
+#include "imaging/finding.h"
 #include "imaging/raw_frame.h"
 
 namespace zerklsc::tool {

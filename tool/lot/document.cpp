@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "check/limits.h"
-#include "commands/frame_text.h"
+#include "io/levels_json.h"
 #include "lot/four_digits.h"
 #include "lot/histogram.h"
 #include "zerklsc.h"

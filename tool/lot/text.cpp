@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "commands/frame_text.h"
+#include "io/text_table.h"
 #include "lot/document.h"
 #include "terminal.h"
 #include "zerklsc.h"

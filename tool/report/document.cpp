@@ -3,8 +3,8 @@
 
 #include <cmath>
 
-#include "commands/frame_text.h"
 #include "imaging/otp_stream.h"
+#include "io/levels_json.h"
 
 namespace zerklsc::tool {
 namespace {

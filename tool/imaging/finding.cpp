@@ -1,5 +1,5 @@
 // Limits, worst_of
-#include "check/finding.h"
+#include "imaging/finding.h"
 
 #include <algorithm>
 
