@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "commands/raw_options.h"
+#include "commands/report.h"
 #include "io/levels_json.h"
 #include "io/text_table.h"
 #include "terminal.h"
