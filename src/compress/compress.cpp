@@ -1,10 +1,8 @@
 // lsc_compress
-#include <algorithm>
-
+#include "compress/dense_planes.h"
 #include "compress/forms.h"
 #include "compress/precision_mode.h"
 #include "frame/convert.h"
-#include "frame/scratch.h"
 #include "zerklsc.h"
 
 namespace zerklsc {
@@ -32,20 +30,13 @@ void quantise_row(const lsc_otp_info& info, int32_t j, const ByColour<int16_t*>&
 } // namespace
 
 int32_t plain::compress(const lsc_otp_info& info) {
-    const int32_t width = info.grid_width - 2;
-    const int32_t height = info.grid_height - 2;
-    const int64_t count = int64_t{width} * height;
-    const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * colour_count);
-    if (!memory)
+    DensePlanes dense = dense_planes(info);
+    if (!dense.memory)
         return -1;
-    // One plane behind the other, each dense, as the passes take them.
-    ByColour<int16_t*> planes;
-    for (int k = 0; k < colour_count; ++k)
-        planes.of[k] = memory.get() + k * count;
-
+    const auto& [width, height, memory, planes] = dense;
     // A pattern that does not exist has no colours: its stream is that of four planes of zeros.
     if (info.bayer_pattern > highest_bayer_pattern)
-        std::fill_n(memory.get(), count * colour_count, int16_t{0});
+        dense.clear();
     else
         for (int32_t j = 0; j < height; ++j)
             quantise_row(info, j, planes, width);

@@ -1,10 +1,8 @@
 // lsc_decompress
-#include <algorithm>
-
+#include "compress/dense_planes.h"
 #include "compress/forms.h"
 #include "compress/precision_mode.h"
 #include "frame/convert.h"
-#include "frame/scratch.h"
 #include "table/wrapping_border.h"
 #include "zerklsc.h"
 
@@ -35,18 +33,12 @@ void restore_row(const lsc_otp_info& info, int32_t j, const ByColour<int16_t*>& 
 } // namespace
 
 int32_t plain::decompress(const lsc_otp_info& info) {
-    const int32_t width = info.grid_width - 2;
-    const int32_t height = info.grid_height - 2;
-    const int64_t count = int64_t{width} * height;
-    const Scratch<int16_t> memory = allocate<int16_t>(static_cast<uint64_t>(count) * colour_count);
-    if (!memory)
+    DensePlanes dense = dense_planes(info);
+    if (!dense.memory)
         return -1;
+    const auto& [width, height, memory, planes] = dense;
     // The nodes that mode 1 does not store decode from differences of 0.
-    std::fill_n(memory.get(), count * colour_count, int16_t{0});
-    ByColour<int16_t*> planes;
-    for (int k = 0; k < colour_count; ++k)
-        planes.of[k] = memory.get() + k * count;
-
+    dense.clear();
     load_data(info.stream, planes.of[Gb], planes.of[B], planes.of[R], planes.of[Gr], width, height,
               info.precision_mode);
     for (int k = 0; k < colour_count; ++k)
