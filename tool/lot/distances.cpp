@@ -39,7 +39,7 @@ LotDistances::LotDistances(const LotSummary& summary) {
     columns_ = summary.kind->grid.width;
     rows_ = summary.kind->grid.height;
     for (size_t c = 0; c < nodes_.size(); ++c) {
-        for (const ValueCounts& node : summary.gains[c]) {
+        for (const ValueCounts& node : summary.gains.counts()[c]) {
             const double median = median_of(node);
             nodes_[c].push_back({median, std::max({robust_deviation_of(node), median * least_spread, 1.0})});
         }

@@ -225,7 +225,7 @@ JsonValue outliers_json(const LotDistances& distances) {
 LotFindings::LotFindings(const LotSummary& of)
     : summary(of), correlations(centre_correlations(of.centre_sums)), drifts(drifts_of(of.sequence)) {
     for (size_t c = 0; c < nodes.size(); ++c)
-        nodes[c] = node_statistics(of.gains[c]);
+        nodes[c] = node_statistics(of.gains.counts()[c]);
 }
 
 WidestSpread widest_spread(const LotFindings& findings, size_t colour) {

@@ -59,7 +59,7 @@ GainTables golden_tables(const LotSummary& summary) {
         const auto to = static_cast<size_t>(plane);
         for (size_t node = 0; node < tables.table_size(); ++node)
             tables.gains[to][node] =
-                static_cast<uint16_t>(rounded_half_up(median_of(summary.gains[colour][node])));
+                static_cast<uint16_t>(rounded_half_up(median_of(summary.gains.counts()[colour][node])));
         tables.black[to] = rounded_half_up(median_of(summary.black[to]));
     }
     tables.inputs = {{"lot", fmt::format("{} modules", summary.with_gains()), "", {}, {}}};

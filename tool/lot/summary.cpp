@@ -182,7 +182,7 @@ uint64_t LotSummary::modules() const {
 }
 
 uint64_t LotSummary::with_gains() const {
-    return gains[0].empty() ? 0 : gains[0][0].total();
+    return gains.counts()[0].empty() ? 0 : gains.counts()[0][0].total();
 }
 
 double LotSummary::yield() const {
@@ -215,12 +215,10 @@ LotSummary::Taken LotSummary::add(const ResultLine& result, const std::string& p
     if (result.optical_centre)
         add_centre(*result.optical_centre, *this);
     add_to_sequence(result, sequence);
-    for (size_t c = 0; result.gains && c < gains.size(); ++c) {
-        const std::vector<uint16_t>& values = (*result.gains)[c];
-        gains[c].resize(values.size());
-        for (size_t node = 0; node < values.size(); ++node)
-            gains[c][node].add(values[node]);
-        black[c].add(result.frame->black[c]);
+    if (result.gains) {
+        gains.add(*result.gains);
+        for (size_t plane = 0; plane < black.size(); ++plane)
+            black[plane].add(result.frame->black[plane]);
     }
     return Taken::yes;
 }
@@ -260,10 +258,12 @@ void LotSummary::add(const LotSummary& other, const std::string& name) {
     const auto add_counts = [](ValueCounts& to, const ValueCounts& from) { to.add(from); };
     add_map(numbers, other.numbers, add_counts);
     add_map(settings, other.settings, [](uint64_t& to, uint64_t from) { to += from; });
-    for (size_t c = 0; c < gains.size(); ++c) {
-        gains[c].resize(std::max(gains[c].size(), other.gains[c].size()));
-        for (size_t node = 0; node < other.gains[c].size(); ++node)
-            gains[c][node].add(other.gains[c][node]);
+    for (size_t c = 0; c < all_colours.size(); ++c) {
+        std::vector<ValueCounts>& nodes = gains.counts()[c];
+        const std::vector<ValueCounts>& more = other.gains.counts()[c];
+        nodes.resize(std::max(nodes.size(), more.size()));
+        for (size_t node = 0; node < more.size(); ++node)
+            nodes[node].add(more[node]);
         black[c].add(other.black[c]);
         for (size_t axis = 0; axis < CentreSums::axes; ++axis)
             centre[c][axis].add(other.centre[c][axis]);

@@ -11,6 +11,7 @@
 
 #include "imaging/gain_tables.h"
 #include "line/result_line.h"
+#include "lot/gain_counts.h"
 #include "lot/sequence.h"
 #include "lot/serial_set.h"
 #include "lot/value_counts.h"
@@ -85,7 +86,7 @@ struct LotSummary {
     std::map<std::string, Cost> costs;
     std::map<MeasureName, CheckCounts> checks;
     std::map<MeasureName, ValueCounts> numbers;
-    ByColour<std::vector<ValueCounts>> gains;    // of each node, row by row; empty before the first
+    GainCounts gains;
     std::array<ValueCounts, 4> black;            // by plane
     ByColour<std::array<ValueCounts, 2>> centre; // x, y
     CentreSums centre_sums;

@@ -256,15 +256,15 @@ void serials(Reader& reader, SerialSet& set) {
 
 // How many nodes have counts: all of a table, or none.
 size_t nodes_in(Writer& writer, LotSummary& summary) {
-    writer.number(summary.gains[0].size());
-    return summary.gains[0].size();
+    writer.number(summary.gains.counts()[0].size());
+    return summary.gains.counts()[0].size();
 }
 
 size_t nodes_in(Reader& reader, LotSummary& summary) {
     const uint64_t nodes = reader.count();
     if (nodes != 0 && (!summary.kind || nodes != summary.kind->grid.nodes()))
         reader.damaged();
-    for (auto& plane : summary.gains)
+    for (auto& plane : summary.gains.counts())
         plane.resize(static_cast<size_t>(nodes));
     return static_cast<size_t>(nodes);
 }
@@ -287,10 +287,10 @@ void all(Archive& archive, LotSummary& summary) {
     centres(archive, summary);
     sequence(archive, summary.sequence);
     const size_t nodes = nodes_in(archive, summary);
-    for (size_t c = 0; c < summary.gains.size(); ++c) {
+    for (size_t c = 0; c < summary.gains.counts().size(); ++c) {
         counts(archive, summary.black[c]);
         for (size_t node = 0; node < nodes; ++node)
-            counts(archive, summary.gains[c][node]);
+            counts(archive, summary.gains.counts()[c][node]);
     }
     serials(archive, summary.serials);
 }
@@ -304,8 +304,8 @@ void check_whole(const Reader& reader, const LotSummary& summary) {
     if (summary.modules() != summary.serials.size() || summary.modules() > LotSummary::most_modules
         || summary.centre_sums.modules > summary.modules())
         reader.damaged();
-    for (size_t c = 0; c < summary.gains.size(); ++c)
-        for (const ValueCounts& node : summary.gains[c])
+    for (size_t c = 0; c < summary.gains.counts().size(); ++c)
+        for (const ValueCounts& node : summary.gains.counts()[c])
             if (node.total() != summary.with_gains() || node.total() == 0)
                 reader.damaged();
     if (summary.kind)

@@ -39,13 +39,15 @@ std::vector<std::pair<int32_t, uint32_t>> list_of(const ValueCounts& values) {
 } // namespace
 
 size_t ValueCounts::page_of(int32_t first) {
+    if (recent_ < firsts_.size() && firsts_[recent_] == first)
+        return recent_;
     const auto at = std::ranges::lower_bound(firsts_, first);
     const auto page = at - firsts_.begin();
     if (at == firsts_.end() || *at != first) {
         firsts_.insert(at, first);
         counts_.insert(counts_.begin() + page * page_size, page_size, 0);
     }
-    return static_cast<size_t>(page);
+    return recent_ = static_cast<size_t>(page);
 }
 
 void ValueCounts::add(int32_t value, uint32_t count) {

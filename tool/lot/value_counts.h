@@ -32,6 +32,7 @@ class ValueCounts {
     std::vector<int32_t> firsts_;  // the first value of each page, rising
     std::vector<uint32_t> counts_; // page after page
     uint64_t total_ = 0;
+    size_t recent_ = 0; // the page of the last value, where the next one often is too
 };
 
 // The middle value, or the mean of the two middle ones. This and what follows is 0 of no values.
