@@ -327,9 +327,9 @@ class Tool:
     def whole(self, *files, results=(), code=0):
         """The bytes of all that is made of a lot."""
         again = ["--results", *results] if results else []
-        done = self.run("lot", *files, *again, "--json", "--golden", "golden.json", code=code)
+        done = self.run("lot", *files, *again, "--json", "--golden", "golden.json", "-o", "lot.html", code=code)
         text = self.run("lot", *files, *again, code=code).stdout
-        return done.stdout, text, self.read("golden.json")
+        return done.stdout, text, self.read("golden.json"), self.read("lot.html")
 
 
 def check_numbers(tool, line, modules):
@@ -432,7 +432,7 @@ def check_refusals(tool, modules):
             (["later.lot"], 3, "another version"), (["empty.jsonl"], 3, "holds no result"),
             (["one.lot", "other.lot"], 3, "other.lot: holds modules of another kind"),
             (["none.jsonl"], 4, "none.jsonl: cannot be read"), (["-"], 2, "--partial"),
-            (["one.jsonl", "--golden", "one.jsonl"], 2, "one.jsonl"),
+            (["one.jsonl", "-o", "page.txt"], 2, ".html"), (["one.jsonl", "--golden", "one.jsonl"], 2, "one.jsonl"),
             (["one.lot", "--results", "one.jsonl", "--golden", "one.jsonl"], 2, "one.jsonl"),
             (["one.jsonl", "--partial", "no/where.lot"], 4, "no/where.lot"),
             (["errors.jsonl", "--golden", "none.json"], 3, "no golden tables")):

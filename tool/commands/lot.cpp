@@ -15,6 +15,8 @@
 #include "lot/result_stream.h"
 #include "lot/statistics.h"
 #include "lot/summary_file.h"
+#include "preview/sheet.h"
+#include "report/page.h"
 #include "terminal.h"
 
 namespace zerklsc::tool {
@@ -22,7 +24,7 @@ namespace {
 
 struct Options {
     std::vector<std::string> inputs, results;
-    std::string partial, golden;
+    std::string partial, golden, page;
 };
 
 // Says which lines are left out, as long as they are few.
@@ -117,8 +119,10 @@ void measure_distances(const std::vector<std::string>& paths, LotSummary& lot, L
 }
 
 void check_usage(const Options& options) {
-    keep_files_apart(options.inputs, {options.partial, options.golden});
-    keep_files_apart(options.results, {options.partial, options.golden});
+    keep_files_apart(options.inputs, {options.partial, options.golden, options.page});
+    keep_files_apart(options.results, {options.partial, options.golden, options.page});
+    if (!options.page.empty() && options.page != "-" && extension_of(options.page) != ".html")
+        usage_failure("{}: a page is written as HTML: give a name that ends in .html", options.page);
     const bool piped = std::ranges::find(options.inputs, "-") != options.inputs.end();
     if (piped && options.partial.empty())
         usage_failure("standard input cannot be read twice: give a file, or make a summary of it with "
@@ -141,6 +145,22 @@ void check_left_out(const LotSummary& lot) {
                      lines.all(), lines.torn, lines.bad, lines.repeated, lines.other_kind);
 }
 
+std::string page_of(const LotFindings& findings) {
+    JsonValue document = document_of(findings);
+    document.add("program", "zerklsc " ZERKLSC_VERSION);
+    std::vector<PanelRow> rows;
+    if (findings.summary.with_gains() > 0) {
+        const GainTables golden = golden_tables(findings.summary);
+        const PanelSize size = panel_size(golden.raw_width, golden.raw_height);
+        ByColour<std::vector<double>> spreads;
+        for (size_t c = 0; c < spreads.size(); ++c)
+            spreads[c] = findings.nodes[c].spread;
+        rows = {gain_row(golden, size), spread_row(golden, spreads, size)};
+        rows[0].title = "median gain";
+    }
+    return encode_page(PageKind::lot, document.text(), rows);
+}
+
 void write_outputs(const Options& options, const LotFindings& findings) {
     OutputSet outputs;
     if (!options.golden.empty()) {
@@ -148,6 +168,8 @@ void write_outputs(const Options& options, const LotFindings& findings) {
             data_failure("{}: no module of the lot has gains: there are no golden tables", options.golden);
         outputs.add(options.golden, encode_tables_for(options.golden, golden_tables(findings.summary)));
     }
+    if (!options.page.empty())
+        outputs.add(options.page, page_of(findings));
     outputs.commit();
 }
 
@@ -188,6 +210,7 @@ void add_lot(Command app) {
     command.option("--golden", options->golden, "table file to write: the median of each node")
         .takes("FILE")
         .excludes(partial);
+    command.option("-o,--output", options->page, "page to write (HTML)").takes("FILE").excludes(partial);
     command
         .option("--results", options->results,
                 "the result files that summaries were made from, for the nearest module and outliers")
@@ -199,9 +222,9 @@ void add_lot(Command app) {
         "The same from parts of a lot, byte for byte:\n"
         "  zerklsc lot part1.jsonl --partial part1.lot\n"
         "  zerklsc lot part2.jsonl --partial part2.lot\n"
-        "  zerklsc lot part1.lot part2.lot --results part1.jsonl part2.jsonl --golden golden.json\n\n"
+        "  zerklsc lot part1.lot part2.lot --results part1.jsonl part2.jsonl -o lot.html\n\n"
         "Example, with the results of zerklsc batch:\n"
-        "  zerklsc lot results.jsonl --golden golden.json");
+        "  zerklsc lot results.jsonl --golden golden.json -o lot.html");
     command.action([options](Report& report) { run(*options, report); });
 }
 

@@ -97,8 +97,8 @@ void run(const Options& options, Report& report) {
     const Shown before = show(frame, size);
     const Shown after = show(correct_capture(frame, tables, tables_name, isp), size);
     add_measures(report, tables, before, after);
-    write_file(options.output,
-               encode_page(report.json(exit_success, ""), maps_of(tables, before, after, size)));
+    write_file(options.output, encode_page(PageKind::report, report.json(exit_success, ""),
+                                           maps_of(tables, before, after, size)));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// PanelField, brightness_field, clipped_places, block_field, gain_field
+// PanelField, brightness_field, clipped_places, block_field, node_field, gain_field
 #include "preview/panel_field.h"
 
 #include <algorithm>
@@ -54,11 +54,6 @@ PanelField smoothed(const PanelField& field, int radius) {
             result.values[static_cast<size_t>(y * field.width + x)] = sum / ((x1 - x0) * (y1 - y0));
         }
     return result;
-}
-
-double table_gain(const GainTables& tables, int plane, int i, int j) {
-    const auto at = static_cast<size_t>((j + 1) * tables.table_width + i + 1);
-    return tables.gains[static_cast<size_t>(plane)][at] / double{ZERKLSC_UNITY_GAIN};
 }
 
 // Between the values of `at(i, j)` around (u, v).
@@ -124,16 +119,25 @@ PanelField block_field(const BlockMeans& blocks, PanelSize size) {
     return field;
 }
 
-PanelField gain_field(const GainTables& tables, int plane, PanelSize size) {
+PanelField node_field(const GainTables& tables, const std::vector<double>& values, PanelSize size) {
+    const auto node = [&](int i, int j) {
+        return values[static_cast<size_t>((j + 1) * tables.table_width + i + 1)];
+    };
     PanelField field{size.width, size.height, {}};
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x) {
             const double u = (x + 0.5) * tables.plane_width() / size.width / tables.step;
             const double v = (y + 0.5) * tables.plane_height() / size.height / tables.step;
-            field.values.push_back(
-                bilinear(u, v, [&](int i, int j) { return table_gain(tables, plane, i, j); }));
+            field.values.push_back(bilinear(u, v, node));
         }
     return field;
+}
+
+PanelField gain_field(const GainTables& tables, int plane, PanelSize size) {
+    std::vector<double> gains;
+    for (const uint16_t gain : tables.gains[static_cast<size_t>(plane)])
+        gains.push_back(gain / double{ZERKLSC_UNITY_GAIN});
+    return node_field(tables, gains, size);
 }
 
 } // namespace zerklsc::tool

@@ -36,6 +36,9 @@ std::vector<bool> clipped_places(const RawFrame& frame, int plane, PanelSize siz
 // Numbers of blocks, with a straight line from the middle of one to the next.
 PanelField block_field(const BlockMeans& blocks, PanelSize size);
 
+// Numbers of the nodes of such tables, border included and row by row, between the nodes.
+PanelField node_field(const GainTables& tables, const std::vector<double>& values, PanelSize size);
+
 // The plane's gains between the nodes.
 PanelField gain_field(const GainTables& tables, int plane, PanelSize size);
 

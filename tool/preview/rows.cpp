@@ -1,5 +1,5 @@
-// PanelRow, beyond_scale_text, Shown, show, lowest_percent, illumination_row, gain_row, residual_row,
-// colour_row
+// PanelRow, beyond_scale_text, Shown, show, lowest_percent, illumination_row, gain_row, spread_row,
+// residual_row, colour_row
 #include "preview/rows.h"
 
 #include <algorithm>
@@ -123,6 +123,24 @@ PanelRow gain_row(const GainTables& tables, PanelSize size) {
     row.high = 1 + std::max(std::ceil((highest - 1) * 2), 1.0) / 2;
     row.contour = (row.high - row.low) / 8;
     row.labels = labels_between(row.low, row.high, 5, "{:.2f}");
+    return row;
+}
+
+PanelRow spread_row(const GainTables& tables, const std::array<std::vector<double>, 4>& spreads,
+                    PanelSize size) {
+    PanelRow row;
+    row.title = "spread of the gains: robust deviation, percent of the median";
+    std::vector<double> all;
+    for (size_t i = 0; i < all_colours.size(); ++i) {
+        row.panels.push_back({node_field(tables, spreads[i], size).scaled(100), "", {}});
+        const PanelField& field = row.panels.back().field;
+        row.panels.back().caption = fmt::format("{}  {:.2f} % to {:.2f} %", name_of(all_colours[i]),
+                                                field.smallest(), field.largest());
+        all.insert(all.end(), field.values.begin(), field.values.end());
+    }
+    row.low = 0;
+    row.high = usual_reach(std::move(all));
+    row.labels = labels_between(row.low, row.high, 5, "{:.2f} %");
     return row;
 }
 

@@ -55,6 +55,10 @@ PanelRow illumination_row(const std::string& title, const Shown& shown, double l
 
 PanelRow gain_row(const GainTables& tables, PanelSize size);
 
+// How far the gains of modules lie apart: of each node of such tables, by colour, as a fraction.
+PanelRow spread_row(const GainTables& tables, const std::array<std::vector<double>, 4>& spreads,
+                    PanelSize size);
+
 // The deviation of each channel from its mean.
 PanelRow residual_row(const std::string& title, const Shown& shown);
 

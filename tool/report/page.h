@@ -1,4 +1,4 @@
-// The page of zerklsc report: one HTML file that needs nothing else.
+// The pages of zerklsc report and zerklsc lot: one HTML file each that needs nothing else.
 #pragma once
 
 #include <string>
@@ -9,6 +9,7 @@
 namespace zerklsc::tool {
 
 // `document` is the JSON from which the page takes its numbers; the rows become maps.
-std::string encode_page(const std::string& document, const std::vector<PanelRow>& rows);
+enum class PageKind { report, lot };
+std::string encode_page(PageKind kind, const std::string& document, const std::vector<PanelRow>& rows);
 
 } // namespace zerklsc::tool
