@@ -243,10 +243,12 @@ std::optional<GainsText> find_gains(std::string_view line) {
         if (at == std::string_view::npos || line.substr(at, before[c].size()) != before[c])
             return {};
         at += before[c].size();
-        const size_t end = line.find_first_of("\"\\", at);
-        if (end == std::string_view::npos || line[end] == '\\')
+        const size_t end = line.find('"', at);
+        if (end == std::string_view::npos)
             return {};
         found.gains[c] = line.substr(at, end - at);
+        if (found.gains[c].find('\\') != std::string_view::npos)
+            return {};
         at = end + 1;
     }
     if (line.substr(at, 1) != "}")
@@ -263,12 +265,13 @@ ResultLine result_line_of(std::string_view line, const std::string& place) {
         return result_of(json::parse(line, nullptr, false), place);
     const auto start = static_cast<size_t>(found->whole.data() - line.data());
     std::string rest(line.substr(0, start));
-    rest += ",\"gains\":null";
+    rest += ",\"gains\":false"; // which no line has of its own
     rest += line.substr(start + found->whole.size());
-    const json object = json::parse(rest, nullptr, false);
+    json object = json::parse(rest, nullptr, false);
     // Where the text stood somewhere deeper, the parser sees it after all.
-    if (!object.is_object() || !object.contains("gains") || !object["gains"].is_null())
+    if (!object.is_object() || !object.contains("gains") || object["gains"] != false)
         return result_of(json::parse(line, nullptr, false), place);
+    object["gains"] = nullptr;
     ResultLine result = result_of(object, place);
     const Reader reader(place, object);
     result.gains.emplace();

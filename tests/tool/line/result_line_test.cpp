@@ -108,4 +108,24 @@ TEST(ResultLine, RefusesWhatIsTornOrWrong) {
 }
 
 } // namespace
+// However the same line is written, it says the same.
+TEST(ResultLine, GainsAreReadWhereverTheyStand) {
+    const ResultLine read = result_line_of(full_text, "x:1");
+    const std::pair<const char*, const char*> ways[] = {
+        {"\"gains\":{\"R\":", "\"gains\": {\"R\":"},  // with a space
+        {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAP\\/\\/"}, // escaped
+        {"\"serial\"",
+         "\"x\":{\"y\":1,\"gains\":{\"R\":\"\",\"Gr\":\"\",\"Gb\":\"\",\"B\":\"\"}},\"serial\""},
+        {"\"serial\"", "\"x\":1,\"gains\":{\"R\":\"\",\"Gr\":\"\",\"Gb\":\"\",\"B\":\"\"},\"serial\""}};
+    for (const auto& [from, to] : ways)
+        EXPECT_EQ(result_line_of(changed(from, to), "x:1").gains, read.gains) << to;
+    // Those of another object are nobody's.
+    std::string deeper(full_text);
+    deeper.insert(deeper.rfind(",\"gains\":"), ",\"gains\":null,\"x\":{\"y\":1");
+    deeper.insert(deeper.rfind(",\"tool\""), "}");
+    EXPECT_EQ(result_line_of(deeper, "x:1").gains, std::nullopt);
+    EXPECT_THROW(result_line_of(changed("AAQBBP8EAAUAAP//", "AAQBBP8EAAUA"), "x:1"), Failure);
+    EXPECT_THROW(result_line_of(changed("AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAP/*"), "x:1"), Failure);
+}
+
 } // namespace zerklsc::tool
