@@ -1,4 +1,5 @@
 // zerklsc lot: what the results of many modules tell together
+#include <algorithm>
 #include <memory>
 
 #include <fmt/format.h>

@@ -24,6 +24,7 @@ double median_of(std::vector<double>& values) {
 double variance_of_sum(const std::vector<Point>& points) {
     const auto term = [](double n) { return n * (n - 1) * (2 * n + 5); };
     std::vector<double> values;
+    values.reserve(points.size());
     for (const Point& point : points)
         values.push_back(point.value);
     std::ranges::sort(values);

@@ -18,7 +18,6 @@ constexpr size_t checksum_size = 4;
 // Numbers are written seven bits to a byte, the lowest first, with the highest bit where more follow.
 class Writer {
   public:
-    static constexpr bool reading = false;
     std::string bytes;
 
     void number(uint64_t value) {
@@ -42,8 +41,6 @@ class Writer {
 
 class Reader {
   public:
-    static constexpr bool reading = true;
-
     Reader(std::string_view bytes, const std::string& name) : bytes_(bytes), name_(name) {}
 
     void number(uint64_t& value) {

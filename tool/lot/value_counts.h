@@ -1,6 +1,7 @@
 // How often each whole number came: a histogram that loses nothing.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
