@@ -68,6 +68,9 @@ class Browser:
     def resize(self, width, height):
         self.post("/goog/cdp/execute", {"cmd": "Emulation.setDeviceMetricsOverride", "params": {
             "width": width, "height": height, "deviceScaleFactor": 1, "mobile": False}})
+        # The page hears of it with its next frame, and may draw in the one after that.
+        self.post("/execute/async", {"args": [], "script":
+                  "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => done()));"})
 
     def press(self, key):
         self.post("/actions", {"actions": [{"type": "key", "id": "keys", "actions": [
