@@ -4,16 +4,23 @@
   tests/mutate.py --build build/release --target zerklsc_tool --tests '^tool:' --count 120 tool
   tests/mutate.py --build build/release --target zerklsc_tool --tests '^tool:preview' --count 20 tool/preview
   tests/mutate.py --build build/release --target test_table --tests '^table:' --count 20 src/table
+  tests/mutate.py --build build/release --target zerklsc_tool --tests '^tool:' --again mutate.log     what it missed
 
-The sources are changed in place, built, tried and put back; they must not differ from the last commit.
+The sources are changed in place, built, tried and put back; they must not differ from the last commit. Of the
+tests, those that saw changes of the same file or folder are run first, then those whose name has words of the file's,
+then the fastest; the first that fails is enough.
 """
 import argparse
+import concurrent.futures
+import json
+import os
 import pathlib
 import random
 import re
 import signal
 import subprocess
 import sys
+import time
 
 # What is replaced by what. Spaces around an operator tell it from templates, pointers and signs.
 CHANGES = [
@@ -25,6 +32,7 @@ CHANGES = [
 # A whole statement that does something: a call or an assignment.
 STATEMENT = re.compile(r"^ +[\w.:>\-\[\]]+(\(.*\)| [+\-*/|&]?= .*);$")
 IGNORED = re.compile(r"^\s*(//|#|using |template|static_assert|assert|constexpr \w+ \w+ = \"|return \{\};)")
+SKIPPED = 77  # the exit code of a test that cannot run here
 
 
 def mutants_of(path):
@@ -46,21 +54,67 @@ def mutants_of(path):
     return found
 
 
-def run(*words):
-    return subprocess.run(words, capture_output=True, text=True, check=False)
+def run(*words, **options):
+    return subprocess.run(words, capture_output=True, text=True, check=False, **options)
 
 
-def try_mutant(options, path, number, line):
+class Tests:
+    """The tests of a build, in the order in which they are most likely to see a change soon."""
+
+    def __init__(self, build, pattern, jobs):
+        listed = json.loads(run("ctest", "--test-dir", build, "--show-only=json-v1", "-R", pattern).stdout)
+        self.tests = {}
+        for test in listed["tests"]:
+            properties = {p["name"]: p["value"] for p in test.get("properties", [])}
+            if not properties.get("DISABLED"):
+                environment = dict(word.split("=", 1) for word in properties.get("ENVIRONMENT", []))
+                self.tests[test["name"]] = (test["command"], properties["WORKING_DIRECTORY"], environment)
+        self.jobs, self.seconds, self.caught = jobs, {}, []
+
+    def passes(self, name):
+        command, directory, environment = self.tests[name]
+        begin = time.monotonic()
+        try:
+            done = run(*command, cwd=directory, env=dict(os.environ, **environment), timeout=600)
+        except subprocess.TimeoutExpired:
+            return False
+        self.seconds.setdefault(name, time.monotonic() - begin)
+        return done.returncode in (0, SKIPPED)
+
+    def first_failing(self, names):
+        """The name of a test that fails, or None."""
+        pool = concurrent.futures.ThreadPoolExecutor(self.jobs)
+        try:
+            coming = {pool.submit(self.passes, name): name for name in names}
+            for one in concurrent.futures.as_completed(coming):
+                if not one.result():
+                    return coming[one]
+            return None
+        finally:
+            pool.shutdown(cancel_futures=True)
+
+    def see(self, path):
+        """Whether a test fails now that something in the file is changed."""
+        def order(name):
+            near = sum(10 if where == path else where.parent == path.parent for where, by in self.caught if by == name)
+            words = set(re.findall("[a-z]{3,}", name)) & set(re.findall("[a-z]{3,}", str(path.with_suffix(""))))
+            return -near, -len(words - {"tool"}), self.seconds[name]
+        failing = self.first_failing(sorted(self.tests, key=order))
+        if failing:
+            self.caught.append((path, failing))
+        return failing is not None
+
+
+def try_mutant(options, tests, path, number, line):
     """'caught', 'missed', or None where the change does not compile."""
     source = path.read_text()
     lines = source.split("\n")
     lines[number] = line
     try:
         path.write_text("\n".join(lines))
-        if run("ninja", "-C", options.build, options.target).returncode != 0:
+        if run("ninja", "-C", options.build, "-j", str(options.jobs), *options.target).returncode != 0:
             return None
-        tests = run("ctest", "--test-dir", options.build, "-R", options.tests, "--stop-on-failure", "--timeout", "120")
-        return "missed" if tests.returncode == 0 else "caught"
+        return "caught" if tests.see(path) else "missed"
     finally:
         path.write_text(source)
 
@@ -72,32 +126,57 @@ def files_of(paths):
     return files
 
 
+def text_of(path, number, line):
+    """A change as it is printed."""
+    before = path.read_text().split("\n")[number].strip()
+    return f"  {before}\n  {line.strip() or '(dropped)'}\n"
+
+
+def chosen_mutants(options):
+    if options.again:
+        log = pathlib.Path(options.again).read_text()
+        missed = re.findall(r"(?m)^(.+):(\d+): no test sees\n(  .*\n  .*\n)", log)
+        named = {(path, int(number) - 1, change) for path, number, change in missed}
+        files = map(pathlib.Path, sorted({path for path, _, _ in missed}))
+        return [(path, *mutant) for path in files for mutant in mutants_of(path)
+                if (str(path), mutant[0], text_of(path, *mutant)) in named]
+    mutants = [(path, *mutant) for path in files_of(options.paths) for mutant in mutants_of(path)]
+    random.Random(options.seed).shuffle(mutants)
+    return mutants
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build", required=True)
-    parser.add_argument("--target", required=True)
+    parser.add_argument("--target", required=True, nargs="+")
     parser.add_argument("--tests", required=True, help="a regular expression for the names of tests")
     parser.add_argument("--count", type=int, default=120)
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("paths", nargs="+", help="files or folders")
+    parser.add_argument("--skip", type=int, default=0, help="leave out so many of them, which a former run tried")
+    parser.add_argument("--jobs", type=int, default=2)
+    parser.add_argument("--again", metavar="LOG", help="what a former run printed: try only what it missed")
+    parser.add_argument("paths", nargs="*", help="files or folders")
     options = parser.parse_args()
     # The source is put back when somebody ends this program.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended"))
-    if run("git", "diff", "--quiet", "HEAD", "--", *options.paths).returncode != 0:
+    mutants = chosen_mutants(options)
+    if run("git", "diff", "--quiet", "HEAD", "--", *{str(path) for path, _, _ in mutants}).returncode != 0:
         sys.exit("the files differ from the last commit: commit them first")
-    mutants = [(path, *mutant) for path in files_of(options.paths) for mutant in mutants_of(path)]
-    random.Random(options.seed).shuffle(mutants)
+    tests = Tests(options.build, options.tests, options.jobs)
+    run("ninja", "-C", options.build, *options.target)
+    if failing := tests.first_failing(list(tests.tests)):
+        sys.exit(f"{failing} fails with nothing changed")
     counts = {"caught": 0, "missed": 0}
-    for path, number, line in mutants:
+    for path, number, line in mutants[options.skip:]:
         if sum(counts.values()) >= options.count:
             break
-        before = path.read_text().split("\n")[number].strip()
-        outcome = try_mutant(options, path, number, line)
+        text = text_of(path, number, line)
+        outcome = try_mutant(options, tests, path, number, line)
         if outcome:
             counts[outcome] += 1
         if outcome == "missed":
-            print(f"{path}:{number + 1}: no test sees\n  {before}\n  {line.strip() or '(dropped)'}", flush=True)
-    run("ninja", "-C", options.build, options.target)
+            print(f"{path}:{number + 1}: no test sees\n{text}", end="", flush=True)
+    run("ninja", "-C", options.build, *options.target)
     tried = sum(counts.values())
     print(f"{tried} changes, {counts['caught']} caught" + (f": {100 * counts['caught'] / tried:.0f} %" if tried else ""))
 
