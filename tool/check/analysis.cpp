@@ -91,7 +91,8 @@ void expect_tiles(const FrameTiles& tiles, double aspect, PlaneAnalysis& plane) 
 
 void analyse_plane(const FrameTiles& tiles, const PlaneTiles& plane_tiles, double black, double aspect,
                    PlaneAnalysis& plane) {
-    plane.noise = photon_transfer(plane_tiles);
+    plane.tile_side = tiles.side;
+    plane.noise = photon_transfer(plane_tiles, tiles.side);
     std::vector<float> means = plane_tiles.mean;
     plane.bright = quantile_of(means, 0.9) - black;
     plane.cells = cells_of(tiles, plane_tiles.mean, black, std::max(dark * plane.bright, 1e-3), aspect);
@@ -109,9 +110,12 @@ void analyse_plane(const FrameTiles& tiles, const PlaneTiles& plane_tiles, doubl
 
 } // namespace
 
+double sample_noise(const PlaneAnalysis& plane, double black, double light) {
+    return std::sqrt(std::max(variance_at(plane.noise, light + black), 0.0)) / std::max(light, 1e-3);
+}
+
 double tile_noise(const PlaneAnalysis& plane, double black, double light) {
-    return std::sqrt(std::max(variance_at(plane.noise, light + black), 0.0)) / tile_side
-           / std::max(light, 1e-3);
+    return sample_noise(plane, black, light) / plane.tile_side;
 }
 
 Analysis analyse(const RawFrame& frame, const BlackLevel& black) {

@@ -12,6 +12,7 @@
 namespace zerklsc::tool {
 
 struct PlaneAnalysis {
+    int tile_side = largest_tile_side;
     std::vector<NoisePoint> noise;
     LogCells cells;      // of the light above black
     double bright = 0;   // light of the brightest tenth of the tiles
@@ -31,7 +32,8 @@ struct Analysis {
 // The frame still holds its black level, and at least 8 x 8 tiles.
 Analysis analyse(const RawFrame& frame, const BlackLevel& black);
 
-// The noise of a tile's mean, as a fraction of its light.
+// The noise of a sample and of a tile's mean, as a fraction of the light.
+double sample_noise(const PlaneAnalysis& plane, double black, double light);
 double tile_noise(const PlaneAnalysis& plane, double black, double light);
 
 } // namespace zerklsc::tool

@@ -10,13 +10,16 @@
 namespace zerklsc::tool {
 namespace {
 
-// Light of the darkest corner cell that the fit explains.
+// Light of the darkest corner tile: what the fit explains, or what there is, if that is more.
 double corner_light(const Judgement& judgement, size_t plane) {
     const FrameTiles& tiles = judgement.analysis.tiles;
-    const auto& expected = judgement.analysis.planes[plane].expected;
-    const double darkest = static_cast<double>(std::min(
-        {expected[0], expected[tiles.index(tiles.columns - 1, 0)], expected[tiles.index(0, tiles.rows - 1)],
-         expected[tiles.index(tiles.columns - 1, tiles.rows - 1)]}));
+    double darkest = 1e9;
+    for (const size_t at : {size_t{0}, tiles.index(tiles.columns - 1, 0), tiles.index(0, tiles.rows - 1),
+                            tiles.index(tiles.columns - 1, tiles.rows - 1)})
+        darkest =
+            std::min(darkest, std::max(static_cast<double>(judgement.analysis.planes[plane].expected[at]),
+                                       static_cast<double>(tiles.planes[plane].mean[at])
+                                           - judgement.capture.black[plane]));
     return std::max(darkest, 0.05);
 }
 
@@ -28,7 +31,7 @@ void check_node_noise(const Judgement& judgement) {
     for (size_t plane = 0; plane < 4; ++plane) {
         const double light = corner_light(judgement, plane);
         const double noise =
-            tile_noise(judgement.analysis.planes[plane], judgement.capture.black[plane], light) * tile_side
+            sample_noise(judgement.analysis.planes[plane], judgement.capture.black[plane], light)
             / std::sqrt(samples);
         if (noise > worst) {
             worst = noise;
@@ -69,7 +72,7 @@ void check_brightness(const Judgement& judgement) {
             darkest = light;
             dark_plane = plane;
         }
-        const double one = tile_noise(p, capture.black[plane], std::max(light, 1e-3)) * tile_side;
+        const double one = sample_noise(p, capture.black[plane], std::max(light, 1e-3));
         if (one > noise) {
             noise = one;
             noisy_plane = plane;

@@ -31,8 +31,8 @@ Dead dead_tiles(const Judgement& judgement) {
             if (light >= least && light >= p.expected[i] / 5)
                 continue;
             if (dead.tiles++ == 0) {
-                dead.x = static_cast<int>(i % static_cast<size_t>(tiles.columns)) * 2 * tile_side;
-                dead.y = static_cast<int>(i / static_cast<size_t>(tiles.columns)) * 2 * tile_side;
+                dead.x = static_cast<int>(i % static_cast<size_t>(tiles.columns)) * 2 * tiles.side;
+                dead.y = static_cast<int>(i / static_cast<size_t>(tiles.columns)) * 2 * tiles.side;
             }
         }
         if (dead.tiles > worst.tiles)
@@ -42,39 +42,90 @@ Dead dead_tiles(const Judgement& judgement) {
 }
 
 constexpr int corner_side = 5; // plane samples
+// A corner with this part of the brightest light can be corrected, whatever darkens it.
+constexpr double correctable = 0.25, warned_only = 0.6;
 const std::array<const char*, 4> corner_names{"top left", "top right", "bottom left", "bottom right"};
+
+struct Span {
+    int begin, end;
+};
+
+// The samples whose columns and rows lie so many plane samples away from the sides of the corner.
+std::vector<float> corner_samples(const RawFrame& frame, size_t plane, size_t corner, Span across,
+                                  Span down) {
+    const int w = frame.width / 2, h = frame.height / 2;
+    std::vector<float> samples;
+    for (int j = down.begin; j < down.end; ++j)
+        for (int i = across.begin; i < across.end; ++i) {
+            const int x = (corner & 1) != 0 ? w - 1 - i : i, y = (corner & 2) != 0 ? h - 1 - j : j;
+            samples.push_back(
+                frame.at(2 * x + static_cast<int>(plane & 1), 2 * y + static_cast<int>(plane >> 1)));
+        }
+    return samples;
+}
+
+// What the surface says of the plane sample that is `inward` samples away from both sides of the corner.
+double expected_in_corner(const RawFrame& frame, const PlaneAnalysis& plane, size_t corner, int inward) {
+    const int w = frame.width / 2, h = frame.height / 2;
+    const int x = (corner & 1) != 0 ? w - 1 - inward : inward,
+              y = (corner & 2) != 0 ? h - 1 - inward : inward;
+    return std::exp(std::clamp(
+        plane.surface.at(u_of(x, w, plane.cells.aspect), v_of(y, h, plane.cells.aspect)), -30.0, 30.0));
+}
 
 // The median of the outermost samples of a corner, as a part of the light that the lens leaves there; noise
 // counts for the corner.
 double corner_part(const Judgement& judgement, size_t plane, size_t corner) {
     const RawFrame& frame = judgement.capture.frame;
     const PlaneAnalysis& p = judgement.analysis.planes[plane];
-    const int w = frame.width / 2, h = frame.height / 2;
-    const int x0 = (corner & 1) != 0 ? w - corner_side : 0, y0 = (corner & 2) != 0 ? h - corner_side : 0;
-    std::vector<float> samples;
-    for (int j = 0; j < corner_side; ++j)
-        for (int i = 0; i < corner_side; ++i)
-            samples.push_back(frame.at(2 * (x0 + i) + static_cast<int>(plane & 1),
-                                       2 * (y0 + j) + static_cast<int>(plane >> 1)));
-    const double expected =
-        std::exp(p.surface.at(u_of(x0 + 2, w, p.cells.aspect), v_of(y0 + 2, h, p.cells.aspect)));
+    std::vector<float> samples = corner_samples(frame, plane, corner, {0, corner_side}, {0, corner_side});
+    const double expected = expected_in_corner(frame, p, corner, corner_side / 2);
     const double black = judgement.capture.black[plane];
     const double noise = std::sqrt(1.57 * variance_at(p.noise, black + expected)) / corner_side;
-    return expected > 0 ? (median_of(samples) - black + 4 * noise) / expected : 0;
+    const double light = median_of(samples) - black + 4 * noise;
+    // A barrel vignettes the corners more steeply than any smooth surface does.
+    return std::max(light / expected,
+                    std::min(light / std::max(p.bright, 1e-3) * 0.5 / correctable, warned_only));
+}
+
+// A mask of a few pixels darkens the outermost sample of a corner in every plane. Along both sides of the
+// frame there is light beside it: else it is a dead line.
+double outermost_part(const Judgement& judgement, size_t corner) {
+    double part = 0, variance = 0, along = 1e9;
+    for (size_t plane = 0; plane < 4; ++plane) {
+        const RawFrame& frame = judgement.capture.frame;
+        const PlaneAnalysis& p = judgement.analysis.planes[plane];
+        const double black = judgement.capture.black[plane];
+        std::vector<float> around = corner_samples(frame, plane, corner, {2, 7}, {2, 7});
+        std::vector<float> across = corner_samples(frame, plane, corner, {2, 7}, {0, 1});
+        std::vector<float> down = corner_samples(frame, plane, corner, {0, 1}, {2, 7});
+        const double light = std::max(median_of(around) - black, 1e-3);
+        const double sample = static_cast<double>(corner_samples(frame, plane, corner, {0, 1}, {0, 1})[0]);
+        // In a small frame, much of the lens's fall-off lies between the two.
+        const double fall =
+            expected_in_corner(frame, p, corner, 0) / std::max(expected_in_corner(frame, p, corner, 4), 1e-3);
+        const double expected = light * std::clamp(fall, 0.5, 1.0);
+        part += std::clamp((sample - black) / expected, 0.0, 1.0) / 4;
+        variance += std::pow(sample_noise(p, black, expected) / 4, 2);
+        along = std::min({along, (median_of(across) - black) / light, (median_of(down) - black) / light});
+    }
+    return along > 0.5 ? part + 4 * std::sqrt(variance) : 1;
 }
 
 void check_corners(const Judgement& judgement) {
     double worst = 1e9;
     size_t where = 0, which = 0;
-    for (size_t plane = 0; plane < 4; ++plane)
-        for (size_t corner = 0; corner < 4; ++corner) {
-            const double part = std::min(corner_part(judgement, plane, corner), 1.0);
+    for (size_t corner = 0; corner < 4; ++corner) {
+        const double outermost = outermost_part(judgement, corner);
+        for (size_t plane = 0; plane < 4; ++plane) {
+            const double part = std::min({corner_part(judgement, plane, corner), outermost, 1.0});
             if (part < worst) {
                 worst = part;
                 where = plane;
                 which = corner;
             }
         }
+    }
     judgement.add(
         "corner", judgement.capture.colour(where), 100 * worst,
         fmt::format("the {} corner is masked or shaded: look for a lens hood, a holder or a misplaced lens",

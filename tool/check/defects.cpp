@@ -17,7 +17,7 @@ void check_defects(const Judgement& judgement, const Outliers& outliers) {
         if (outliers.dust_spots[plane] > outliers.dust_spots[where])
             where = plane;
     }
-    const double all = static_cast<double>(judgement.analysis.tiles.count()) * 4 * tile_side * tile_side;
+    const double all = 4.0 * judgement.analysis.tiles.samples();
     judgement.add("dust", capture.colour(where), outliers.dust_spots[where],
                   "there is dust or a scratch: clean the diffuser, the lens and the sensor's cover");
     judgement.add("defects", "", 100 * static_cast<double>(samples) / all,

@@ -109,11 +109,11 @@ void fill(const FrameTiles& tiles, const std::vector<uint8_t>& shaded, std::vect
 // belongs to no tile.
 void scale_tile(const Samples& samples, const FrameTiles& tiles, size_t at, double light, int black) {
     const int column = static_cast<int>(at) % tiles.columns, row = static_cast<int>(at) / tiles.columns;
-    const int right = column + 1 < tiles.columns ? (column + 1) * tile_side : samples.width();
-    const int bottom = row + 1 < tiles.rows ? (row + 1) * tile_side : samples.height();
+    const int right = column + 1 < tiles.columns ? (column + 1) * tiles.side : samples.width();
+    const int bottom = row + 1 < tiles.rows ? (row + 1) * tiles.side : samples.height();
     const auto for_each = [&](auto&& visit) {
-        for (int y = row * tile_side; y < bottom; ++y)
-            for (int x = column * tile_side; x < right; ++x)
+        for (int y = row * tiles.side; y < bottom; ++y)
+            for (int x = column * tiles.side; x < right; ++x)
                 visit(samples.at(x, y));
     };
     double sum = 0, count = 0;

@@ -15,6 +15,8 @@ constexpr size_t powers = std::tuple_size_v<decltype(LensSurface::radial)>;
 constexpr size_t first_centre = powers, first_light = powers + 2, unknowns = powers + 4;
 constexpr double expected_centre = 0.08;
 constexpr double expected_light = 0.1;
+// The points of a frame of usual size, of which all terms can be told.
+constexpr double many_points = 1200;
 // What no lens follows more closely: below this, residuals are not told apart.
 constexpr double model_error = 0.002;
 
@@ -84,7 +86,8 @@ void step(const std::vector<Point>& points, double scale, int round, LensSurface
         const double residual = p.value - surface.lens_at(p.u, p.v);
         equations.add(derivatives(surface, p.u, p.v), residual, weight_of(residual, scale, round));
     }
-    const double hold = scale * scale * 40;
+    // As strongly against few points as against many.
+    const double hold = scale * scale * 40 * std::min(1.0, static_cast<double>(points.size()) / many_points);
     for (size_t axis = 0; axis < 2; ++axis) {
         equations.hold(first_centre + axis, -surface.centre[axis],
                        hold / (expected_centre * expected_centre));
@@ -124,6 +127,14 @@ double LensSurface::lens_at(double u, double v) const {
     for (size_t k = powers; k-- > 0;)
         lens = lens * r2 + radial[k];
     return lens + std::log(light_at(*this, u, v));
+}
+
+double LensSurface::at(double u, double v) const {
+    const double smooth = lens_at(u, v) + rest_at(u, v);
+    if (!in_corner(u, v))
+        return smooth;
+    const double inward = corners_begin / std::sqrt(u * u + v * v);
+    return std::min(smooth, lens_at(inward * u, inward * v) + rest_at(inward * u, inward * v));
 }
 
 double LensSurface::rest_at(double u, double v) const {

@@ -22,7 +22,19 @@ struct LogCells {
 constexpr float no_light = -1e9F;
 
 // Coordinates u and v are from the middle of the plane, in half diagonals.
-//
+
+// The outermost corners, which a housing often vignettes: no smooth surface holds for them.
+constexpr double corners_begin = 0.85;
+constexpr bool in_corner(double u, double v) {
+    return u * u + v * v > corners_begin * corners_begin;
+}
+
+// Where a lens's barrel may darken the frame, in all corners alike.
+constexpr bool beyond_barrel(double u, double v) {
+    constexpr double from = 0.6;
+    return u * u + v * v > from * from;
+}
+
 // The model is h(r^2) + log(1 + gx u + gy v): h is a polynomial in the even powers of the distance from the
 // optical centre up to r^14, which holds the cos^4 law and the wavy shading of small lenses, and the second
 // term is light that rises evenly over the frame. A small smooth rest, a polynomial of degree 4 in u and v,
@@ -35,18 +47,13 @@ struct LensSurface {
 
     double lens_at(double u, double v) const;
     double rest_at(double u, double v) const;
-    double at(double u, double v) const { return lens_at(u, v) + rest_at(u, v); }
+    // In the corners, where few points hold the polynomials, it is no higher than where they begin.
+    double at(double u, double v) const;
 };
 
 // Where the middle of column `i` of `columns` lies, and the same for rows.
 double u_of(double i, int columns, double aspect);
 double v_of(double j, int rows, double aspect);
-
-// The outermost corners, which a housing often vignettes: no smooth surface holds for them.
-constexpr bool in_corner(double u, double v) {
-    constexpr double from = 0.85;
-    return u * u + v * v > from * from;
-}
 
 // Robust least squares by iteratively reweighted Gauss-Newton steps (P. W. Holland, R. E. Welsch, "Robust
 // regression using iteratively reweighted least-squares", 1977). Where the fall-off is so plain that a

@@ -12,21 +12,24 @@ namespace zerklsc::tool {
 namespace {
 
 constexpr size_t classes = 24;
-// Of the sum of 32 squared differences per direction, 64 in all: the median of a chi-square distribution of k
-// degrees of freedom is k (1 - 2 / (9 k))^3 (E. B. Wilson, M. M. Hilferty, PNAS 17, 1931).
-constexpr double median_of_variances = 0.98964;
+// A tile's variance is the mean of as many squared differences as it has samples, half of them in each
+// direction: the median of a chi-square distribution of k degrees of freedom is k (1 - 2 / (9 k))^3 (E. B.
+// Wilson, M. M. Hilferty, PNAS 17, 1931).
+double median_of_variances(int tile_side) {
+    return std::pow(1 - 2.0 / (9 * tile_side * tile_side), 3);
+}
 
 struct TileNoise {
     float level, variance;
 };
 
-NoisePoint point_of(const TileNoise* begin, const TileNoise* end) {
+NoisePoint point_of(const TileNoise* begin, const TileNoise* end, int tile_side) {
     std::vector<float> level, variance;
     for (const TileNoise* tile = begin; tile != end; ++tile) {
         level.push_back(tile->level);
         variance.push_back(tile->variance);
     }
-    return {median_of(level), median_of(variance) / median_of_variances};
+    return {median_of(level), median_of(variance) / median_of_variances(tile_side)};
 }
 
 // Puts the classes `first` to `last` - 1 of `count`, in order; not the tiles in them.
@@ -43,13 +46,13 @@ void order_classes(std::vector<TileNoise>& tiles, size_t count, size_t first, si
     order_classes(tiles, count, middle, last);
 }
 
-std::vector<NoisePoint> curve_of(std::vector<TileNoise> tiles) {
+std::vector<NoisePoint> curve_of(std::vector<TileNoise> tiles, int tile_side) {
     const size_t count = std::min(classes, std::max<size_t>(tiles.size() / 16, 1));
     order_classes(tiles, count, 0, count);
     std::vector<NoisePoint> curve;
     for (size_t k = 0; k < count; ++k)
-        curve.push_back(
-            point_of(tiles.data() + tiles.size() * k / count, tiles.data() + tiles.size() * (k + 1) / count));
+        curve.push_back(point_of(tiles.data() + tiles.size() * k / count,
+                                 tiles.data() + tiles.size() * (k + 1) / count, tile_side));
     return curve;
 }
 
@@ -103,19 +106,20 @@ NoiseParabola best_fit(const std::vector<NoisePoint>& curve, double black, int m
 
 } // namespace
 
-std::vector<NoisePoint> photon_transfer(const PlaneTiles& tiles) {
+std::vector<NoisePoint> photon_transfer(const PlaneTiles& tiles, int tile_side) {
     std::vector<TileNoise> noise(tiles.mean.size());
     for (size_t i = 0; i < noise.size(); ++i)
         noise[i] = {tiles.mean[i], (tiles.variance_h[i] + tiles.variance_v[i]) / 2};
-    return curve_of(std::move(noise));
+    return curve_of(std::move(noise), tile_side);
 }
 
-std::vector<NoisePoint> photon_transfer(const PlaneTiles& first, const PlaneTiles& difference) {
+std::vector<NoisePoint> photon_transfer(const PlaneTiles& first, const PlaneTiles& difference,
+                                        int tile_side) {
     std::vector<TileNoise> noise(first.mean.size());
     // A difference has the noise of both captures.
     for (size_t i = 0; i < noise.size(); ++i)
         noise[i] = {first.mean[i], (difference.variance_h[i] + difference.variance_v[i]) / 4};
-    return curve_of(std::move(noise));
+    return curve_of(std::move(noise), tile_side);
 }
 
 double variance_at(const std::vector<NoisePoint>& curve, double level) {

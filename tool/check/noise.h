@@ -18,11 +18,11 @@ struct NoisePoint {
 // The median variance of the tiles in classes of equal count, from dark to bright: photon transfer (J. R.
 // Janesick, "Photon Transfer", SPIE Press, 2007) over the fall-off of one flat field instead of over many
 // exposures. Defective pixels spoil few tiles, and a median does not see those.
-std::vector<NoisePoint> photon_transfer(const PlaneTiles& tiles);
+std::vector<NoisePoint> photon_transfer(const PlaneTiles& tiles, int tile_side);
 
 // The same of the noise that two captures do not share: fixed-pattern noise, which is the same in both,
 // cancels in their difference, as EMVA standard 1288 measures it.
-std::vector<NoisePoint> photon_transfer(const PlaneTiles& first, const PlaneTiles& difference);
+std::vector<NoisePoint> photon_transfer(const PlaneTiles& first, const PlaneTiles& difference, int tile_side);
 
 // The variance at a level, between the points of the curve.
 double variance_at(const std::vector<NoisePoint>& curve, double level);

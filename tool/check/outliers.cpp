@@ -15,10 +15,10 @@ constexpr float sample_reach = 7;
 constexpr float tile_reach = 6;
 constexpr float least_shadow = 0.012F;
 
-// The samples of the plane from `left` and `top` on, as many each way as a tile has, beyond the reach about
-// their median; those before `first_x` and `first_y` are not looked for.
+// The samples of the plane from `left` and `top` on, `side` each way, beyond the reach about their median;
+// those before `first_x` and `first_y` are not looked for.
 struct SearchArea {
-    int left, top;
+    int side, left, top;
     int first_x = 0, first_y = 0;
 };
 
@@ -29,12 +29,12 @@ void search_area(const RawFrame& frame, size_t plane, const SearchArea& area, fl
         return static_cast<float>(
             frame.at(2 * x + static_cast<int>(plane & 1), 2 * y + static_cast<int>(plane >> 1)));
     };
-    for (int y = area.top; y < area.top + tile_side; ++y)
-        for (int x = area.left; x < area.left + tile_side; ++x)
+    for (int y = area.top; y < area.top + area.side; ++y)
+        for (int x = area.left; x < area.left + area.side; ++x)
             samples.push_back(sample(x, y));
     const auto middle = static_cast<float>(median_of(samples));
-    for (int y = area.top; y < area.top + tile_side; ++y)
-        for (int x = area.left; x < area.left + tile_side; ++x)
+    for (int y = area.top; y < area.top + area.side; ++y)
+        for (int x = area.left; x < area.left + area.side; ++x)
             if ((x >= area.first_x || y >= area.first_y) && std::abs(sample(x, y) - middle) > reach)
                 found.push_back(static_cast<uint32_t>(y * (frame.width / 2) + x));
 }
@@ -43,12 +43,12 @@ void search_area(const RawFrame& frame, size_t plane, const SearchArea& area, fl
 void search_edge(const RawFrame& frame, size_t plane, const FrameTiles& tiles, auto&& reach_at,
                  std::vector<uint32_t>& found) {
     const int w = frame.width / 2, h = frame.height / 2;
-    const int tiles_w = tiles.columns * tile_side, tiles_h = tiles.rows * tile_side;
+    const int tiles_w = tiles.columns * tiles.side, tiles_h = tiles.rows * tiles.side;
     for (int row = 0; w > tiles_w && row < tiles.rows; ++row)
-        search_area(frame, plane, {w - tile_side, row * tile_side, tiles_w, h},
+        search_area(frame, plane, {tiles.side, w - tiles.side, row * tiles.side, tiles_w, h},
                     reach_at(tiles.index(tiles.columns - 1, row)), found);
     for (int column = 0; h > tiles_h && column < tiles.columns; ++column)
-        search_area(frame, plane, {column * tile_side, h - tile_side, w, tiles_h},
+        search_area(frame, plane, {tiles.side, column * tiles.side, h - tiles.side, w, tiles_h},
                     reach_at(tiles.index(column, tiles.rows - 1)), found);
 }
 
@@ -70,7 +70,7 @@ void find_samples(const FlatCapture& capture, const Analysis& analysis, size_t p
             const float mean = t.mean[at];
             if (static_cast<float>(t.brightest[at]) > mean + reach
                 || static_cast<float>(t.darkest[at]) < mean - reach)
-                search_area(capture.frame, plane, {column * tile_side, row * tile_side}, reach,
+                search_area(capture.frame, plane, {tiles.side, column * tiles.side, row * tiles.side}, reach,
                             outliers.samples[plane]);
         }
     search_edge(capture.frame, plane, tiles, reach_at, outliers.samples[plane]);
@@ -115,7 +115,7 @@ std::vector<int> find_lines(const std::vector<float>& means, float least) {
 }
 
 // How far a tile lies off the middle between the tiles at both sides of it, in the middle one of up to four
-// directions: neither a slope nor an edge is a spot. 0 in a corner, where there is no such middle.
+// directions: neither a slope nor an edge is a spot. 0 at a corner, where there is no such middle.
 float depth_of(const FrameTiles& tiles, const std::vector<float>& rest, int column, int row) {
     // Small frames curve more from tile to tile.
     const int away = std::clamp(tiles.columns / 26, 2, 5);
@@ -128,6 +128,15 @@ float depth_of(const FrameTiles& tiles, const std::vector<float>& rest, int colu
             middles.push_back((rest[tiles.index(left, row - dy)] + rest[tiles.index(right, row + dy)]) / 2);
     }
     return middles.empty() ? 0 : rest[tiles.index(column, row)] - static_cast<float>(median_of(middles));
+}
+
+// The same without what a barrel vignettes: that darkens the other corners too, if not as much.
+float depth_beyond_barrel(const FrameTiles& tiles, const std::vector<float>& rest, int column, int row) {
+    const int across = tiles.columns - 1 - column, down = tiles.rows - 1 - row;
+    std::vector<float> others{depth_of(tiles, rest, across, row), depth_of(tiles, rest, column, down),
+                              depth_of(tiles, rest, across, down)};
+    const auto lens = static_cast<float>(std::min(median_of(others), 0.0));
+    return depth_of(tiles, rest, column, row) - 2 * lens;
 }
 
 // What the surface leaves of each tile, by the samples of it that are not defective; 0 where none is left.
@@ -143,17 +152,17 @@ std::vector<float> rest_of_good_samples(const FlatCapture& capture, const Analys
     std::map<size_t, Sum> left_out;
     for (const uint32_t place : defective) {
         const auto x = static_cast<int>(place % width), y = static_cast<int>(place / width);
-        if (x / tile_side >= tiles.columns || y / tile_side >= tiles.rows)
+        if (x / tiles.side >= tiles.columns || y / tiles.side >= tiles.rows)
             continue;
-        Sum& sum = left_out[tiles.index(x / tile_side, y / tile_side)];
+        Sum& sum = left_out[tiles.index(x / tiles.side, y / tiles.side)];
         sum.samples += static_cast<float>(
             capture.frame.at(2 * x + static_cast<int>(plane & 1), 2 * y + static_cast<int>(plane >> 1)));
         ++sum.count;
     }
     std::vector<float> rest = p.rest;
-    constexpr int samples = tile_side * tile_side;
+    const int samples = tiles.tile_samples();
     for (const auto& [at, sum] : left_out) {
-        const float good = tiles.planes[plane].mean[at] * samples - sum.samples;
+        const float good = tiles.planes[plane].mean[at] * static_cast<float>(samples) - sum.samples;
         const auto black = static_cast<float>(capture.black[plane]);
         rest[at] = sum.count == samples ? 0
                                         : (good / static_cast<float>(samples - sum.count) - black)
@@ -168,6 +177,7 @@ void find_dust(const FlatCapture& capture, const Analysis& analysis, size_t plan
     const FrameTiles& tiles = analysis.tiles;
     const PlaneAnalysis& p = analysis.planes[plane];
     const DeviationTable deviations(p.noise, capture.frame.full_scale());
+    const double aspect = p.cells.aspect;
     const std::vector<float>& rest = outliers.rest[plane];
     std::vector<float> scratch = rest;
     const auto spread = static_cast<float>(deviation_from(scratch, 0));
@@ -175,10 +185,16 @@ void find_dust(const FlatCapture& capture, const Analysis& analysis, size_t plan
         for (int column = 0; column < tiles.columns; ++column) {
             const size_t at = tiles.index(column, row);
             const float light = std::max(p.expected[at], 0.1F);
-            const float noise =
-                deviations.at(light + static_cast<float>(capture.black[plane])) / tile_side / light;
+            const float noise = deviations.at(light + static_cast<float>(capture.black[plane]))
+                                / static_cast<float>(tiles.side) / light;
             const float reach = tile_reach * std::max(noise * 1.1F, spread) + least_shadow;
-            if (rest[at] < -reach / 2 && depth_of(tiles, rest, column, row) < -reach)
+            if (rest[at] >= -reach / 2)
+                continue;
+            const bool barrel =
+                beyond_barrel(u_of(column, tiles.columns, aspect), v_of(row, tiles.rows, aspect));
+            const float depth =
+                barrel ? depth_beyond_barrel(tiles, rest, column, row) : depth_of(tiles, rest, column, row);
+            if (depth < -reach)
                 outliers.dust_tiles[plane].push_back(static_cast<uint32_t>(at));
         }
 }

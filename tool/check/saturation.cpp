@@ -10,29 +10,32 @@
 namespace zerklsc::tool {
 namespace {
 
-// Defective pixels lie alone; of a tile in which the light is clipped, at least this part is.
-constexpr int cluster = tile_side * tile_side / 20;
+// Defective pixels lie alone; of a tile in which the light is clipped, at least this many samples are.
+int cluster_of(const FrameTiles& tiles) {
+    return std::max(tiles.tile_samples() / 20, 2);
+}
+
 constexpr double most_defects = 0.005;
 
 // How many samples of a tile have the value, or more. A row or column that has it alone is a defect of the
 // sensor.
-int count_in_tile(const RawFrame& frame, size_t plane, int column, int row, int value, bool or_more) {
-    std::array<int, tile_side> in_rows{}, in_columns{};
+int count_in_tile(const RawFrame& frame, int side, size_t plane, int column, int row, int value,
+                  bool or_more) {
+    std::array<int, largest_tile_side> in_rows{}, in_columns{};
     int count = 0;
-    for (size_t j = 0; j < tile_side; ++j)
-        for (size_t i = 0; i < tile_side; ++i) {
-            const int sample =
-                frame.at(2 * (column * tile_side + static_cast<int>(i)) + static_cast<int>(plane & 1),
-                         2 * (row * tile_side + static_cast<int>(j)) + static_cast<int>(plane >> 1));
+    for (int j = 0; j < side; ++j)
+        for (int i = 0; i < side; ++i) {
+            const int sample = frame.at(2 * (column * side + i) + static_cast<int>(plane & 1),
+                                        2 * (row * side + j) + static_cast<int>(plane >> 1));
             if (sample == value || (or_more && sample > value)) {
                 ++count;
-                ++in_rows[j];
-                ++in_columns[i];
+                ++in_rows[static_cast<size_t>(j)];
+                ++in_columns[static_cast<size_t>(i)];
             }
         }
-    if (count < tile_side * tile_side / 2) {
-        count -= tile_side * static_cast<int>(std::ranges::count(in_rows, tile_side));
-        count -= tile_side * static_cast<int>(std::ranges::count(in_columns, tile_side));
+    if (count < side * side / 2) {
+        count -= side * static_cast<int>(std::ranges::count(in_rows, side));
+        count -= side * static_cast<int>(std::ranges::count(in_columns, side));
     }
     return count;
 }
@@ -45,10 +48,10 @@ double clustered_share(const FlatCapture& capture, const FrameTiles& tiles, size
         for (int column = 0; column < tiles.columns; ++column) {
             if (tiles.planes[plane].brightest[tiles.index(column, row)] < value)
                 continue;
-            const int count = count_in_tile(capture.frame, plane, column, row, value, or_more);
-            found += count >= cluster ? count : 0;
+            const int count = count_in_tile(capture.frame, tiles.side, plane, column, row, value, or_more);
+            found += count >= cluster_of(tiles) ? count : 0;
         }
-    return static_cast<double>(found) / (static_cast<double>(tiles.count()) * tile_side * tile_side);
+    return static_cast<double>(found) / tiles.samples();
 }
 
 // The highest value at which far more samples lie than at the ones that occur below it, leaving out what few

@@ -25,6 +25,38 @@ float median_around(const LogCells& cells, const std::vector<float>& rest, int c
     return static_cast<float>(median_of(values));
 }
 
+// The same without what a barrel vignettes: that darkens the other corners too, if not as much.
+float around_without_barrel(const PlaneAnalysis& plane, int column, int row) {
+    const LogCells& cells = plane.cells;
+    const float around = median_around(cells, plane.cell_rest, column, row);
+    if (around >= 0 || !beyond_barrel(cells.u_at(column), cells.v_at(row)))
+        return around;
+    const int across = cells.columns - 1 - column, down = cells.rows - 1 - row;
+    std::vector<float> others{median_around(cells, plane.cell_rest, across, row),
+                              median_around(cells, plane.cell_rest, column, down),
+                              median_around(cells, plane.cell_rest, across, down)};
+    return std::min(around - 2 * std::min(static_cast<float>(median_of(others)), 0.0F), 0.0F);
+}
+
+// The largest median of five cells in a row, of the four directions through a cell: a ring or a streak of
+// flare may be narrower than three cells. 0 where no direction has five.
+float median_along(const LogCells& cells, const std::vector<float>& rest, int column, int row) {
+    constexpr int reach = 2;
+    float largest = 0;
+    std::vector<float> values;
+    for (const auto [dx, dy] : {std::array{1, 0}, std::array{0, 1}, std::array{1, 1}, std::array{1, -1}}) {
+        const int i = column - reach * dx, j = row - reach * dy, last_i = column + reach * dx,
+                  last_j = row + reach * dy;
+        if (i < 0 || last_i >= cells.columns || std::min(j, last_j) < 0 || std::max(j, last_j) >= cells.rows)
+            continue;
+        values.clear();
+        for (int k = -reach; k <= reach; ++k)
+            values.push_back(rest[static_cast<size_t>((row + k * dy) * cells.columns + column + k * dx)]);
+        largest = std::max(largest, static_cast<float>(median_of(values)));
+    }
+    return largest;
+}
+
 // Where lenses differ most from a smooth surface.
 bool near_edge(const LogCells& cells, int column, int row) {
     const int reach = std::max(std::max(cells.columns, cells.rows) / 10, 1);
@@ -44,7 +76,9 @@ Areas areas_of(const Judgement& judgement, const std::vector<float>& rows) {
             for (int i = 0; i < cells.columns; ++i) {
                 if (in_corner(cells.u_at(i), cells.v_at(j)))
                     continue;
-                const double at = static_cast<double>(median_around(cells, p.cell_rest, i, j))
+                const float around = around_without_barrel(p, i, j);
+                const float highest = std::max(around, median_along(cells, p.cell_rest, i, j));
+                const double at = static_cast<double>(around < 0 ? around : highest)
                                   - static_cast<double>(rows.empty() ? 0 : rows[static_cast<size_t>(j)]);
                 double height = std::max(std::abs(at) - 3 * p.cell_noise, 0.0);
                 Area& area = at < 0 ? areas.shadow : areas.flare;
@@ -119,7 +153,8 @@ double texture_of(const Judgement& judgement, size_t plane, const std::vector<fl
             const size_t at = tiles.index(i, j), below = tiles.index(i, j + 1);
             const float rows = (profile[static_cast<size_t>(j)] + profile[static_cast<size_t>(j) + 1]) / 2;
             const float light = std::max(p.expected[at], 0.01F);
-            const float noise = deviations.at(light + static_cast<float>(black)) / (2 * tile_side) / light;
+            const float noise =
+                deviations.at(light + static_cast<float>(black)) / static_cast<float>(2 * tiles.side) / light;
             blocks.push_back(((p.rest[at] + p.rest[at + 1] + p.rest[below] + p.rest[below + 1]) / 4 - rows)
                              / noise);
         }
@@ -139,6 +174,11 @@ void check_structure(const Judgement& judgement) {
     double worst = 1;
     size_t where = 0;
     std::vector<float> ratios;
+    // Three deviations of the median of so many roots of ratios, each of two variances from half of a tile's
+    // samples.
+    const FrameTiles& all = judgement.analysis.tiles;
+    const double chance =
+        std::exp(3 * 1.25 * std::sqrt(2.0 / all.tile_samples() / static_cast<double>(all.count())));
     for (size_t plane = 0; plane < 4; ++plane) {
         const PlaneTiles& tiles = judgement.analysis.tiles.planes[plane];
         ratios.clear();
@@ -149,7 +189,7 @@ void check_structure(const Judgement& judgement) {
             ratios.push_back((tiles.variance_v[i] + least) / (tiles.variance_h[i] + least));
         }
         const double ratio = std::sqrt(median_of(ratios));
-        const double larger = std::max(ratio, 1 / std::max(ratio, 1e-3));
+        const double larger = std::max(ratio, 1 / std::max(ratio, 1e-3)) / chance;
         if (larger > worst) {
             worst = larger;
             where = plane;

@@ -98,7 +98,8 @@ void check_black_level_of_pair(const Judgement& judgement, const CheckedFlat& ot
     const FrameTiles noise = measure_tiles(difference);
     std::array<std::vector<NoisePoint>, 4> curves;
     for (size_t plane = 0; plane < 4; ++plane)
-        curves[plane] = photon_transfer(judgement.analysis.tiles.planes[plane], noise.planes[plane]);
+        curves[plane] =
+            photon_transfer(judgement.analysis.tiles.planes[plane], noise.planes[plane], noise.side);
     std::erase_if(judgement.findings, [](const Finding& f) { return f.name == "black-level"; });
     judge_black_level(judgement, curves);
 }

@@ -56,12 +56,12 @@ std::array<float, 2> row_means(const uint16_t* row, size_t width) {
 
 // Horizontal neighbours in a plane are two columns apart; a pair's difference stands at its left column, and
 // that of every second pair is not used.
-void store_tile(const ColumnSums& sums, size_t first, PlaneTiles& tiles, size_t at) {
-    constexpr float samples = tile_side * tile_side;
+void store_tile(const ColumnSums& sums, size_t side, size_t first, PlaneTiles& tiles, size_t at) {
+    const auto samples = static_cast<float>(side * side);
     uint32_t sum = 0;
     float square_h = 0, square_v = 0;
     uint16_t lowest = 0xFFFF, highest = 0;
-    for (size_t i = 0; i < tile_side; ++i) {
+    for (size_t i = 0; i < side; ++i) {
         const size_t x = first + 2 * i;
         sum += sums.sum[x];
         square_v += sums.square_v[x];
@@ -85,8 +85,8 @@ void allocate(FrameTiles& tiles) {
         plane.variance_v.resize(tiles.count());
         plane.darkest.resize(tiles.count());
         plane.brightest.resize(tiles.count());
-        plane.row_means.resize(static_cast<size_t>(tiles.rows) * tile_side);
-        plane.column_means.assign(static_cast<size_t>(tiles.columns) * tile_side, 0.0F);
+        plane.row_means.resize(static_cast<size_t>(tiles.rows * tiles.side));
+        plane.column_means.assign(static_cast<size_t>(tiles.columns * tiles.side), 0.0F);
     }
 }
 
@@ -94,11 +94,12 @@ void allocate(FrameTiles& tiles) {
 void measure_row_of_tiles(const RawFrame& frame, int tile_row, int parity, ColumnSums& sums,
                           FrameTiles& tiles) {
     const auto stride = static_cast<size_t>(frame.width);
-    const size_t width = static_cast<size_t>(tiles.columns) * 2 * tile_side;
+    const auto side = static_cast<size_t>(tiles.side);
+    const size_t width = static_cast<size_t>(tiles.columns) * 2 * side;
     const auto first_plane = static_cast<size_t>(2 * parity);
     sums.clear();
-    for (size_t j = 0; j < tile_side; ++j) {
-        const size_t plane_row = static_cast<size_t>(tile_row) * tile_side + j;
+    for (size_t j = 0; j < side; ++j) {
+        const size_t plane_row = static_cast<size_t>(tile_row) * side + j;
         const uint16_t* const row = &frame.samples[(2 * plane_row + static_cast<size_t>(parity)) * stride];
         add_row(row, width, sums);
         add_squares(row, row + 2, width - 2, sums.square_h.data());
@@ -108,13 +109,14 @@ void measure_row_of_tiles(const RawFrame& frame, int tile_row, int parity, Colum
         tiles.planes[first_plane].row_means[plane_row] = means[0];
         tiles.planes[first_plane + 1].row_means[plane_row] = means[1];
     }
-    const float rows = static_cast<float>(tiles.rows) * tile_side;
-    for (size_t side = 0; side < 2; ++side) {
-        PlaneTiles& plane = tiles.planes[first_plane + side];
+    const auto rows = static_cast<float>(tiles.rows * tiles.side);
+    for (size_t parity_x = 0; parity_x < 2; ++parity_x) {
+        PlaneTiles& plane = tiles.planes[first_plane + parity_x];
         for (int i = 0; i < tiles.columns; ++i)
-            store_tile(sums, static_cast<size_t>(i) * 2 * tile_side + side, plane, tiles.index(i, tile_row));
+            store_tile(sums, side, static_cast<size_t>(i) * 2 * side + parity_x, plane,
+                       tiles.index(i, tile_row));
         for (size_t x = 0; x < plane.column_means.size(); ++x)
-            plane.column_means[x] += static_cast<float>(sums.sum[2 * x + side]) / rows;
+            plane.column_means[x] += static_cast<float>(sums.sum[2 * x + parity_x]) / rows;
     }
 }
 
@@ -124,7 +126,7 @@ void take_slope_off(const FrameTiles& tiles, PlaneTiles& plane) {
     const auto slope = [&](int column, int row, int to_column, int to_row) {
         const int tiles_apart = std::max(to_column - column, to_row - row);
         const float rise = plane.mean[tiles.index(to_column, to_row)] - plane.mean[tiles.index(column, row)];
-        return tiles_apart == 0 ? 0 : rise / static_cast<float>(tiles_apart * tile_side);
+        return tiles_apart == 0 ? 0 : rise / static_cast<float>(tiles_apart * tiles.side);
     };
     for (int row = 0; row < tiles.rows; ++row)
         for (int column = 0; column < tiles.columns; ++column) {
@@ -141,8 +143,11 @@ void take_slope_off(const FrameTiles& tiles, PlaneTiles& plane) {
 
 FrameTiles measure_tiles(const RawFrame& frame) {
     FrameTiles tiles;
-    tiles.columns = frame.width / 2 / tile_side;
-    tiles.rows = frame.height / 2 / tile_side;
+    while (tiles.side > smallest_tile_side
+           && std::min(frame.width, frame.height) / 2 / tiles.side < least_tiles)
+        tiles.side /= 2;
+    tiles.columns = frame.width / 2 / tiles.side;
+    tiles.rows = frame.height / 2 / tiles.side;
     allocate(tiles);
     ColumnSums sums(static_cast<size_t>(frame.width));
     for (int row = 0; row < tiles.rows; ++row)

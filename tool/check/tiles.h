@@ -9,9 +9,10 @@
 
 namespace zerklsc::tool {
 
-// A tile is this many plane samples wide and high. What is left over at the right and bottom edge belongs to
-// no tile.
-constexpr int tile_side = 8;
+// A tile is 8 plane samples wide and high; in a frame that would have less than 8 rows or columns of them, 4
+// or
+// 2. What is left over at the right and bottom edge belongs to no tile.
+constexpr int largest_tile_side = 8, smallest_tile_side = 2, least_tiles = 8;
 
 // The tiles of one plane, row by row.
 struct PlaneTiles {
@@ -25,10 +26,14 @@ struct PlaneTiles {
 };
 
 struct FrameTiles {
+    int side = largest_tile_side; // of a tile, in plane samples
     int columns = 0;
     int rows = 0;
     std::array<PlaneTiles, 4> planes; // by plane number
 
+    int tile_samples() const { return side * side; }
+    // Of a plane, in all tiles.
+    double samples() const { return static_cast<double>(count()) * tile_samples(); }
     size_t count() const { return static_cast<size_t>(columns) * static_cast<size_t>(rows); }
     size_t index(int column, int row) const {
         return static_cast<size_t>(row) * static_cast<size_t>(columns) + static_cast<size_t>(column);

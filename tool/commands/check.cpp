@@ -48,8 +48,8 @@ RawFrame read_frame(const Options& options, const std::string& path) {
     raw.path = path;
     RawFrame frame = read_raw(raw, UnknownBlack::take_0);
     if (!can_be_checked(frame))
-        data_failure("{}: is {} x {}: the checks need frames of at least 128 x 128", path, frame.width,
-                     frame.height);
+        data_failure("{}: is {} x {}: the checks need frames of at least {} x {}", path, frame.width,
+                     frame.height, smallest_checked, smallest_checked);
     return frame;
 }
 

@@ -82,8 +82,7 @@ std::string sentence_of(const std::string& name, const Finding& f) {
 }
 
 bool can_be_checked(const RawFrame& frame) {
-    constexpr int least = 2 * 8 * tile_side;
-    return std::min(frame.width, frame.height) >= least;
+    return std::min(frame.width, frame.height) >= smallest_checked;
 }
 
 Findings check_flat(const RawFrame& frame, const CalibrationSettings& settings, const CheckLimits& limits) {
@@ -106,6 +105,8 @@ CheckedFlats check_flats(std::span<const RawFrame> captures, const CalibrationSe
         flats.kept_out.emplace_back();
         if (!can_be_checked(frame)) {
             check_exposure(frame, measure_planes(frame, *frame.black, usual_blocks(frame)), clip_limit);
+            warn(fmt::format("{}: is {} x {}: only the exposure was judged, the other checks need {} x {}",
+                             frame.name, frame.width, frame.height, smallest_checked, smallest_checked));
             continue;
         }
         const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};

@@ -27,7 +27,8 @@ CheckLimits limits_of(const FlatCheckOptions& options);
 // "flat.pgm: shadow of R is 12.3 % (refused above 8): advice".
 std::string sentence_of(const std::string& name, const Finding& finding);
 
-// Whether a frame has room for what the checks measure.
+// Whether a frame has room for what the checks measure: so many pixels each way.
+constexpr int smallest_checked = 2 * least_tiles * smallest_tile_side;
 bool can_be_checked(const RawFrame& frame);
 
 // The findings of a capture whose pattern and black level are known; none of one that has no room for them.
