@@ -1,8 +1,9 @@
-// one_line, say, warn, remark, warnings, be_quiet, Progress
+// one_line, say, warn, remark, WarningsApart, warnings, be_quiet, ProgressLine, Progress
 #include "terminal.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include <fmt/core.h>
 #include <unistd.h>
@@ -12,6 +13,7 @@ namespace {
 
 bool quiet = false;
 std::vector<std::string> kept_warnings;
+thread_local std::vector<std::string>* warnings_of_thread = nullptr;
 
 } // namespace
 
@@ -34,15 +36,23 @@ void say(const std::string& message) {
 }
 
 void warn(const std::string& message) {
-    if (std::ranges::find(kept_warnings, message) != kept_warnings.end())
+    std::vector<std::string>& kept = warnings_of_thread != nullptr ? *warnings_of_thread : kept_warnings;
+    if (std::ranges::find(kept, message) != kept.end())
         return;
-    kept_warnings.push_back(message);
-    remark(message);
+    kept.push_back(message);
+    if (warnings_of_thread == nullptr)
+        remark(message);
 }
 
 void remark(const std::string& message) {
     if (!quiet)
         say("warning: " + message);
+}
+
+WarningsApart::WarningsApart() : before_(std::exchange(warnings_of_thread, &kept_)) {}
+
+WarningsApart::~WarningsApart() {
+    warnings_of_thread = before_;
 }
 
 const std::vector<std::string>& warnings() {
@@ -51,6 +61,30 @@ const std::vector<std::string>& warnings() {
 
 void be_quiet() {
     quiet = true;
+}
+
+ProgressLine::ProgressLine()
+    : wanted_(!quiet && isatty(STDERR_FILENO) == 1), last_(std::chrono::steady_clock::now()) {}
+
+ProgressLine::~ProgressLine() {
+    clear();
+}
+
+bool ProgressLine::is_due() {
+    constexpr std::chrono::milliseconds pause{250};
+    return wanted_ && std::chrono::steady_clock::now() - last_ >= pause;
+}
+
+void ProgressLine::show(const std::string& text) {
+    std::fputs(("\r\033[K" + one_line(text)).c_str(), stderr);
+    std::fflush(stderr);
+    shown_ = true;
+    last_ = std::chrono::steady_clock::now();
+}
+
+void ProgressLine::clear() {
+    if (std::exchange(shown_, false))
+        std::fputs("\r\033[K", stderr);
 }
 
 Progress::Progress(const std::string& activity) : shown_(!quiet && isatty(STDERR_FILENO) == 1) {

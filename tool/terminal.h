@@ -1,6 +1,7 @@
 // What the tool writes to standard error. Writing there never fails: where nobody listens, nothing is lost.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,43 @@ void remark(const std::string& message);
 // All warnings of this run.
 const std::vector<std::string>& warnings();
 
+// While one lives, what its thread warns of is kept there and nowhere else.
+class WarningsApart {
+  public:
+    WarningsApart();
+    ~WarningsApart();
+    WarningsApart(const WarningsApart&) = delete;
+    WarningsApart& operator=(const WarningsApart&) = delete;
+
+    const std::vector<std::string>& warnings() const { return kept_; }
+
+  private:
+    std::vector<std::string> kept_;
+    std::vector<std::string>* before_;
+};
+
 // From here on, warnings are only kept, and no progress is shown.
 void be_quiet();
+
+// A line that changes while many things are done, shown to a person at a terminal a few times a second.
+class ProgressLine {
+  public:
+    ProgressLine();
+    ~ProgressLine();
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+
+    // Whether the line would be shown now.
+    bool is_due();
+    void show(const std::string& text);
+    // Before something else is written to standard error.
+    void clear();
+
+  private:
+    bool wanted_;
+    bool shown_ = false;
+    std::chrono::steady_clock::time_point last_;
+};
 
 // Says what takes so long while it lasts, and only to a person at a terminal.
 class Progress {

@@ -1,7 +1,9 @@
-// add_limit_option, add_flat_check_options, limits_of, sentence_of, can_be_checked, check_flat, check_flats
+// add_limit_option, add_flat_check_options, limits_of, sentence_of, can_be_checked, check_flat, CheckedFlats,
+// examine_flats, check_flats
 #include "commands/flat_check.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <fmt/format.h>
 
@@ -20,6 +22,18 @@ void judge(const std::string& name, const Findings& findings, bool force, std::s
             refusal = sentence_of(name, finding);
         else if (finding.verdict != Verdict::pass)
             warn(sentence_of(name, finding));
+}
+
+// From half diagonals around the middle to fractions of width and height.
+std::array<std::array<double, 2>, 4> optical_centres(const Analysis& analysis) {
+    std::array<std::array<double, 2>, 4> centres{};
+    for (size_t plane = 0; plane < centres.size(); ++plane) {
+        const double aspect = analysis.planes[plane].cells.aspect;
+        const double half_diagonal = std::sqrt(1 + aspect * aspect) / 2; // in widths
+        const auto& [u, v] = analysis.planes[plane].surface.centre;
+        centres[plane] = {0.5 + u * half_diagonal, 0.5 + v * half_diagonal / aspect};
+    }
+    return centres;
 }
 
 struct Found {
@@ -93,13 +107,18 @@ Findings check_flat(const RawFrame& frame, const CalibrationSettings& settings, 
     return check_capture(capture, analysis, find_outliers(capture, analysis), limits);
 }
 
-CheckedFlats check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
-                         const FlatCheckOptions& options, double clip_limit, Report& report) {
+Findings CheckedFlats::all_findings() const {
+    Findings all;
+    for (const Findings& own : findings)
+        all.insert(all.end(), own.begin(), own.end());
+    return all;
+}
+
+CheckedFlats examine_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
+                           const FlatCheckOptions& options, double clip_limit) {
     CheckLimits limits = limits_of(options);
     limits.set(fmt::format("clipping={},{}", clip_limit / 10, clip_limit));
-    Findings all;
     CheckedFlats flats;
-    std::string refusal;
     for (const RawFrame& frame : captures) {
         flats.findings.emplace_back();
         flats.kept_out.emplace_back();
@@ -113,14 +132,21 @@ CheckedFlats check_flats(std::span<const RawFrame> captures, const CalibrationSe
         const Analysis analysis = analyse(frame, capture.black);
         const Outliers outliers = find_outliers(capture, analysis);
         const Findings& findings = flats.findings.back() = check_capture(capture, analysis, outliers, limits);
-        all.insert(all.end(), findings.begin(), findings.end());
-        judge(frame.name, findings, options.force, refusal);
+        judge(frame.name, findings, options.force, flats.refusal);
+        if (!flats.optical_centre)
+            flats.optical_centre = optical_centres(analysis);
         if (worst_of(findings) != Verdict::refuse && outliers.any() && !options.keep_outliers)
             clean(captures, {capture, analysis, outliers}, flats);
     }
-    report.add("checks", json_of(all));
-    if (!refusal.empty())
-        data_failure("{}; --force uses the capture all the same", refusal);
+    return flats;
+}
+
+CheckedFlats check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
+                         const FlatCheckOptions& options, double clip_limit, Report& report) {
+    CheckedFlats flats = examine_flats(captures, settings, options, clip_limit);
+    report.add("checks", json_of(flats.all_findings()));
+    if (!flats.refusal.empty())
+        data_failure("{}; --force uses the capture all the same", flats.refusal);
     report_kept_out(flats.kept_out, report);
     return flats;
 }

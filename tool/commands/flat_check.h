@@ -1,7 +1,11 @@
 // The checks of a flat field, as commands run them before they use it.
 #pragma once
 
+#include <array>
+#include <optional>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "check/checks.h"
 #include "commands/command_line.h"
@@ -39,10 +43,19 @@ struct CheckedFlats {
     std::vector<KeptOut> kept_out;  // of the gains, of each capture
     // The captures without that; none where there is nothing to be kept out.
     std::vector<RawFrame> cleaned;
+    std::string refusal; // the first sentence that refuses; empty where none does, or where it is forced
+    // Of the first capture, by plane: x and y as fractions of width and height. Nothing for a small one.
+    std::optional<std::array<std::array<double, 2>, 4>> optical_centre;
+
+    Findings all_findings() const;
 };
 
-// Checks captures whose pattern and black level are known, adds "checks" to the document, warns, and refuses
-// what must be refused, unless it is forced. Small frames are judged by their exposure alone.
+// Checks captures whose pattern and black level are known, and warns. Small frames are judged by their
+// exposure alone, with a data failure where it is wrong.
+CheckedFlats examine_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
+                           const FlatCheckOptions& options, double clip_limit);
+
+// The same; adds "checks" and "kept_out" to the document, and refuses what must be refused.
 CheckedFlats check_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
                          const FlatCheckOptions& options, double clip_limit, Report& report);
 

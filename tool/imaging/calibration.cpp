@@ -63,7 +63,7 @@ int32_t run_orvel_otp(const RawFrame& flat, GainTables& tables, const lsc2d_cali
     return status != 0 ? status : finish_generated(tables, param);
 }
 
-int32_t run_wrapper(const RawFrame& flat, GainTables& tables) {
+lsc2d_info info_of(const RawFrame& flat, GainTables& tables) {
     lsc2d_info info{};
     info.width = static_cast<uint16_t>(flat.width);
     info.height = static_cast<uint16_t>(flat.height);
@@ -72,7 +72,16 @@ int32_t run_wrapper(const RawFrame& flat, GainTables& tables) {
     info.shading_percent = tables.shading_percent;
     info.filter_radius = tables.filter_radius;
     info.algorithm = tables.algorithm;
-    return lsc2d_calibration_wrapper(flat.samples.data(), &info);
+    return info;
+}
+
+// Whether the method has made the tables without a word, so that others may calibrate at the same time. What
+// it refuses is left to the function that prints why, and that takes more geometries.
+bool run_silently(const RawFrame& flat, GainTables& tables) {
+    if (tables.algorithm == ZERKLSC_ALGORITHM_HALVANE || tables.algorithm == ZERKLSC_ALGORITHM_ORVEL_OTP)
+        return false;
+    lsc2d_info info = info_of(flat, tables);
+    return zerklsc_calibrate(flat.samples.data(), &info, nullptr) == ZERKLSC_OK;
 }
 
 int32_t run(const RawFrame& flat, GainTables& tables) {
@@ -83,8 +92,10 @@ int32_t run(const RawFrame& flat, GainTables& tables) {
         return generate(lsc2d_calibration_halvane, flat, tables, param);
     case ZERKLSC_ALGORITHM_ORVEL_OTP:
         return run_orvel_otp(flat, tables, param);
-    default:
-        return run_wrapper(flat, tables);
+    default: {
+        lsc2d_info info = info_of(flat, tables);
+        return lsc2d_calibration_wrapper(flat.samples.data(), &info);
+    }
     }
 }
 
@@ -143,6 +154,8 @@ GainTables calibrate(const RawFrame& flat, BayerPattern pattern, const BlackLeve
     tables.set_table_size();
     tables.resize();
 
+    if (run_silently(flat, tables))
+        return tables;
     LibraryMessages messages;
     const int32_t status = run(flat, tables);
     for (const auto& [line, count] : messages.finish())

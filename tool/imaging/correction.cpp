@@ -6,9 +6,8 @@
 #include <fmt/format.h>
 
 #include "failure.h"
-#include "imaging/library_messages.h"
 #include "terminal.h"
-#include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -78,8 +77,12 @@ void correct(RawFrame& frame, GainTables tables, const std::string& tables_name,
     info.grid = static_cast<uint16_t>(tables.step);
     // Of the algorithm, only the ISP that it is for matters here.
     info.algorithm = isp == Isp::vessal2 ? ZERKLSC_ALGORITHM_ORVEL_WEIGHTS : ZERKLSC_ALGORITHM_ORVEL;
-    const LibraryMessages messages;
-    lsc2d_correction_wrapper(frame.samples.data(), frame.samples.data(), &info);
+    const size_t stride = sizeof(uint16_t) * static_cast<size_t>(frame.width);
+    const zerklsc_status status =
+        zerklsc_correct(&info, frame.samples.data(), stride, frame.samples.data(), stride, 0, frame.height);
+    if (ZERKLSC_REFUSED(status))
+        data_failure("{}: {} cannot correct with these tables: {}", tables_name, name_of(isp),
+                     zerklsc_status_text(status));
 }
 
 } // namespace zerklsc::tool

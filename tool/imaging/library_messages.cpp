@@ -16,6 +16,8 @@
 namespace zerklsc::tool {
 namespace {
 
+std::mutex standard_output;
+
 // A file without a name, which goes with its descriptor.
 int unnamed_file() {
     const char* const directory = std::getenv("TMPDIR");
@@ -39,7 +41,7 @@ std::string contents_of(int fd) {
 
 } // namespace
 
-LibraryMessages::LibraryMessages() : saved_(-1), kept_(unnamed_file()) {
+LibraryMessages::LibraryMessages() : alone_(standard_output), saved_(-1), kept_(unnamed_file()) {
     std::fflush(stdout);
     saved_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
     dup2(kept_, STDOUT_FILENO);
@@ -67,6 +69,7 @@ std::map<std::string, int> LibraryMessages::finish() {
         close(saved_);
     close(kept_);
     saved_ = kept_ = -1;
+    alone_.unlock();
     return counts;
 }
 

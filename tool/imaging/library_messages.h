@@ -2,11 +2,13 @@
 #pragma once
 
 #include <map>
+#include <mutex>
 #include <string>
 
 namespace zerklsc::tool {
 
-// From construction to finish(), what the process prints on standard output is kept here instead.
+// From construction to finish(), what the process prints on standard output is kept here instead. There is
+// one at a time: other threads wait.
 class LibraryMessages {
   public:
     LibraryMessages();
@@ -18,6 +20,7 @@ class LibraryMessages {
     std::map<std::string, int> finish();
 
   private:
+    std::unique_lock<std::mutex> alone_;
     int saved_; // the real standard output, or -1 when it is back in place
     int kept_;  // the file that takes the lines
 };

@@ -55,9 +55,12 @@ class Channel {
 
 // mkstemp() makes a file for its owner alone; the user expects what the umask says.
 mode_t plain_file_mode() {
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
+    static const mode_t mode = [] {
+        const mode_t mask = umask(0);
+        umask(mask);
+        return 0666 & ~mask;
+    }();
+    return mode;
 }
 
 // Brings a rename to the disk. Not every file system can, and the file itself is safe already.

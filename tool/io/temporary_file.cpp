@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <mutex>
+#include <set>
 #include <utility>
 
 #include <dirent.h>
@@ -28,8 +30,9 @@ constexpr time_t youngest_stale = 60;
 
 // What the signal handler removes: copies of the temporary names, empty where there is none. A handler may
 // not touch a std::string.
-constexpr size_t max_names = 16;
+constexpr size_t max_names = 64;
 std::array<std::array<char, 4096>, max_names> doomed;
+std::mutex names; // held by whoever changes them
 
 extern "C" void remove_and_die(int signal) {
     for (const auto& name : doomed)
@@ -51,6 +54,7 @@ void watch_signals() {
 }
 
 void doom(const std::string& name) {
+    const std::lock_guard changing(names);
     watch_signals();
     for (auto& entry : doomed)
         if (entry[0] == '\0' && name.size() < entry.size()) {
@@ -60,6 +64,7 @@ void doom(const std::string& name) {
 }
 
 void spare(const std::string& name) {
+    const std::lock_guard changing(names);
     for (auto& entry : doomed)
         if (name == entry.data())
             entry[0] = '\0';
@@ -82,7 +87,12 @@ bool is_stale(const std::string& path) {
     return unused;
 }
 
+// Once in a process: with a file for each module, a directory has thousands of names.
 void remove_stale_files(const std::string& directory) {
+    static std::set<std::string> done;
+    const std::lock_guard changing(names);
+    if (!done.insert(directory).second)
+        return;
     DIR* const entries = opendir(directory.empty() ? "." : directory.c_str());
     if (entries == nullptr)
         return;
@@ -199,12 +209,12 @@ sigset_t ending_signals() {
 
 SignalsWait::SignalsWait() {
     const sigset_t signals = ending_signals();
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
 SignalsWait::~SignalsWait() {
     const sigset_t signals = ending_signals();
-    sigprocmask(SIG_UNBLOCK, &signals, nullptr);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 } // namespace zerklsc::tool

@@ -56,7 +56,7 @@ toff_t size_of(thandle_t handle) {
 }
 
 // The last message of libtiff, whose handlers have no argument of the caller's.
-std::array<char, 256> last_error;
+thread_local std::array<char, 256> last_error;
 
 void keep_error(const char*, const char* format, va_list arguments) {
     std::vsnprintf(last_error.data(), last_error.size(), format, arguments);
