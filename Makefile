@@ -1,12 +1,13 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test test-verdicts mutate bench package release configured packages
+.PHONY: help demo test test-verdicts test-kills mutate bench package release configured packages
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
 	@echo "make test    install what is missing, build, run every test"
 	@echo "make test-verdicts   try every verdict of the check command at 13 megapixels"
+	@echo "make test-kills      kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
 	@echo "make mutate  change the tool in 120 small ways, one at a time, and tell what share the tests catch; takes hours"
 	@echo "make bench   install what is missing, build, time every kernel against its plain form and its peers"
 	@echo "make package install what is missing, make Debian packages in build/package, check them"
@@ -31,6 +32,10 @@ test-verdicts: configured
 	@cmake --build --preset release --target zerklsc_tool
 	@tests/tool/verdicts.py --tool build/release/tool/zerklsc --width 4208 --height 3120
 	@tests/tool/verdicts.py --tool build/release/tool/zerklsc --modules 200
+
+test-kills: configured
+	@cmake --build --preset release --target zerklsc_tool
+	@tests/tool/batch_line.py --tool build/release/tool/zerklsc --modules 10000 --kills 100
 
 mutate: release
 	@tests/mutate.py --build build/release --target zerklsc_tool --tests '^(tool|check):' --count 120 tool

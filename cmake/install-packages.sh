@@ -9,7 +9,7 @@ set -eu
 
 packages_of() {
     case $1 in
-    build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev nettle-dev libtiff-dev libraw-dev libyaml-dev libgtest-dev python3 zlib1g-dev scdoc mandoc zsh ;;
+    build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev nettle-dev libtiff-dev libraw-dev libyaml-dev libtbb-dev libgtest-dev python3 zlib1g-dev scdoc mandoc zsh ;;
     ci) echo clang libclang-rt-14-dev abigail-tools darktable libimage-exiftool-perl chromium chromium-driver googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu ;;
     lint) echo clang-format clang-tidy shellcheck doxygen ;;

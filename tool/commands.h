@@ -20,5 +20,9 @@ void add_preview(Command app);
 void add_report(Command app);
 void add_resample(Command app);
 void add_otp(Command app);
+void add_batch(Command app);
+
+// All of them, in the order of the help.
+void add_commands(Command program);
 
 } // namespace zerklsc::tool

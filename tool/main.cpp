@@ -20,17 +20,6 @@
 #include "terminal.h"
 
 namespace zerklsc::tool {
-namespace {
-
-constexpr const char* footer =
-    "Exit codes: 0 success, warnings included; 1 the module failed its limits; 2 wrong usage;\n"
-    "3 an input is unusable; 4 reading or writing failed, or an internal error.\n"
-    "Every command has its own help: zerklsc calibrate --help, or zerklsc help calibrate\n\n"
-    "Example:\n"
-    "  zerklsc simulate -o flat.pgm\n"
-    "  zerklsc calibrate flat.pgm -o tables.json\n"
-    "  zerklsc correct flat.pgm --tables tables.json -o corrected.pgm\n"
-    "  zerklsc measure corrected.pgm";
 
 void add_commands(Command program) {
     add_simulate(program);
@@ -46,7 +35,20 @@ void add_commands(Command program) {
     add_report(program);
     add_resample(program);
     add_otp(program);
+    add_batch(program);
 }
+
+namespace {
+
+constexpr const char* footer =
+    "Exit codes: 0 success, warnings included; 1 the module failed its limits; 2 wrong usage;\n"
+    "3 an input is unusable; 4 reading or writing failed, or an internal error.\n"
+    "Every command has its own help: zerklsc calibrate --help, or zerklsc help calibrate\n\n"
+    "Example:\n"
+    "  zerklsc simulate -o flat.pgm\n"
+    "  zerklsc calibrate flat.pgm -o tables.json\n"
+    "  zerklsc correct flat.pgm --tables tables.json -o corrected.pgm\n"
+    "  zerklsc measure corrected.pgm";
 
 // A file that is opened must not land on a standard stream that the caller closed: what is meant for the
 // stream would be written into the file. Writing to the stand-in fails as it would to the closed stream.

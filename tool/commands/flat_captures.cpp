@@ -1,4 +1,4 @@
-// add_capture_options, read_flat_captures, recorded
+// add_capture_options, add_averaging_options, check_words, read_flat_captures, recorded
 #include "commands/flat_captures.h"
 
 #include <numeric>
@@ -15,14 +15,19 @@ namespace {
 // Fewer captures have no middle that one of them could be far from.
 constexpr size_t fewest_for_median = 3;
 
-Averaging averaging_of(const CaptureOptions& options) {
-    const auto averaging = averaging_from(options.average);
+Averaging known_averaging(const std::string& name) {
+    const auto averaging = averaging_from(name);
     if (!averaging)
-        usage_failure("--average: {} is not known: expected mean, median or clipped-mean", options.average);
-    if (*averaging != Averaging::mean && options.flats.size() < fewest_for_median)
+        usage_failure("--average: {} is not known: expected mean, median or clipped-mean", name);
+    return *averaging;
+}
+
+Averaging averaging_of(const CaptureOptions& options) {
+    const Averaging averaging = known_averaging(options.average);
+    if (averaging != Averaging::mean && options.flats.size() < fewest_for_median)
         usage_failure("--average: {} needs {} captures at least, and there {} {}", options.average,
                       fewest_for_median, options.flats.size() == 1 ? "is" : "are", options.flats.size());
-    return *averaging;
+    return averaging;
 }
 
 void check_counts(const CaptureOptions& options) {
@@ -90,6 +95,10 @@ std::vector<std::string> CaptureOptions::paths() const {
 
 void add_capture_options(Command command, CaptureOptions& options) {
     add_raw_options(command, options.raw, options.flats, "flat");
+    add_averaging_options(command, options);
+}
+
+void add_averaging_options(Command command, CaptureOptions& options) {
     command.option("--average", options.average, "how several captures, or dark frames, become one")
         .takes("{mean,median,clipped-mean}")
         .show_default();
@@ -97,6 +106,14 @@ void add_capture_options(Command command, CaptureOptions& options) {
         .repeated("--dark", options.darks,
                   "a capture in the dark, which is subtracted instead of a black level; may be given again")
         .takes("FILE");
+}
+
+void check_words(const CaptureOptions& options) {
+    known_averaging(options.average);
+    if (!options.raw.pattern.empty())
+        pattern_of_option(options.raw.pattern);
+    if (!options.raw.black.empty())
+        black_level_of_option(options.raw.black);
 }
 
 FlatCaptures read_flat_captures(const CaptureOptions& options, Report& report) {

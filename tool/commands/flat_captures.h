@@ -33,6 +33,12 @@ struct FlatCaptures {
 // The flats, how raw files are read, --average and --dark.
 void add_capture_options(Command command, CaptureOptions& options);
 
+// --average and --dark alone.
+void add_averaging_options(Command command, CaptureOptions& options);
+
+// A usage failure for words that no option takes, before anything is read.
+void check_words(const CaptureOptions& options);
+
 // Reads all; says the dark level and the way of averaging in the report. Captures whose black level is not
 // known are refused where there is no dark frame.
 FlatCaptures read_flat_captures(const CaptureOptions& options, Report& report);

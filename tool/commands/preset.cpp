@@ -1,4 +1,4 @@
-// with_preset
+// with_preset, set_from_preset
 #include "commands/preset.h"
 
 #include <algorithm>
@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "commands.h"
 #include "failure.h"
 #include "io/input_file.h"
 
@@ -68,14 +69,25 @@ std::vector<CLI::ConfigItem> items_of(const std::string& path) {
     }
 }
 
+// The marks of where a section begins and ends.
+bool is_mark(const CLI::ConfigItem& item) {
+    return item.name == "++" || item.name == "--";
+}
+
+bool program_has(const std::string& name) {
+    CLI::App app;
+    Request request;
+    add_commands(Command(&app, &request));
+    return any_command_has(app, name);
+}
+
 void apply(const CLI::App& app, const std::string& path, std::vector<std::string>& words) {
     const CLI::App* const command = command_of(app, words);
     if (command == nullptr)
         return;
     const std::vector<std::string> given = words;
     for (const CLI::ConfigItem& item : items_of(path)) {
-        // The marks of where a section begins and ends.
-        if (item.name == "++" || item.name == "--")
+        if (is_mark(item))
             continue;
         const bool everywhere = item.parents.empty();
         if (!everywhere && item.parents.front() != command->get_name())
@@ -106,6 +118,30 @@ std::vector<std::string> with_preset(const CLI::App& app, const std::vector<std:
     if (!path.empty())
         apply(app, path, rest);
     return rest;
+}
+
+void set_from_preset(const std::string& path, const std::string& section,
+                     const std::function<void(Command)>& add_options) {
+    CLI::App app;
+    Request request;
+    add_options(Command(&app, &request));
+    std::vector<std::string> words;
+    for (const CLI::ConfigItem& item : items_of(path)) {
+        const bool everywhere = item.parents.empty();
+        if (is_mark(item) || (!everywhere && item.parents.front() != section))
+            continue;
+        if (const CLI::Option* const option = option_of(app, item.name))
+            add_item(*option, item, words);
+        else if (!everywhere || !program_has(item.name))
+            usage_failure("--preset: {}: {} is no option of a module", path, item.name);
+    }
+    std::ranges::reverse(words);
+    try {
+        app.parse(std::move(words));
+    } catch (const CLI::ParseError& error) {
+        const std::string text = error.what();
+        usage_failure("--preset: {}: {}", path, text.substr(0, text.find('\n')));
+    }
 }
 
 } // namespace zerklsc::tool

@@ -1,4 +1,4 @@
-// add_raw_options, read_raw_and_description, read_raw, read_raw_for
+// add_raw_description_options, add_raw_options, read_raw_and_description, read_raw, read_raw_for
 #include "commands/raw_options.h"
 
 #include <utility>
@@ -35,7 +35,25 @@ void add_headerless_options(Command command, RawOptions& options) {
         .show_default();
 }
 
-void add_description_options(Command command, RawOptions& options) {
+// Reads the frame, with a warning for what is overridden.
+RawFrame read_remarking(const RawOptions& options) {
+    RawReading reading = read_raw_and_description(options);
+    for (const std::string& remark : overridden(reading))
+        warn(fmt::format("{}: options override what the file says: {}", input_name(options.path), remark));
+    return std::move(reading.frame);
+}
+
+// The tables' black level at the depth of the frame.
+BlackLevel black_level_at(const GainTables& tables, int bits) {
+    BlackLevel black = tables.black;
+    for (int& level : black)
+        level = bits >= tables.bits ? level << (bits - tables.bits) : level >> (tables.bits - bits);
+    return black;
+}
+
+} // namespace
+
+void add_raw_description_options(Command command, RawOptions& options) {
     command.section("What the frame does not say, or says wrong");
     add_headerless_options(command, options);
     command
@@ -58,30 +76,12 @@ void add_description_options(Command command, RawOptions& options) {
     command.end_section();
 }
 
-// Reads the frame, with a warning for what is overridden.
-RawFrame read_remarking(const RawOptions& options) {
-    RawReading reading = read_raw_and_description(options);
-    for (const std::string& remark : overridden(reading))
-        warn(fmt::format("{}: options override what the file says: {}", input_name(options.path), remark));
-    return std::move(reading.frame);
-}
-
-// The tables' black level at the depth of the frame.
-BlackLevel black_level_at(const GainTables& tables, int bits) {
-    BlackLevel black = tables.black;
-    for (int& level : black)
-        level = bits >= tables.bits ? level << (bits - tables.bits) : level >> (tables.bits - bits);
-    return black;
-}
-
-} // namespace
-
 void add_raw_options(Command command, RawOptions& options, const char* argument) {
     Option path = command.option(argument, options.path, "raw frame: " + raw_format_names());
     path.takes("FILE");
     if (argument[0] != '-')
         path.required();
-    add_description_options(command, options);
+    add_raw_description_options(command, options);
 }
 
 void add_raw_options(Command command, RawOptions& options, std::vector<std::string>& paths,
@@ -89,7 +89,7 @@ void add_raw_options(Command command, RawOptions& options, std::vector<std::stri
     command.option(argument, paths, "raw frame, or several of one module: " + raw_format_names())
         .required()
         .takes("FILE");
-    add_description_options(command, options);
+    add_raw_description_options(command, options);
 }
 
 RawReading read_raw_and_description(const RawOptions& options) {

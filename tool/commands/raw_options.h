@@ -30,6 +30,9 @@ void add_raw_options(Command command, RawOptions& options, const char* argument)
 void add_raw_options(Command command, RawOptions& options, std::vector<std::string>& paths,
                      const char* argument);
 
+// The options alone, for files that are named elsewhere.
+void add_raw_description_options(Command command, RawOptions& options);
+
 // Reads the frame; the options override what the file says.
 RawReading read_raw_and_description(const RawOptions& options);
 

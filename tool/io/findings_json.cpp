@@ -1,4 +1,4 @@
-// json_of
+// shortened, json_of
 #include "io/findings_json.h"
 
 #include <cmath>
@@ -12,12 +12,11 @@ JsonValue limit_json(const std::optional<double>& limit) {
     return limit ? JsonValue(*limit) : JsonValue::null();
 }
 
-// Numbers of all sizes, with four digits that count.
+} // namespace
+
 double shortened(double value) {
     return std::isfinite(value) ? std::stod(fmt::format("{:.4g}", value)) : value;
 }
-
-} // namespace
 
 JsonValue json_of(const Findings& findings) {
     JsonValue list = JsonValue::array();

@@ -1,4 +1,4 @@
-// JsonValue
+// is_utf8, JsonValue
 #include "io/json_value.h"
 
 #include <cmath>
@@ -57,6 +57,14 @@ std::string quoted(const std::string& text) {
 }
 
 } // namespace
+
+bool is_utf8(std::string_view bytes) {
+    const auto* const from = reinterpret_cast<const unsigned char*>(bytes.data());
+    for (size_t i = 0, length = 0; i < bytes.size(); i += length)
+        if ((length = utf8_length(from + i, bytes.size() - i)) == 0)
+            return false;
+    return true;
+}
 
 JsonValue::JsonValue(bool value) : JsonValue(Kind::plain, value ? "true" : "false") {}
 JsonValue::JsonValue(int value) : JsonValue(Kind::plain, fmt::format("{}", value)) {}

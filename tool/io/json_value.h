@@ -3,10 +3,14 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace zerklsc::tool {
+
+// Whether bytes are a text as JSON has them.
+bool is_utf8(std::string_view bytes);
 
 class JsonValue {
   public:

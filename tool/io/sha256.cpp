@@ -1,4 +1,4 @@
-// sha256_of_file
+// sha256_of, sha256_text, sha256_of_file
 #include "io/sha256.h"
 
 #include <array>
@@ -9,6 +9,22 @@
 #include "io/input_file.h"
 
 namespace zerklsc::tool {
+
+std::array<uint8_t, 32> sha256_of(std::string_view bytes) {
+    sha256_ctx context;
+    sha256_init(&context);
+    sha256_update(&context, bytes.size(), reinterpret_cast<const uint8_t*>(bytes.data()));
+    std::array<uint8_t, SHA256_DIGEST_SIZE> digest{};
+    sha256_digest(&context, digest.size(), digest.data());
+    return digest;
+}
+
+std::string sha256_text(const std::array<uint8_t, 32>& digest) {
+    std::string text;
+    for (const uint8_t byte : digest)
+        text += fmt::format("{:02x}", byte);
+    return text;
+}
 
 std::string sha256_of_file(const std::string& path) {
     InputFile file(path);
@@ -22,10 +38,7 @@ std::string sha256_of_file(const std::string& path) {
     }
     std::array<uint8_t, SHA256_DIGEST_SIZE> digest{};
     sha256_digest(&context, digest.size(), digest.data());
-    std::string text;
-    for (const uint8_t byte : digest)
-        text += fmt::format("{:02x}", byte);
-    return text;
+    return sha256_text(digest);
 }
 
 } // namespace zerklsc::tool

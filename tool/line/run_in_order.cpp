@@ -1,0 +1,37 @@
+// run_in_order, usual_jobs
+#include "line/run_in_order.h"
+
+#include <memory>
+
+#include <oneapi/tbb/global_control.h>
+#include <oneapi/tbb/info.h>
+#include <oneapi/tbb/parallel_pipeline.h>
+#include <oneapi/tbb/task_arena.h>
+
+namespace zerklsc::tool {
+
+void run_in_order(int jobs, const std::function<Task()>& next) {
+    namespace tbb = oneapi::tbb;
+    const tbb::global_control more_than_cores(tbb::global_control::max_allowed_parallelism,
+                                              static_cast<size_t>(jobs));
+    const auto take = [&](tbb::flow_control& control) -> std::shared_ptr<Task> {
+        auto task = std::make_shared<Task>(next());
+        if (!*task)
+            control.stop();
+        return task;
+    };
+    const auto run = [](const std::shared_ptr<Task>& task) { return std::make_shared<Finish>((*task)()); };
+    const auto finish = [](const std::shared_ptr<Finish>& result) { (*result)(); };
+    const auto whole =
+        tbb::make_filter<void, std::shared_ptr<Task>>(tbb::filter_mode::serial_in_order, take)
+        & tbb::make_filter<std::shared_ptr<Task>, std::shared_ptr<Finish>>(tbb::filter_mode::parallel, run)
+        & tbb::make_filter<std::shared_ptr<Finish>, void>(tbb::filter_mode::serial_in_order, finish);
+    tbb::task_arena arena(jobs);
+    arena.execute([&] { tbb::parallel_pipeline(static_cast<size_t>(4 * jobs), whole); });
+}
+
+int usual_jobs() {
+    return oneapi::tbb::info::default_concurrency();
+}
+
+} // namespace zerklsc::tool
