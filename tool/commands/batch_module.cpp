@@ -92,7 +92,7 @@ void judge_prediction(ResultLine& result, const Prediction& prediction, const Ga
 std::string pack(ResultLine& result, const GainTables& tables, const ModuleOptions& options,
                  const std::string& name) {
     check_stream(tables, options.otp_mode, name);
-    const std::string stream = encode_stream(tables, options.otp_mode);
+    std::string stream = encode_stream(tables, options.otp_mode);
     GainTables decoded = tables;
     decode_stream(stream, name, decoded);
     const StreamLoss loss = loss_of(tables, decoded, options.otp_mode);

@@ -2,6 +2,7 @@
 #include "io/sha256.h"
 
 #include <array>
+#include <vector>
 
 #include <fmt/format.h>
 #include <nettle/sha2.h>

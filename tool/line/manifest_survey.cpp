@@ -17,7 +17,7 @@ struct Entry {
     std::array<uint8_t, 16> digest;
     uint64_t line;
 
-    auto operator<=>(const Entry&) const = default;
+    auto operator<=>(const Entry&) const = default; // NOLINT(modernize-use-nullptr): its 0 is the compiler's
 };
 
 Entry entry_of(const Module& module) {
