@@ -1,13 +1,14 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test test-verdicts test-kills mutate bench package release configured packages
+.PHONY: help demo test test-verdicts test-slurm test-kills mutate bench package release configured packages
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
 	@echo "make test    install what is missing, build, run every test"
 	@echo "make test-verdicts   try every verdict of the check command at 13 megapixels"
 	@echo "make test-kills      kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
+	@echo "make test-slurm      run a lot over a Slurm of two nodes on this machine, and lose one of them"
 	@echo "make mutate  change the tool in 120 small ways, one at a time, and tell what share the tests catch; takes hours"
 	@echo "make bench   install what is missing, build, time every kernel against its plain form and its peers"
 	@echo "make package install what is missing, make Debian packages in build/package, check them"
@@ -36,6 +37,11 @@ test-verdicts: configured
 test-kills: configured
 	@cmake --build --preset release --target zerklsc_tool
 	@tests/tool/batch_line.py --tool build/release/tool/zerklsc --modules 10000 --kills 100
+
+test-slurm: configured
+	@cmake/install-packages.sh slurm
+	@cmake --build --preset release --target zerklsc_tool
+	@tests/scale/slurm.py --tool build/release/tool/zerklsc
 
 mutate: release
 	@tests/mutate.py --build build/release --target zerklsc_tool --tests '^(tool|check):' --count 120 tool

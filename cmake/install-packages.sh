@@ -5,6 +5,7 @@
 #   lint     what looks at the sources: formatting, faults, scripts, the reference of the header
 #   package  Debian's tools for packages
 #   bench    the libraries that the benchmark compares with
+#   slurm    a scheduler, to try a lot over several machines
 set -eu
 
 packages_of() {
@@ -15,7 +16,8 @@ packages_of() {
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev ;;
-    *) echo "install-packages.sh: unknown step '$1' (build, ci, lint, package or bench)" >&2 && exit 2 ;;
+    slurm) echo slurm-wlm munge ;;
+    *) echo "install-packages.sh: unknown step '$1' (build, ci, lint, package, bench or slurm)" >&2 && exit 2 ;;
     esac
 }
 
