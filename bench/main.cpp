@@ -66,9 +66,10 @@ int main(int argc, char** argv) {
     if (bench || growth)
         print_machine();
     if (bench) {
-        print_table(gather<Workload>({bicubic_workloads, sampling_workloads, table_workloads, bayer_workloads,
-                                      calibration_workloads, compress_workloads}),
-                    budget, !brief);
+        print_table(
+            gather<Workload>({bicubic_workloads, generator_workloads, sampling_workloads, table_workloads,
+                              bayer_workloads, calibration_workloads, compress_workloads}),
+            budget, !brief);
         print_peers(budget);
     }
     if (growth)

@@ -43,6 +43,7 @@ std::vector<Workload> table_workloads();
 std::vector<Check> table_checks();
 std::vector<Workload> bicubic_workloads();
 std::vector<Check> bicubic_checks();
+std::vector<Workload> generator_workloads();
 std::vector<Workload> compress_workloads();
 std::vector<Check> compress_checks();
 
