@@ -81,7 +81,7 @@ void watch_signals() {
         struct sigaction action {};
         if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_DFL) {
             action.sa_handler = end_soon;
-            action.sa_flags = SA_RESETHAND | SA_RESTART;
+            action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
             sigaction(signal, &action, nullptr);
         }
     }

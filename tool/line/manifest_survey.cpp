@@ -53,8 +53,8 @@ ManifestSurvey survey_manifest(const std::string& path, const Shard& shard, size
         std::vector<Entry> entries;
         for_each(path, shard, [&](const Module& module) {
             const Entry entry = entry_of(module);
-            const uint64_t other = uint64_t{entry.digest[8]} << 24 | entry.digest[9] << 16
-                                   | entry.digest[10] << 8 | entry.digest[11];
+            const uint64_t other = uint64_t{entry.digest[8]} << 24 | uint64_t{entry.digest[9]} << 16
+                                   | uint64_t{entry.digest[10]} << 8 | entry.digest[11];
             if (other % parts == part)
                 entries.push_back(entry);
         });

@@ -111,7 +111,7 @@ TEST_F(ManifestFile, NamesRepeatedSerialsInAnyNumberOfPasses) {
             expected.push_back(static_cast<uint64_t>(i) + 2);
     }
     write(text + "bad line\n");
-    for (const size_t at_once : {1000, 50, 13, 1}) {
+    for (const size_t at_once : {1000U, 50U, 13U, 1U}) {
         const ManifestSurvey survey = survey_manifest(path_, {}, at_once);
         EXPECT_EQ(survey.modules, 100U);
         EXPECT_EQ(survey.repeats, expected) << at_once;
