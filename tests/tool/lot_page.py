@@ -8,15 +8,13 @@ import pathlib
 import re
 import sys
 import tempfile
-import time
 
 from browser import Browser, available
 from lot import Tool, results
-from report_page import ARROW_RIGHT, DARK, number_of, value_at
+from page_checks import (ARROW_RIGHT, DARK, check_cells, check_console, check_drawn, check_fits_phone, check_opens, number_of,
+                         value_at)
 from result_lines import text_of
 
-CELLS = "return [...document.querySelectorAll('[data-path]')].map(cell => [cell.dataset.path, cell.textContent])"
-IMAGES = "return [...document.images].map(image => [image.naturalWidth, image.alt])"
 TITLES = "return [...document.querySelectorAll('.chart h3')].map(title => title.textContent)"
 # For each chart, how many of its pixels have some colour at all.
 DRAWN = """
@@ -65,27 +63,18 @@ def expected_paths(document):
 
 
 def check_numbers(browser, document):
-    cells = browser.run(CELLS)
-    missing = expected_paths(document) - {path for path, _ in cells}
-    assert not missing, sorted(missing)[:5]
-    for path, text in cells:
-        check_cell(document, path, text)
+    check_cells(browser, document, expected_paths(document), check_cell)
     text = browser.run("return document.body.textContent").replace("\u2212", "-")
     for entry in document["outliers"]["listed"]:
         assert entry["serial"] in text and entry["reason"] in text, entry
 
 
 def check_charts(browser, document):
-    """Every check has its histogram, and each sequence its chart; the browser draws when it has the time."""
+    """Every check has its histogram, and each sequence its chart."""
     titles = browser.run(TITLES)
     assert titles[:3] == ["Corner gain", "Optical centre", "Yield"], titles
     assert [re.split(", ", title)[0] for title in titles[3:]] == [entry["name"] for entry in document["histograms"]]
-    for _ in range(100):
-        counts = browser.run(DRAWN)
-        if len(counts) == len(titles) and all(count > 100 for count in counts):
-            return
-        time.sleep(0.1)
-    raise AssertionError(counts)
+    check_drawn(browser, DRAWN, lambda counts: len(counts) == len(titles) and all(count > 100 for count in counts))
 
 
 def check_legend(browser, document):
@@ -110,13 +99,8 @@ def check_page(browser, page, document, keep):
     def look(name):
         if keep:
             browser.screenshot(keep / f"{name}.png")
-    browser.resize(1280, 900)
-    browser.open(page)
-    asked = browser.requests()
-    assert len(asked) == 1 and asked[0].startswith("file:"), asked
+    check_opens(browser, page, images=10)
     check_numbers(browser, document)
-    images = browser.run(IMAGES)
-    assert len(images) == 10 and all(width > 0 and alt for width, alt in images), images
     check_charts(browser, document)
     check_legend(browser, document)
     whole = browser.run("return document.documentElement.scrollHeight")
@@ -126,12 +110,10 @@ def check_page(browser, page, document, keep):
     check_charts(browser, document)
     look("dark")
     browser.emulate(features=[])
-    browser.resize(360, 740)
-    assert browser.run("return document.documentElement.scrollWidth") <= 360
+    check_fits_phone(browser)
     check_charts(browser, document)
     look("phone")
-    console = browser.console()
-    assert console == [], console
+    check_console(browser)
 
 
 def main():

@@ -9,12 +9,10 @@ import re
 import subprocess
 import sys
 import tempfile
-import time
 
 from browser import Browser, available
-
-DARK = [{"name": "prefers-color-scheme", "value": "dark"}]
-ARROW_RIGHT, TAB = "\ue014", "\ue004"
+from page_checks import (ARROW_RIGHT, DARK, TAB, check_cells, check_console, check_drawn, check_fits_phone, check_opens, number_of,
+                         value_at)
 
 # For each chart, how many of its pixels are near the colour of each channel's line.
 COUNT_LINES = """
@@ -31,19 +29,7 @@ return [...document.querySelectorAll('.chart canvas')].map(canvas => {
     });
 });"""
 
-CELLS = "return [...document.querySelectorAll('[data-path]')].map(cell => [cell.dataset.path, cell.textContent])"
-IMAGES = "return [...document.images].map(image => [image.naturalWidth, image.alt])"
 LEGEND = "return [...document.querySelectorAll('.chart')[1].querySelectorAll('.u-value')].map(v => v.textContent)"
-
-
-def value_at(document, path):
-    for key in path.split("."):
-        document = document[int(key) if isinstance(document, list) else key]
-    return document
-
-
-def number_of(text):
-    return float(re.match(r"[+-]?[0-9.]+", text.replace("\u2212", "-")).group())
 
 
 def check_cell(document, path, text):
@@ -83,11 +69,7 @@ def expected_paths(document):
 
 
 def check_numbers(browser, document):
-    cells = browser.run(CELLS)
-    missing = expected_paths(document) - {path for path, _ in cells}
-    assert not missing, sorted(missing)[:5]
-    for path, text in cells:
-        check_cell(document, path, text)
+    check_cells(browser, document, expected_paths(document), check_cell)
     shown = browser.run("return [...document.querySelectorAll('#check-list [data-path$=verdict]')].map(c => c.textContent)")
     assert shown == sorted(c["verdict"] for c in document["checks"] if c["verdict"] != "pass"), shown
     text = browser.run("return document.body.textContent")
@@ -96,13 +78,8 @@ def check_numbers(browser, document):
 
 
 def check_charts(browser):
-    """The browser draws when it has the time: a slow machine is given ten seconds."""
-    for _ in range(100):
-        counts = browser.run(COUNT_LINES)
-        if len(counts) == 8 and all(count > 20 for chart in counts for count in chart):
-            return
-        time.sleep(0.1)
-    raise AssertionError(counts)
+    check_drawn(browser, COUNT_LINES,
+                lambda counts: len(counts) == 8 and all(count > 20 for chart in counts for count in chart))
 
 
 def check_keyboard(browser, document):
@@ -120,13 +97,8 @@ def check_keyboard(browser, document):
 
 
 def check_page(browser, page, document):
-    browser.resize(1280, 900)
-    browser.open(page)
-    asked = browser.requests()
-    assert len(asked) == 1 and asked[0].startswith("file:"), asked
+    check_opens(browser, page, images=25)
     check_numbers(browser, document)
-    images = browser.run(IMAGES)
-    assert len(images) == 25 and all(width > 0 and alt for width, alt in images), images
     check_charts(browser)
     check_keyboard(browser, document)
     browser.emulate(features=DARK)
@@ -135,11 +107,9 @@ def check_page(browser, page, document):
     assert browser.run("return getComputedStyle(document.body).getPropertyValue('--ink').trim()") == "#26282e"
     check_charts(browser)
     browser.emulate(media="screen", features=[])
-    browser.resize(360, 740)
-    assert browser.run("return document.documentElement.scrollWidth") <= 360
+    check_fits_phone(browser)
     check_charts(browser)
-    console = browser.console()
-    assert console == [], console
+    check_console(browser)
 
 
 def make_report(tool, directory):

@@ -11,6 +11,7 @@
 #include "commands/batch_module.h"
 #include "commands/preset.h"
 #include "failure.h"
+#include "io/directory.h"
 #include "io/file_identity.h"
 #include "line/journal.h"
 #include "line/line_progress.h"

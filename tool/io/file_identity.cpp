@@ -1,4 +1,4 @@
-// directory_of, link_target, keep_files_apart
+// link_target, keep_files_apart
 #include "io/file_identity.h"
 
 #include <optional>
@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "failure.h"
+#include "io/directory.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -36,11 +37,6 @@ bool are_one(const std::string& a, const std::string& b) {
 }
 
 } // namespace
-
-std::string directory_of(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "" : path.substr(0, slash + 1);
-}
 
 std::string link_target(const std::string& path) {
     std::string target = path;

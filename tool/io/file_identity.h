@@ -6,9 +6,6 @@
 
 namespace zerklsc::tool {
 
-// The part of a path up to its last slash; empty where there is none.
-std::string directory_of(const std::string& path);
-
 // Where a symbolic link leads in the end, whether that exists or not; any other path as it is.
 std::string link_target(const std::string& path);
 

@@ -1,7 +1,7 @@
 // input_record, json_of
 #include "io/input_record.h"
 
-#include "io/file_identity.h"
+#include "io/directory.h"
 #include "io/input_file.h"
 #include "io/sha256.h"
 

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "failure.h"
+#include "io/directory.h"
 #include "io/file_identity.h"
 
 namespace zerklsc::tool {
@@ -61,16 +62,6 @@ mode_t plain_file_mode() {
         return 0666 & ~mask;
     }();
     return mode;
-}
-
-// Brings a rename to the disk. Not every file system can, and the file itself is safe already.
-void sync_directory_of(const std::string& path) {
-    const std::string directory = directory_of(path);
-    const int fd = open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0)
-        return;
-    fsync(fd);
-    close(fd);
 }
 
 } // namespace

@@ -18,7 +18,7 @@
 #include <unistd.h>
 
 #include "failure.h"
-#include "io/file_identity.h"
+#include "io/directory.h"
 
 namespace zerklsc::tool {
 namespace {

@@ -12,7 +12,7 @@
 #include <unistd.h>
 
 #include "failure.h"
-#include "io/file_identity.h"
+#include "io/directory.h"
 #include "io/line_reader.h"
 #include "terminal.h"
 
@@ -30,16 +30,6 @@ bool may_be_torn(std::string_view text) {
     const size_t length = std::min(text.size(), beginning.size());
     return text.substr(0, length) == beginning.substr(0, length)
            || std::ranges::all_of(text, [](char c) { return c == '\0'; });
-}
-
-// Brings a new name to the disk. Not every file system can.
-void sync_directory_of(const std::string& path) {
-    const std::string directory = directory_of(path);
-    const int fd = open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0)
-        return;
-    fsync(fd);
-    close(fd);
 }
 
 } // namespace

@@ -43,15 +43,19 @@ std::string inside_script(const std::string& json) {
 
 std::string encode_page(PageKind kind, const std::string& document, const std::vector<PanelRow>& rows) {
     const bool report = kind == PageKind::report;
-    const std::string script = report ? page_parts::report_script : page_parts::lot_script;
+    const std::string title = report ? "Lens-shading report" : "Report of a lot";
     const std::pair<std::string, std::string> fillings[] = {
+        {"{{title}}", title},
         {"{{style}}", std::string(page_parts::uplot_style) + page_parts::style},
+        {"{{title}}", title},
+        {"{{sections}}", report ? page_parts::report_sections : page_parts::lot_sections},
         {"{{document}}", inside_script(document)},
         {"{{maps}}", inside_script(maps_of(rows).text())},
         {"{{uplot}}", page_parts::uplot_script},
-        {"{{script}}", page_parts::common_script + script}};
+        {"{{script}}", std::string(page_parts::common_script)
+                           + (report ? page_parts::report_script : page_parts::lot_script)}};
     // From mark to mark, so that no mark is looked for in what has been filled in.
-    std::string page, rest = report ? page_parts::report_template : page_parts::lot_template;
+    std::string page, rest = page_parts::page;
     for (const auto& [mark, filling] : fillings) {
         const size_t at = rest.find(mark);
         page += rest.substr(0, at) + filling;

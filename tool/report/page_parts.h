@@ -3,8 +3,9 @@
 
 namespace zerklsc::tool::page_parts {
 
-extern const char* const report_template;
-extern const char* const lot_template;
+extern const char* const page;
+extern const char* const report_sections;
+extern const char* const lot_sections;
 extern const char* const style;
 extern const char* const common_script;
 extern const char* const report_script;
