@@ -59,7 +59,7 @@ class Tiff:
 
 
 def mosaic_tags(order, width, height, pattern, black, white, opcodes):
-    tags = {254: (4, [0]), 256: (4, [width]), 257: (4, [height]), 258: (3, [16]), 259: (3, [1]), 262: (3, [32803]),
+    tags = {254: (4, [0]), 256: (4, [width]), 257: (4, [height]), 258: (3, [16]), 262: (3, [32803]),
             277: (3, [1]), 284: (3, [1]), 33421: (3, [2, 2]), 33422: (1, [{"R": 0, "G": 1, "B": 2}[c] for c in pattern]),
             50713: (3, [2, 2]), 50714: (5, [(2 * level, 2) for level in black]), 50717: (4, [white])}
     if opcodes is not None:
@@ -67,37 +67,54 @@ def mosaic_tags(order, width, height, pattern, black, white, opcodes):
     return tags
 
 
-def add_samples(tiff, tags, width, height, sample, tile):
+def lossless_jpeg(rows):
+    """One component of 16 bits, each sample as its difference to its left neighbour; every category has a code of 5 bits."""
+    bits = []
+    for y, row in enumerate(rows):
+        before = rows[y - 1][0] if y else 1 << 15
+        for value in row:
+            difference, before = value - before, value
+            length = abs(difference).bit_length()
+            bits.append(f"{length:05b}")
+            if 0 < length < 16:
+                bits.append(f"{difference if difference > 0 else difference + (1 << length) - 1:0{length}b}")
+    text = "".join(bits)
+    text += "1" * (-len(text) % 8)
+    data = int(text, 2).to_bytes(len(text) // 8, "big").replace(b"\xff", b"\xff\0")
+    codes = bytes([0] * 5 + [17] + [0] * 11) + bytes(range(17))
+    return (b"\xff\xd8\xff\xc4" + struct.pack(">H", 2 + len(codes)) + codes
+            + b"\xff\xc3" + struct.pack(">HBHHB3B", 11, 16, len(rows), len(rows[0]), 1, 0, 0x11, 0)
+            + b"\xff\xda" + struct.pack(">HB5B", 8, 1, 0, 0, 1, 0, 0) + data + b"\xff\xd9")
+
+
+def add_samples(tiff, tags, width, height, sample, tile, compressed):
     """`sample(x, y)` in one strip, in strips of `tile` rows, or in tiles of `tile` (width, height) that reach beyond the frame
     with zeros. Several stand back to front, so that readers must follow their offsets."""
     def block(left, top, columns, rows):
-        values = [sample(x, y) if x < width and y < height else 0
-                  for y in range(top, top + rows) for x in range(left, left + columns)]
-        return struct.pack(f"{tiff.order}{len(values)}H", *values)
-    if tile is None:
-        data = block(0, 0, width, height)
-        tags.update({273: (4, [tiff.add(data)]), 278: (4, [height]), 279: (4, [len(data)])})
-        return
-    if isinstance(tile, int):
-        tops = range(0, height, tile)
-        parts = {top: block(0, top, width, min(tile, height - top)) for top in tops}
-        offsets = {top: tiff.add(parts[top]) for top in reversed(tops)}
-        tags.update({273: (4, [offsets[top] for top in tops]), 278: (4, [tile]), 279: (4, [len(parts[top]) for top in tops])})
-        return
-    across, down = -(-width // tile[0]), -(-height // tile[1])
-    offsets = {}
-    for number in reversed(range(across * down)):
-        offsets[number] = tiff.add(block(number % across * tile[0], number // across * tile[1], *tile))
-    tags.update({322: (4, [tile[0]]), 323: (4, [tile[1]]), 324: (4, [offsets[k] for k in range(across * down)]),
-                 325: (4, [2 * tile[0] * tile[1]] * (across * down))})
+        values = [[sample(x, y) if x < width and y < height else 0 for x in range(left, left + columns)]
+                  for y in range(top, top + rows)]
+        return lossless_jpeg(values) if compressed else b"".join(struct.pack(f"{tiff.order}{columns}H", *row) for row in values)
+    tags[259] = (3, [7 if compressed else 1])
+    if isinstance(tile, tuple):
+        places = [(left, top, *tile) for top in range(0, height, tile[1]) for left in range(0, width, tile[0])]
+    else:
+        rows = tile or height
+        places = [(0, top, width, min(rows, height - top)) for top in range(0, height, rows)]
+    parts = [block(*place) for place in places]
+    offsets = [tiff.add(part) for part in reversed(parts)][::-1]
+    sizes = [len(part) for part in parts]
+    if isinstance(tile, tuple):
+        tags.update({322: (4, [tile[0]]), 323: (4, [tile[1]]), 324: (4, offsets), 325: (4, sizes)})
+    else:
+        tags.update({273: (4, offsets), 278: (4, [rows]), 279: (4, sizes)})
 
 
 def make_dng(width, height, pattern, sample, opcodes=None, order="<", below=False, black=(60, 61, 62, 63), white=1000,
-             tile=None, active=None, extra=None):
+             tile=None, active=None, extra=None, compressed=False):
     """`below` puts the mosaic below a directory of a preview; `extra` are further tags of the mosaic."""
     tiff = Tiff(order)
     tags = mosaic_tags(order, width, height, pattern, black, white, opcodes)
-    add_samples(tiff, tags, width, height, sample, tile)
+    add_samples(tiff, tags, width, height, sample, tile, compressed)
     if active:
         tags[50829] = (4, list(active))
     tags.update(extra or {})

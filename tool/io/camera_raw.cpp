@@ -72,10 +72,13 @@ std::unique_ptr<LibRaw> open_raw(InputFile& file) {
     return raw;
 }
 
-bool is_uncompressed(LibRaw& raw) {
+std::string_view decoder_of(LibRaw& raw) {
     libraw_decoder_info_t decoder{};
-    return raw.get_decoder_info(&decoder) == LIBRAW_SUCCESS
-           && std::string_view(decoder.decoder_name) == "packed_dng_load_raw()";
+    return raw.get_decoder_info(&decoder) == LIBRAW_SUCCESS ? decoder.decoder_name : "";
+}
+
+bool is_uncompressed(LibRaw& raw) {
+    return decoder_of(raw) == "packed_dng_load_raw()";
 }
 
 // Whether LibRaw would only copy whole words: then they can be read where they stay.
@@ -89,105 +92,109 @@ bool is_plain(LibRaw& raw) {
     return true;
 }
 
+// LibRaw begins its frame a row or column further in where the corner of a DNG's active area is odd. The
+// frame of the file is that area, from whose corner its pattern and black levels repeat.
+SampleArea active_area(InputFile& file, LibRaw& raw) {
+    const auto& sizes = raw.imgdata.sizes;
+    const SampleArea area{sizes.left_margin, sizes.top_margin, sizes.width, sizes.height};
+    if (raw.imgdata.idata.dng_version == 0 || !begins_tiff(file.head()))
+        return area;
+    constexpr uint16_t active_area_tag = 50829;
+    TiffFile tiff(file);
+    const TiffDirectory directory = tiff.mosaic_directory();
+    const TiffEntry* const tag = directory.find(active_area_tag);
+    const auto corners = tag != nullptr ? tiff.numbers(*tag, 4) : std::vector<double>();
+    const auto begins_at = [](double corner, uint64_t margin) {
+        return corner == static_cast<double>(margin) || corner + 1 == static_cast<double>(margin);
+    };
+    if (corners.size() != 4 || !begins_at(corners[0], area.top) || !begins_at(corners[1], area.left)
+        || !(corners[2] <= sizes.raw_height && corners[3] <= sizes.raw_width)
+        || !(corners[2] >= corners[0] + 2 && corners[3] >= corners[1] + 2))
+        return area;
+    return {static_cast<uint64_t>(corners[1]), static_cast<uint64_t>(corners[0]),
+            static_cast<uint64_t>(corners[3] - corners[1]), static_cast<uint64_t>(corners[2] - corners[0])};
+}
+
 // LibRaw takes the samples of an uncompressed DNG to follow its first one row by row. Nothing where they do.
-std::optional<std::vector<uint16_t>> read_scattered(InputFile& file, LibRaw& raw,
-                                                    const RawDescription& about) {
+std::optional<std::vector<uint16_t>> read_scattered(InputFile& file, const SampleArea& area) {
     if (!begins_tiff(file.head()))
         return std::nullopt;
     TiffFile tiff(file);
     const TiffDirectory directory = tiff.mosaic_directory();
-    constexpr uint16_t strip_offsets = 273;
-    const TiffEntry* const strips = directory.find(strip_offsets);
-    if (!is_tiled(directory) && (strips == nullptr || strips->count == 1))
+    if (strip_count(directory) == 1)
         return std::nullopt;
-    const auto& sizes = raw.imgdata.sizes;
-    return read_blocks(file, tiff, directory,
-                       {sizes.left_margin, sizes.top_margin, static_cast<uint64_t>(about.width),
-                        static_cast<uint64_t>(about.height)});
+    return read_blocks(file, tiff, directory, area);
 }
 
-// The same mistake with fewer bits cannot be mended here.
-void check_in_strips(InputFile& file, LibRaw& raw) {
-    if (!is_uncompressed(raw) || !begins_tiff(file.head()))
+// The same mistake cannot be mended here with fewer bits, nor with lossless JPEG, of which LibRaw reads the
+// first strip alone.
+void check_in_one_piece(InputFile& file, LibRaw& raw) {
+    const bool uncompressed = is_uncompressed(raw);
+    if ((!uncompressed && decoder_of(raw) != "lossless_dng_load_raw()") || !begins_tiff(file.head()))
         return;
     TiffFile tiff(file);
-    if (is_tiled(tiff.mosaic_directory()))
-        data_failure(
-            "{}: holds uncompressed tiles of {}-bit samples, and only those of 16 bits are read: write "
-            "it in strips, or compressed",
-            file.path(), raw.get_internal_data_pointer()->unpacker_data.tiff_bps);
+    const TiffDirectory directory = tiff.mosaic_directory();
+    if (uncompressed && !is_in_one_piece(tiff, directory))
+        data_failure("{}: holds {}-bit samples in tiles or scattered strips, and only those of 16 bits are "
+                     "read from there: write it in one strip, or compressed in tiles",
+                     file.path(), raw.get_internal_data_pointer()->unpacker_data.tiff_bps);
+    if (!uncompressed && strip_count(directory) > 1)
+        data_failure("{}: holds compressed samples in {} strips: write it in one strip, or in tiles",
+                     file.path(), strip_count(directory));
 }
 
-std::vector<uint16_t> read_plain(InputFile& file, LibRaw& raw, const RawDescription& about) {
-    const unpacker_data_t& unpacker = raw.get_internal_data_pointer()->unpacker_data;
-    const auto& sizes = raw.imgdata.sizes;
-    if (auto samples = read_scattered(file, raw, about))
+std::vector<uint16_t> read_plain(InputFile& file, LibRaw& raw, const SampleArea& area) {
+    if (auto samples = read_scattered(file, area))
         return std::move(*samples);
-    const uint64_t stride = 2 * uint64_t{sizes.raw_width};
-    const uint64_t first = stride * sizes.top_margin + 2 * uint64_t{sizes.left_margin};
-    const RowLayout layout{about.width, about.height, 2 * static_cast<uint64_t>(about.width), stride,
-                           static_cast<uint64_t>(unpacker.data_offset) + first};
+    const unpacker_data_t& unpacker = raw.get_internal_data_pointer()->unpacker_data;
+    const uint64_t stride = 2 * uint64_t{raw.imgdata.sizes.raw_width};
+    const uint64_t first = stride * area.top + 2 * area.left;
+    const RowLayout layout{static_cast<int>(area.width), static_cast<int>(area.height), 2 * area.width,
+                           stride, static_cast<uint64_t>(unpacker.data_offset) + first};
     if (layout.shortest_end() > file.size().value_or(0))
         data_failure("{}: holds {} bytes, but its {} x {} samples end at byte {}: the file is truncated",
-                     file.path(), file.size().value_or(0), about.width, about.height, layout.shortest_end());
+                     file.path(), file.size().value_or(0), area.width, area.height, layout.shortest_end());
     return read_word_rows(file, layout, unpacker.order == 0x4D4D);
 }
 
-// LibRaw's colours: 0 R, 1 G in the rows of R, 2 B, 3 the other G.
-std::optional<BayerPattern> pattern_of(LibRaw& raw) {
-    std::string name;
-    for (int plane = 0; plane < 4; ++plane)
-        name += "RGBG"[raw.COLOR(plane >> 1, plane & 1) & 3];
-    return bayer_pattern_from(name);
+// LibRaw's colour of a plane of the area: 0 R, 1 G in the rows of R, 2 B, 3 the other G.
+int colour_of_plane(LibRaw& raw, const SampleArea& area, unsigned plane) {
+    const unsigned y = (plane >> 1) + (raw.imgdata.sizes.top_margin - area.top) % 2,
+                   x = (plane & 1) + (raw.imgdata.sizes.left_margin - area.left) % 2;
+    return raw.COLOR(static_cast<int>(y), static_cast<int>(x)) & 3;
 }
 
-// A DNG repeats its black levels from the corner of its active area. LibRaw's frame begins a row or column
-// further in where that corner is odd.
-std::array<unsigned, 2> rows_and_columns_left_out(InputFile& file, LibRaw& raw) {
-    if (raw.imgdata.idata.dng_version == 0 || !begins_tiff(file.head()))
-        return {0, 0};
-    constexpr uint16_t active_area = 50829;
-    TiffFile tiff(file);
-    const TiffDirectory directory = tiff.mosaic_directory();
-    const TiffEntry* const area = directory.find(active_area);
-    const std::vector<double> corners = area != nullptr ? tiff.numbers(*area, 4) : std::vector<double>();
-    if (corners.size() != 4)
-        return {0, 0};
-    const auto left_out = [](unsigned margin, double corner) { return margin > corner ? 1U : 0U; };
-    return {left_out(raw.imgdata.sizes.top_margin, corners[0]),
-            left_out(raw.imgdata.sizes.left_margin, corners[1])};
+std::optional<BayerPattern> pattern_of(LibRaw& raw, const SampleArea& area) {
+    std::string name;
+    for (unsigned plane = 0; plane < 4; ++plane)
+        name += "RGBG"[colour_of_plane(raw, area, plane)];
+    return bayer_pattern_from(name);
 }
 
 // LibRaw splits black levels in a common part, one for each colour and one for each place in a repeated
 // block.
-BlackLevel black_of(InputFile& file, LibRaw& raw) {
+BlackLevel black_of(LibRaw& raw, const SampleArea& area) {
     const auto& colour = raw.imgdata.color;
     const unsigned rows = colour.cblack[4], columns = colour.cblack[5];
-    const auto [rows_left_out, columns_left_out] = rows_and_columns_left_out(file, raw);
     BlackLevel black{};
     for (unsigned plane = 0; plane < 4; ++plane) {
-        const unsigned y = plane >> 1, x = plane & 1;
-        unsigned level =
-            colour.black + colour.cblack[raw.COLOR(static_cast<int>(y), static_cast<int>(x)) & 3];
+        unsigned level = colour.black + colour.cblack[colour_of_plane(raw, area, plane)];
         if (rows != 0 && columns != 0)
-            level +=
-                colour.cblack[6 + (y + rows_left_out) % rows * columns + (x + columns_left_out) % columns];
+            level += colour.cblack[6 + (plane >> 1) % rows * columns + (plane & 1) % columns];
         black[plane] = static_cast<int>(level);
     }
     return black;
 }
 
-std::vector<uint16_t> unpack(const InputFile& file, LibRaw& raw, const RawDescription& about) {
+std::vector<uint16_t> unpack(const InputFile& file, LibRaw& raw, const SampleArea& area) {
     check(file, raw.unpack());
     if (raw.imgdata.rawdata.raw_image == nullptr)
         data_failure("{}: holds no mosaic of whole numbers", file.path());
-    const auto& sizes = raw.imgdata.sizes;
-    const auto width = static_cast<size_t>(about.width);
-    std::vector<uint16_t> samples(width * static_cast<size_t>(about.height));
-    for (size_t y = 0; y < static_cast<size_t>(about.height); ++y)
-        std::copy_n(raw.imgdata.rawdata.raw_image + (y + sizes.top_margin) * (sizes.raw_pitch / 2)
-                        + sizes.left_margin,
-                    width, samples.data() + y * width);
+    const size_t pitch = raw.imgdata.sizes.raw_pitch / 2;
+    std::vector<uint16_t> samples(area.width * area.height);
+    for (uint64_t y = 0; y < area.height; ++y)
+        std::copy_n(raw.imgdata.rawdata.raw_image + (y + area.top) * pitch + area.left, area.width,
+                    samples.data() + y * area.width);
     return samples;
 }
 
@@ -205,17 +212,20 @@ RawFrame read_camera_raw(InputFile& file, const RawHints&) {
     const auto& data = raw->imgdata;
     RawFrame frame;
     frame.format = data.idata.dng_version != 0 ? "DNG" : "camera raw";
-    frame.width = data.sizes.width & ~1;
-    frame.height = data.sizes.height & ~1;
-    frame.pattern = pattern_of(*raw);
+    SampleArea area = active_area(file, *raw);
+    area.width &= ~uint64_t{1};
+    area.height &= ~uint64_t{1};
+    frame.width = static_cast<int>(area.width);
+    frame.height = static_cast<int>(area.height);
+    frame.pattern = pattern_of(*raw, area);
     frame.camera = fmt::format("{} {}", data.idata.make, data.idata.model);
     frame.lens = data.lens.Lens;
     const bool plain = is_plain(*raw);
     if (!plain)
-        check_in_strips(file, *raw);
-    frame.samples = plain ? read_plain(file, *raw, frame) : unpack(file, *raw, frame);
+        check_in_one_piece(file, *raw);
+    frame.samples = plain ? read_plain(file, *raw, area) : unpack(file, *raw, area);
     set_depth(frame, data.color.maximum);
-    frame.black = black_of(file, *raw);
+    frame.black = black_of(*raw, area);
     return frame;
 }
 

@@ -1,4 +1,4 @@
-// is_tiled, read_blocks
+// strip_count, is_in_one_piece, read_blocks
 #include "io/tiff_blocks.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace zerklsc::tool {
 namespace {
 
 constexpr uint16_t image_width = 256, image_height = 257, strip_offsets = 273, rows_per_strip = 278,
-                   tile_width = 322, tile_height = 323, tile_offsets = 324;
+                   strip_bytes = 279, tile_width = 322, tile_height = 323, tile_offsets = 324;
 constexpr uint64_t most_blocks = uint64_t{1} << 16;
 
 uint64_t number(TiffFile& tiff, const TiffDirectory& directory, uint16_t tag, uint64_t missing) {
@@ -18,6 +18,10 @@ uint64_t number(TiffFile& tiff, const TiffDirectory& directory, uint16_t tag, ui
     const auto values = entry == nullptr ? std::vector<double>{} : tiff.numbers(*entry, 1);
     return values.empty() || !(values[0] >= 0 && values[0] <= UINT32_MAX) ? missing
                                                                           : static_cast<uint64_t>(values[0]);
+}
+
+bool is_tiled(const TiffDirectory& directory) {
+    return directory.find(tile_offsets) != nullptr;
 }
 
 // Equal rectangles, row by row.
@@ -62,8 +66,23 @@ Blocks blocks_of(TiffFile& tiff, const TiffDirectory& directory) {
 
 } // namespace
 
-bool is_tiled(const TiffDirectory& directory) {
-    return directory.find(tile_offsets) != nullptr;
+uint32_t strip_count(const TiffDirectory& directory) {
+    const TiffEntry* const offsets = directory.find(strip_offsets);
+    return is_tiled(directory) ? 0 : offsets == nullptr ? 1 : offsets->count;
+}
+
+bool is_in_one_piece(TiffFile& tiff, const TiffDirectory& directory) {
+    if (strip_count(directory) <= 1)
+        return strip_count(directory) == 1;
+    const TiffEntry* const offsets = directory.find(strip_offsets);
+    const TiffEntry* const bytes = directory.find(strip_bytes);
+    if (bytes == nullptr || offsets->count > most_blocks || bytes->count != offsets->count)
+        return false;
+    const auto begin = tiff.numbers(*offsets, offsets->count), size = tiff.numbers(*bytes, bytes->count);
+    for (size_t k = 1; k < std::min(begin.size(), size.size()); ++k)
+        if (begin[k] != begin[k - 1] + size[k - 1])
+            return false;
+    return true;
 }
 
 std::vector<uint16_t> read_blocks(InputFile& file, TiffFile& tiff, const TiffDirectory& directory,

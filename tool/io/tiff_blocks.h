@@ -13,7 +13,11 @@ struct SampleArea {
     uint64_t left, top, width, height;
 };
 
-bool is_tiled(const TiffDirectory& directory);
+// How many strips hold the mosaic; 0 where it is in tiles.
+uint32_t strip_count(const TiffDirectory& directory);
+
+// Whether the mosaic is in strips of which each begins where the one before ends.
+bool is_in_one_piece(TiffFile& tiff, const TiffDirectory& directory);
 
 // The 16-bit samples of an area, row by row; a data failure where strips or tiles do not cover the mosaic, or
 // end behind the file.

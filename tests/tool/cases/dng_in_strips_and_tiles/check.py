@@ -10,7 +10,10 @@ WIDTH, HEIGHT, STEP = 202, 120, 8
 COLUMNS, ROWS = (WIDTH // 2 - 1) // STEP + 4, (HEIGHT // 2 - 1) // STEP + 4
 LAYOUTS = {"whole": {}, "strips": {"tile": 35}, "tiles": {"tile": (64, 48)}, "wide_tiles": {"tile": (208, 16)},
            "one_tile": {"tile": (208, 128)}, "big_endian": {"tile": (64, 48), "order": ">"},
-           "below": {"tile": (64, 48), "below": True}, "active": {"tile": (64, 48), "active": (4, 8, 4 + HEIGHT, 8 + WIDTH)}}
+           "below": {"tile": (64, 48), "below": True}, "active": {"tile": (64, 48), "active": (4, 8, 4 + HEIGHT, 8 + WIDTH)},
+           "odd": {"active": (5, 7, 5 + HEIGHT, 7 + WIDTH)}, "odd_tiles": {"tile": (64, 48), "active": (5, 8, 5 + HEIGHT, 8 + WIDTH)},
+           "compressed": {"active": (4, 7, 4 + HEIGHT, 7 + WIDTH), "compressed": True},
+           "compressed_tiles": {"tile": (64, 48), "active": (5, 7, 5 + HEIGHT, 7 + WIDTH), "compressed": True}}
 
 
 def sample(x, y):
@@ -26,10 +29,9 @@ if sys.argv[1] == "make":
     for name, layout in LAYOUTS.items():
         size = (220, 130) if "active" in layout else (WIDTH, HEIGHT)
         pathlib.Path(name + ".dng").write_bytes(make_dng(*size, "RGGB", sample, **layout))
-    # The reader's frame begins at the next even corner, (6, 8).
-    pathlib.Path("odd.dng").write_bytes(make_dng(220, 130, "RGGB", sample, active=(5, 7, 125, 207),
-                                                 extra={50713: (3, [2, 2]), 50714: (3, [60, 61, 62, 63])}))
     tiles = LAYOUTS["tiles"]
+    pathlib.Path("bad_strips.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, tile=35, extra={258: (3, [12])}))
+    pathlib.Path("bad_parts.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, tile=35, compressed=True))
     for name, tags in (("count", {324: (4, [8, 8])}), ("size", {322: (4, [0])}), ("beyond", {324: (4, [1 << 24] * 12)}),
                        ("deep", {258: (3, [12])}), ("huge", {256: (4, [60000]), 257: (4, [60000]), 322: (4, [60000]), 323: (4, [60000]),
                                                             324: (4, [8])})):
