@@ -1,7 +1,7 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test test-verdicts test-slurm test-kills mutate bench package release configured packages
+.PHONY: help demo test test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
@@ -11,6 +11,7 @@ help:
 	@echo "make test-slurm      run a lot over a Slurm of two nodes on this machine, and lose one of them"
 	@echo "make mutate  change the tool in 120 small ways, one at a time, and tell what share the tests catch; takes hours"
 	@echo "make bench   install what is missing, build, time every kernel against its plain form and its peers"
+	@echo "make bench-line   measure what a line of modules costs; RENEW=1 writes it into docs/scale.md"
 	@echo "make package install what is missing, make Debian packages in build/package, check them"
 
 packages:
@@ -51,6 +52,11 @@ bench: packages
 	@cmake --preset release > /dev/null
 	@cmake --build --preset release
 	@build/release/bench/zerklsc_bench --bench --memory
+
+bench-line: configured
+	@cmake/install-packages.sh bench
+	@cmake --build --preset release --target zerklsc_tool
+	@bench/line_cost.py --tool build/release/tool/zerklsc $(if $(RENEW),--renew docs/scale.md)
 
 package:
 	@cmake/install-packages.sh build package

@@ -4,7 +4,7 @@
 #   ci       sanitizers with a second compiler, cross compilers and emulators, a browser for the report
 #   lint     what looks at the sources: formatting, faults, scripts, the reference of the header
 #   package  Debian's tools for packages
-#   bench    the libraries that the benchmark compares with
+#   bench    the libraries that the benchmarks compare with, and a profiler
 #   slurm    a scheduler, to try a lot over several machines
 set -eu
 
@@ -15,7 +15,7 @@ packages_of() {
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu ;;
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
-    bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev ;;
+    bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev linux-perf ;;
     slurm) echo slurm-wlm munge ;;
     *) echo "install-packages.sh: unknown step '$1' (build, ci, lint, package, bench or slurm)" >&2 && exit 2 ;;
     esac
