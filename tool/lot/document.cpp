@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 
 #include "check/limits.h"
 #include "io/levels_json.h"
@@ -30,10 +29,8 @@ JsonValue counts_json(const LotSummary& lot) {
 }
 
 JsonValue costs_json(const LotSummary& lot) {
-    std::vector<std::pair<std::string, Cost>> costs(lot.costs.begin(), lot.costs.end());
-    std::ranges::stable_sort(costs, std::greater(), [](const auto& cost) { return cost.second.lost; });
     JsonValue list = JsonValue::array();
-    for (const auto& [name, cost] : costs)
+    for (const auto& [name, cost] : lot.dearest_first())
         list.add(JsonValue::object({{"cause", name}, {"lost", cost.lost}, {"lost_alone", cost.lost_alone}}));
     return list;
 }

@@ -192,6 +192,14 @@ double LotSummary::yield() const {
     return modules() == 0 ? 0 : static_cast<double>(good) / static_cast<double>(modules());
 }
 
+std::vector<std::pair<std::string, Cost>> LotSummary::dearest_first() const {
+    std::vector<std::pair<std::string, Cost>> sorted(costs.begin(), costs.end());
+    std::ranges::sort(sorted, [](const auto& a, const auto& b) {
+        return a.second.lost != b.second.lost ? a.second.lost > b.second.lost : a.first < b.first;
+    });
+    return sorted;
+}
+
 LotSummary::Taken LotSummary::add(const ResultLine& result, const std::string& place) {
     if (result.frame && result.grid) {
         const LotKind own = kind_of(result);

@@ -101,6 +101,8 @@ struct LotSummary {
     uint64_t with_gains() const;
     // The part of the modules that are good.
     double yield() const;
+    // What cost modules; where two cost as many, in the order of their names.
+    std::vector<std::pair<std::string, Cost>> dearest_first() const;
 
     // Adds a module, or counts its line as left out. A data failure for a module that is none, and nothing is
     // changed then.

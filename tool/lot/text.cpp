@@ -22,10 +22,8 @@ std::string yield_text(const LotSummary& lot) {
 std::string costs_text(const LotSummary& lot) {
     if (lot.costs.empty())
         return "";
-    std::vector<std::pair<std::string, Cost>> costs(lot.costs.begin(), lot.costs.end());
-    std::ranges::stable_sort(costs, std::greater(), [](const auto& cost) { return cost.second.lost; });
     std::vector<std::vector<std::string>> rows{{"lost by", "modules", "of all", "by it alone"}};
-    for (const auto& [name, cost] : costs)
+    for (const auto& [name, cost] : lot.dearest_first())
         rows.push_back({one_line(name), std::to_string(cost.lost),
                         percent(static_cast<double>(cost.lost) / static_cast<double>(lot.modules())),
                         std::to_string(cost.lost_alone)});
