@@ -111,6 +111,22 @@ std::vector<ShadingSet> chosen_sets(const ConvertInputs& inputs, const ShadingFi
     return sets;
 }
 
+// Camera stacks interpolate between two sets; nothing lies between two of one temperature.
+void check_temperatures(const ConvertInputs& inputs, const std::vector<LitTables>& sets) {
+    std::vector<int> kelvin;
+    for (const LitTables& set : sets)
+        kelvin.push_back(set.kelvin);
+    std::ranges::sort(kelvin);
+    const auto twice = std::ranges::adjacent_find(kelvin);
+    if (twice == kelvin.end())
+        return;
+    const std::string fault =
+        fmt::format("{} K stands twice: each set needs a colour temperature of its own", *twice);
+    if (inputs.kelvin.empty())
+        data_failure("{}: {}", inputs.paths[0], fault);
+    usage_failure("--ct: {}", fault);
+}
+
 std::vector<LitTables> tables_of_file(const ConvertInputs& inputs, const RawOptions& raw,
                                       const ShadingFile& file, const std::string& format, bool lit) {
     const std::string& path = inputs.paths[0];
@@ -142,6 +158,8 @@ std::vector<LitTables> tables_of_file(const ConvertInputs& inputs, const RawOpti
                             set.at_limit, set.kelvin));
         result.push_back({tables_of(set, about, path, losses), set.kelvin});
     }
+    if (lit)
+        check_temperatures(inputs, result);
     for (const std::string& loss : losses)
         warn(fmt::format("{}: {}", path, loss));
     return result;
@@ -217,6 +235,8 @@ std::vector<LitTables> read_convert_inputs(const ConvertInputs& inputs, const Ra
     std::vector<LitTables> sets;
     for (size_t i = 0; i < inputs.paths.size(); ++i)
         sets.push_back({read_own(inputs, inputs.paths[i], raw), kelvin[i]});
+    if (lit)
+        check_temperatures(inputs, sets);
     return sets;
 }
 

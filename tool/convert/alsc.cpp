@@ -63,7 +63,7 @@ std::string encode_calibrations(const char* name, const std::vector<LitTables>& 
 
 std::string encode_alsc(const std::vector<LitTables>& sets, int columns, int rows, Losses& losses) {
     std::vector<LitTables> ascending = sets;
-    std::ranges::stable_sort(ascending, {}, &LitTables::kelvin);
+    std::ranges::sort(ascending, {}, &LitTables::kelvin);
     std::vector<TargetGrid> grids;
     std::vector<double> luminance(static_cast<size_t>(columns) * static_cast<size_t>(rows));
     for (const LitTables& set : ascending) {
