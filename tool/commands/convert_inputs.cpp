@@ -178,17 +178,18 @@ GainTables read_text(const ConvertInputs& inputs, const std::string& path, const
     tables.step = inputs.step;
     check_grid(tables.raw_width, tables.raw_height, tables.step, path);
     set_description(path, raw, {}, tables);
-    tables.inputs = {input_record("table in text", path)};
     read_table_text(path, tables);
+    tables.inputs = {input_record("table in text", path)};
     return tables;
 }
 
 GainTables read_own(const ConvertInputs& inputs, const std::string& path, const RawOptions& raw) {
     if (extension_of(path) == ".txt")
         return read_text(inputs, path, raw);
+    GainTables tables = read_whole_gains(path);
     if (inputs.step != 0 || !inputs.size.empty())
         usage_failure("{}: a table file has its step and size: zerklsc resample gives it others", path);
-    return read_whole_gains(path);
+    return tables;
 }
 
 } // namespace
@@ -197,8 +198,7 @@ void add_convert_inputs(Command command, ConvertInputs& inputs) {
     command
         .option("tables", inputs.paths,
                 "table files (JSON, or text with --size and --step), or one file of a camera stack: rkisp1 "
-                "or alsc "
-                "tuning file, DNG with gain maps")
+                "or alsc tuning file, DNG with gain maps")
         .required()
         .takes("FILE");
     command.option(
@@ -209,8 +209,7 @@ void add_convert_inputs(Command command, ConvertInputs& inputs) {
     command
         .option("--step", inputs.step,
                 "node spacing in plane samples of the tables that are read from a tuning file or DNG "
-                "(default: 64, "
-                "or less where its nodes are closer)")
+                "(default: 64, or less where its nodes are closer)")
         .range(smallest_step, largest_step);
 }
 

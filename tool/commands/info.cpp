@@ -18,9 +18,9 @@ std::string or_dash(const std::string& text) {
 
 std::vector<std::string> column_of(const RawDescription& about) {
     return {about.pattern ? std::string(name_of(*about.pattern)) : std::string("-"),
-            std::to_string(about.bits),
+            about.bits != 0 ? std::to_string(about.bits) : std::string("-"),
             about.black ? text_of(*about.black) : std::string("-"),
-            std::to_string(about.white_level()),
+            about.bits != 0 ? std::to_string(about.white_level()) : std::string("-"),
             or_dash(about.camera),
             or_dash(about.lens)};
 }
@@ -37,10 +37,10 @@ std::vector<std::vector<std::string>> rows_of(const RawReading& reading) {
 
 JsonValue json_of(const RawDescription& about) {
     return JsonValue::object(
-        {{"bit_depth", about.bits},
+        {{"bit_depth", about.bits != 0 ? JsonValue(about.bits) : JsonValue::null()},
          {"bayer_pattern", about.pattern ? JsonValue(name_of(*about.pattern)) : JsonValue::null()},
          {"black_level", about.black ? JsonValue::list(*about.black) : JsonValue::null()},
-         {"white_level", about.white_level()}});
+         {"white_level", about.bits != 0 ? JsonValue(about.white_level()) : JsonValue::null()}});
 }
 
 void run(const RawOptions& options, Report& report) {

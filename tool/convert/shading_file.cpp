@@ -25,7 +25,7 @@ std::optional<ShadingFile> read_shading_file(const std::string& path, [[maybe_un
     if (path == "-")
         return std::nullopt;
     InputFile file(path);
-    if (begins_tiff(file.head()))
+    if (begins_tiff(file.head()) || extension_of(path) == ".dng")
         return read_gain_maps(file);
     if (is_yaml(file)) {
 #ifdef ZERKLSC_WITH_YAML

@@ -24,7 +24,7 @@ struct RawDescription {
     std::string format; // of the file, for people
     int width = 0;      // even, at most `largest_side`
     int height = 0;
-    int bits = 0;      // samples are 0 .. 2^bits - 1
+    int bits = 0;      // samples are 0 .. 2^bits - 1; 0 where nothing says how many
     int word_bits = 0; // of the words that the file stores them in
     std::optional<BayerPattern> pattern;
     std::optional<BlackLevel> black;

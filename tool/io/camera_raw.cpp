@@ -51,11 +51,15 @@ void check(const InputFile& file, int status) {
     if (status == LIBRAW_UNSUFFICIENT_MEMORY || status == LIBRAW_TOO_BIG)
         data_failure("{}: promises a frame of more than {} MiB, the most that is read", file.path(),
                      most_memory);
+    if (status == LIBRAW_IO_ERROR)
+        data_failure("{}: ends before its samples do: the file is truncated or damaged", file.path());
     if (status != LIBRAW_SUCCESS)
         data_failure("{}: cannot be read as a camera's raw file: {}", file.path(), libraw_strerror(status));
 }
 
 std::unique_ptr<LibRaw> open_raw(InputFile& file) {
+    if (extension_of(file.path()) == ".dng" && !begins_tiff(file.head()))
+        data_failure("{}: is not a DNG: it does not begin as a TIFF does", file.path());
     auto raw = std::make_unique<LibRaw>();
     raw->imgdata.params.max_raw_memory_mb = most_memory;
     raw->set_dataerror_handler(nullptr, nullptr);

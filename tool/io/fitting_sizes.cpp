@@ -40,9 +40,12 @@ uint64_t padded(uint64_t bytes, uint64_t alignment) {
     return (bytes + alignment - 1) / alignment * alignment;
 }
 
+const char* name_of(Packing packing) {
+    return packings[static_cast<size_t>(packing)].second;
+}
+
 // The options that name this reading, or nothing where it does not have exactly `size` bytes.
-std::string suggestion(uint64_t size, const RawHints& hints, Size frame, Packing packing,
-                       const char* packing_name) {
+std::string suggestion(uint64_t size, const RawHints& hints, Size frame, Packing packing, bool is_usual) {
     const uint64_t row_bytes = packed_row_bytes(packing, frame.width);
     for (const uint64_t alignment : alignments) {
         const uint64_t stride = padded(row_bytes, alignment);
@@ -51,8 +54,8 @@ std::string suggestion(uint64_t size, const RawHints& hints, Size frame, Packing
         if (!layout.fits(size))
             continue;
         std::string options = fmt::format("--width {} --height {}", frame.width, frame.height);
-        if (packing != hints.packing.value_or(Packing::words))
-            options += fmt::format(" --packing {}", packing_name);
+        if (!is_usual)
+            options += fmt::format(" --packing {}", name_of(packing));
         if (stride != row_bytes)
             options += fmt::format(" --stride {}", stride);
         if (hints.offset != 0)
@@ -70,6 +73,8 @@ std::vector<Size> candidates(uint64_t size, const RawHints& hints) {
             (size - std::min(size, static_cast<uint64_t>(hints.offset))) / packed_row_bytes(packing, side);
         return static_cast<int>(std::min<uint64_t>(other, largest_side)) / 2 * 2;
     };
+    if (hints.width != 0 && hints.height != 0)
+        sizes.push_back({hints.width, hints.height});
     for (const auto& [packing, name] : packings) {
         if (hints.width != 0)
             sizes.push_back({hints.width, other_side(hints.width, packing)});
@@ -81,10 +86,6 @@ std::vector<Size> candidates(uint64_t size, const RawHints& hints) {
         sizes.push_back({common.height, common.width});
     std::erase_if(sizes, [](const Size& s) { return s.width < 2 || s.height < 2 || s.width % 2 != 0; });
     return sizes;
-}
-
-const char* name_of(Packing packing) {
-    return packings[static_cast<size_t>(packing)].second;
 }
 
 } // namespace
@@ -103,7 +104,7 @@ uint64_t packed_row_bytes(Packing packing, int width) {
 }
 
 RowLayout headerless_layout(const InputFile& file, const RawHints& hints, Packing packing) {
-    const std::string found = file.size() ? fitting_sizes(*file.size(), hints) : "";
+    const std::string found = file.size() ? fitting_sizes(*file.size(), hints, packing) : "";
     const std::string advice = found.empty() ? "give the right --width, --height, --stride and --offset"
                                              : "sizes that would fit: " + found;
     if (hints.width == 0 || hints.height == 0)
@@ -121,14 +122,20 @@ RowLayout headerless_layout(const InputFile& file, const RawHints& hints, Packin
     return layout;
 }
 
-std::string fitting_sizes(uint64_t size, const RawHints& hints) {
+std::string fitting_sizes(uint64_t size, const RawHints& hints, Packing packing) {
     std::vector<std::string> found;
-    for (const Size& frame : candidates(size, hints))
-        for (const auto& [packing, name] : packings) {
-            const std::string options = suggestion(size, hints, frame, packing, name);
-            if (!options.empty() && std::ranges::find(found, options) == found.end())
-                found.push_back(options);
-        }
+    const auto try_all = [&](bool usual) {
+        for (const Size& frame : candidates(size, hints))
+            for (const auto& [other, name] : packings) {
+                if ((other == packing) != usual)
+                    continue;
+                const std::string options = suggestion(size, hints, frame, other, usual);
+                if (!options.empty() && std::ranges::find(found, options) == found.end())
+                    found.push_back(options);
+            }
+    };
+    try_all(true);
+    try_all(false);
     found.resize(std::min(found.size(), most_suggestions));
     return fmt::format("{}", fmt::join(found, "; "));
 }

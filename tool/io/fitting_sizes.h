@@ -19,7 +19,7 @@ uint64_t packed_row_bytes(Packing packing, int width);
 RowLayout headerless_layout(const InputFile& file, const RawHints& hints, Packing packing);
 
 // Options that would read a file of `size` bytes, likeliest first, as "--width 4208 --height 3120", at most
-// four of them; empty when none is known.
-std::string fitting_sizes(uint64_t size, const RawHints& hints);
+// four of them; empty when none is known. `packing` is taken unless the options say another.
+std::string fitting_sizes(uint64_t size, const RawHints& hints, Packing packing);
 
 } // namespace zerklsc::tool

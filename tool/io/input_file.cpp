@@ -98,10 +98,11 @@ void InputFile::hold(uint64_t limit) {
         const size_t before = head_.size();
         if (before > limit)
             data_failure("{}: holds more than {} bytes, the most that is taken from a pipe", path_, limit);
-        head_.resize(2 * before);
+        head_.resize(static_cast<size_t>(std::min<uint64_t>(2 * uint64_t{before}, limit + 1)));
+        const size_t wanted = head_.size() - before;
         const size_t got = read_forward(std::as_writable_bytes(std::span(head_)).subspan(before));
         head_.resize(before + got);
-        if (got < before)
+        if (got < wanted)
             size_ = head_.size();
     }
 }

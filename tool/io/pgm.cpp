@@ -178,10 +178,6 @@ RawFrame read_pgm(InputFile& file, const RawHints& hints) {
     if (!file.head().starts_with("P5"))
         data_failure("{}: is not a binary PGM: it does not begin with P5", path);
     const Header header = HeaderParser(file).parse();
-    if ((hints.width != 0 && hints.width != header.width)
-        || (hints.height != 0 && hints.height != header.height))
-        data_failure("{}: is {} x {} samples, not {} x {}: leave --width and --height away for a PGM", path,
-                     header.width, header.height, hints.width, hints.height);
     RawFrame frame = describe(path, header, hints);
     const uint64_t row_bytes = (header.maxval < 256 ? 1 : 2) * static_cast<uint64_t>(header.width);
     const RowLayout layout{header.width, header.height, row_bytes, row_bytes, header.size};

@@ -23,11 +23,15 @@ constexpr std::array formats{
     &headerless_format,
 };
 
+bool has_header(const RawFormat& format) {
+    return &format != &headerless_format && &format != &mipi_raw10_format && &format != &mipi_raw12_format;
+}
+
 const RawFormat& format_of(const InputFile& file, const RawHints& hints) {
     for (const RawFormat* format : formats)
         if (format->recognises(file, hints))
             return *format;
-    const std::string sizes = file.size() ? fitting_sizes(*file.size(), hints) : "";
+    const std::string sizes = file.size() ? fitting_sizes(*file.size(), hints, Packing::words) : "";
     data_failure(
         "{}: not a raw format known here: expected {}; what has no header needs --width and --height{}",
         file.path(), raw_format_names(), sizes.empty() ? "" : ", sizes that would fit: " + sizes);
@@ -63,6 +67,19 @@ void override_levels(RawFrame& frame, const RawHints& hints) {
         frame.white = hints.white;
 }
 
+// What the user says about the layout of a file that says it itself.
+void check_layout(const RawFrame& frame, const RawHints& hints) {
+    if ((hints.width != 0 && hints.width != frame.width)
+        || (hints.height != 0 && hints.height != frame.height))
+        data_failure("{}: is {} x {} samples, not {} x {}: leave --width and --height away for a file that "
+                     "says its size",
+                     frame.name, frame.width, frame.height, hints.width, hints.height);
+    if (hints.stride != 0 || hints.offset != 0 || hints.big_endian || hints.packing)
+        data_failure("{}: says itself where its samples are ({}): leave --stride, --offset, --endian and "
+                     "--packing away",
+                     frame.name, frame.format);
+}
+
 void check_levels(const RawFrame& frame) {
     if (frame.white && *frame.white > frame.full_scale())
         data_failure("{}: a white level of {} is above the full scale of {}: give the right --white-level or "
@@ -94,10 +111,17 @@ void check_frame(const RawFrame& frame) {
 
 RawReading read_raw_frame(const std::string& path, const RawHints& hints) {
     InputFile file(path);
-    RawReading reading{format_of(file, hints).read(file, hints), {}};
+    if (file.size() == 0)
+        data_failure("{}: is empty: expected a raw frame", file.path());
+    const RawFormat& format = format_of(file, hints);
+    RawReading reading{format.read(file, hints), {}};
     RawFrame& frame = reading.frame;
     frame.name = file.path();
     reading.said = frame;
+    if (has_header(format))
+        check_layout(frame, hints);
+    if (&format == &headerless_format)
+        reading.said.bits = 0;
     override_depth(frame, hints);
     override_levels(frame, hints);
     check_frame(frame);
@@ -111,7 +135,8 @@ std::vector<std::string> overridden(const RawReading& reading) {
         if (its != taken)
             remarks.push_back(fmt::format("{} {} ({} is taken)", what, its, taken));
     };
-    remark("bit depth", said.bits, frame.bits);
+    if (said.bits != 0)
+        remark("bit depth", said.bits, frame.bits);
     if (said.pattern)
         remark("Bayer pattern", std::string(name_of(*said.pattern)), std::string(name_of(*frame.pattern)));
     if (said.black)

@@ -51,9 +51,9 @@ const TiffEntry* TiffDirectory::find(uint16_t tag) const {
 }
 
 TiffFile::TiffFile(InputFile& file) : file_(file) {
-    file.hold(largest_held);
     if (!begins_tiff(file.head()))
         data_failure("{}: is not a TIFF or DNG of 32-bit offsets", file.path());
+    file.hold(largest_held);
     big_endian_ = file.head().starts_with("MM");
 }
 

@@ -85,7 +85,8 @@ Tiff open_tiff(Source& source) {
 
 struct Header {
     uint32_t width = 0, height = 0;
-    uint16_t depth = 1, samples = 1, format = SAMPLEFORMAT_UINT, compression = COMPRESSION_NONE;
+    uint16_t depth = 1, samples = 1, format = SAMPLEFORMAT_UINT, compression = COMPRESSION_NONE,
+             photometric = PHOTOMETRIC_MINISBLACK;
     uint32_t strip_rows = 0;
 };
 
@@ -97,6 +98,7 @@ Header read_header(const InputFile& file, TIFF* tiff) {
     TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &header.samples);
     TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &header.format);
     TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &header.compression);
+    TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &header.photometric);
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &header.strip_rows);
     if (header.samples != 1 || (header.depth != 8 && header.depth != 16)
         || header.format != SAMPLEFORMAT_UINT)
@@ -104,6 +106,9 @@ Header read_header(const InputFile& file, TIFF* tiff) {
             "{}: has {} samples a pixel of {} bits: a raw frame is a mosaic of one sample a pixel, 8 or "
             "16 bits",
             file.path(), header.samples, header.depth);
+    if (header.photometric == PHOTOMETRIC_MINISWHITE || header.photometric == PHOTOMETRIC_PALETTE)
+        data_failure("{}: its samples are {}: expected levels that rise with the light", file.path(),
+                     header.photometric == PHOTOMETRIC_PALETTE ? "entries of a palette" : "0 for white");
     if (header.width < 1 || header.height < 1 || header.width > largest_side || header.height > largest_side)
         data_failure("{}: is {} x {} samples: expected 2 to {} in each direction", file.path(), header.width,
                      header.height, largest_side);
@@ -158,6 +163,8 @@ bool recognises_tiff(const InputFile& file, const RawHints& hints) {
 }
 
 RawFrame read_tiff(InputFile& file, const RawHints&) {
+    if (!is_tiff(file))
+        data_failure("{}: is not a TIFF: it begins with neither II nor MM", file.path());
     file.hold(largest_held);
     Source source{&file};
     const Tiff tiff = open_tiff(source);

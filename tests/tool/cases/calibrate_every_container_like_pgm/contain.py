@@ -56,6 +56,8 @@ pathlib.Path("interlaced.png").write_bytes(png(interlace=1))
 pathlib.Path("little.tif").write_bytes(tiff("<", grey + [(259, 3, [1])], [words("<", part) for part in twenty]))
 pathlib.Path("deflated.tiff").write_bytes(
     tiff(">", grey + [(259, 3, [8])], [zlib.compress(words(">", part)) for part in twenty]))
+pathlib.Path("negative.tif").write_bytes(tiff("<", [entry if entry[0] != 262 else (262, 3, [0]) for entry in grey],
+                                               [words("<", part) for part in twenty]))
 pathlib.Path("truncated.tif").write_bytes(tiff("<", grey + [(259, 3, [1])], [words("<", rows[:20])]))
 
 # The frame stands inside a larger one of other samples; every plane has a black level of its own.
