@@ -2,16 +2,23 @@
 """Runs `zerklsc batch` over simulated modules: faults, shards, workers, and kills at random moments.
 
   batch_line.py --tool build/release/tool/zerklsc                                  faults, and 10 kills over 200 modules
+  batch_line.py --tool build/release/tool/zerklsc --full-disk                      on a disk of 96 KiB that fills up
   batch_line.py --tool build/release/tool/zerklsc --modules 10000 --kills 100      the kills alone, over so many
+
+--full-disk ends with 77 where no file system can be mounted, not even by a user of a name space of its own.
 """
 import argparse
+import contextlib
 import csv
 import hashlib
 import json
 import os
 import pathlib
+import pty
 import random
+import re
 import resource
+import shutil
 import signal
 import subprocess
 import sys
@@ -39,6 +46,10 @@ class Line:
         self.modules = [row[0] for row in rows]
         with open(self.folder / name, "w", newline="") as file:
             csv.writer(file).writerows([["serial", "files", "preset"]] + rows)
+
+    def popen(self, *words):
+        return subprocess.Popen([self.tool, "batch", *words], cwd=self.folder, stderr=subprocess.PIPE,
+                                stdout=subprocess.DEVNULL, text=True)
 
     def batch(self, output, *words, manifest="lot.csv", **more):
         return self.call("batch", manifest, "-o", output, *words, **more)
@@ -115,6 +126,73 @@ def test_faults(line):
     expect_call(line.batch("fail", manifest="fail.csv"), 1, "UNEVEN: fail", "fail: 1 modules failed a limit")
 
 
+def test_capture_that_vanishes(line):
+    """One that is there when it is hashed and gone when it is read; the pipe behind it stops the batch in between."""
+    (line.folder / "first.pgm").write_bytes(line.read("c1.pgm"))
+    os.mkfifo(line.folder / "pipe")
+    modules = line.modules
+    line.write([["FIRST", "c2.pgm", ""], ["GONE", "first.pgm;pipe", ""], ["LAST", "c3.pgm", ""]], "vanishing.csv")
+    line.modules = modules
+    with line.popen("vanishing.csv", "-o", "vanished", "--jobs", "2") as running:
+        with open(line.folder / "pipe", "wb"):
+            (line.folder / "first.pgm").unlink()
+        said = running.communicate(timeout=60)[1].splitlines()
+    expect(running.returncode == 3 and len(said) == 2, running.returncode, said)
+    expect("vanishing.csv:3: GONE: error: first.pgm: cannot be read: No such file" in said[0], said)
+    results = line.results("vanished")
+    verdicts = [result["verdict"] for result in results]
+    expect([verdict == "error" for verdict in verdicts] == [False, True, False], verdicts)
+    digest = hashlib.sha256(line.read("c1.pgm")).hexdigest()
+    expect(results[1]["inputs"][0] == {"file": "first.pgm", "sha256": digest}, results[1]["inputs"])
+
+
+def test_full_disk(line):
+    """No space left for a line, or for a module's files: whole lines with whole files, and the same command goes on."""
+    mounted = ("mkdir -p full && mount -t tmpfs -o size=96k none full || exit 77; tool=$0 kept=$1; shift; "
+               '"$tool" batch lot.csv -o full/results "$@"; code=$?; cp -r full "$kept"; exit $code')
+    def on_a_small_disk(kept, *words):
+        return subprocess.run(["unshare", "--map-root-user", "--mount", "sh", "-c", mounted, line.tool, kept, *words],
+                              cwd=line.folder, capture_output=True, text=True, check=False)
+    if not shutil.which("unshare") or on_a_small_disk("trial", "--help").returncode == 77:
+        print("no file system can be mounted here")
+        sys.exit(77)
+    files = ("--tables", "full/t", "--streams", "full/s", "--no-gains")
+    for kept, what, words in (("lines", "full/results", ()), ("files", "full/t/M00", files)):
+        expect_call(line.batch("whole", *words), 0)
+        expect_call(on_a_small_disk(kept, *words), 4, f"{what}")
+        part, whole = line.read(f"{kept}/results"), line.read("whole")
+        expect(0 < len(part) < len(whole) and part.endswith(b"\n") and whole.startswith(part), "not whole lines")
+        if words:
+            for result in line.results(f"{kept}/results"):
+                for file, folder in zip(result["outputs"], "ts"):
+                    hashed = hashlib.sha256(line.read(f"{kept}/{folder}/{file['file']}")).hexdigest()
+                    expect(hashed == file["sha256"], file)
+            expect(not list(line.folder.glob(f"{kept}/*/.*")), "half-written files were left")
+        expect_call(line.batch(f"{kept}/results", *words), 0)
+        expect(line.read(f"{kept}/results") == whole, "other results after a full disk")
+        (line.folder / "whole").unlink()
+
+
+def test_progress(line):
+    """How far it is and how long it takes yet, on a terminal alone; every other test has a pipe, where nothing is said."""
+    terminal, end = pty.openpty()
+    running = subprocess.Popen([line.tool, "batch", "lot.csv", "-o", "shown", "--jobs", "1"], cwd=line.folder, stderr=end,
+                               stdout=subprocess.DEVNULL)
+    os.close(end)
+    shown = b""
+    with contextlib.suppress(OSError):  # that the other end is closed
+        while more := os.read(terminal, 4096):
+            shown += more
+    os.close(terminal)
+    expect(running.wait() == 0 and shown.endswith(b"\r\x1b[K"), "the line was not cleared", shown)
+    pattern = rb"\r\x1b\[K(\d+) of 200 modules, (\d+\.\d) a second, (\d+) s left"
+    steps = [tuple(map(float, step)) for step in re.findall(pattern, shown)]
+    expect(steps and re.sub(pattern, b"", shown) == b"\r\x1b[K", "shown:", shown)
+    for done, rate, left in steps:
+        expect(0 < done < 200 and abs((200 - done) / rate - left) < 1.2, done, rate, left)
+    expect([step[0] for step in steps] == sorted({step[0] for step in steps}), steps)
+
+
 def test_what_stops_a_batch(line):
     whole = line.read("whole")
     (line.folder / "file").write_text("something of the user's\n")
@@ -152,8 +230,7 @@ def test_torn_ends(line):
 
 def test_signals(line):
     """The first signal ends a batch after what runs."""
-    running = subprocess.Popen([line.tool, "batch", "lot.csv", "-o", "ended", "--jobs", "1"], cwd=line.folder,
-                               stderr=subprocess.PIPE, stdout=subprocess.DEVNULL, text=True)
+    running = line.popen("lot.csv", "-o", "ended", "--jobs", "1")
     while not (line.folder / "ended").exists() or not line.read("ended"):
         time.sleep(0.001)
     running.send_signal(signal.SIGINT)
@@ -199,14 +276,19 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--tool", type=lambda p: pathlib.Path(p).resolve(), required=True)
     parser.add_argument("--modules", type=int)
+    parser.add_argument("--full-disk", action="store_true")
     parser.add_argument("--kills", type=int, default=10)
     options = parser.parse_args()
     with tempfile.TemporaryDirectory() as folder:
         line = Line(options.tool, folder, options.modules or 80)
+        if options.full_disk:
+            return test_full_disk(line)
         if options.modules is None:
-            for test in (test_workers_and_shards, test_faults, test_what_stops_a_batch, test_torn_ends, test_signals):
+            for test in (test_workers_and_shards, test_faults, test_capture_that_vanishes, test_what_stops_a_batch,
+                         test_torn_ends, test_signals):
                 test(line)
             line = Line(options.tool, folder, 200)
+            test_progress(line)
         test_kills(line, options.kills)
 
 
