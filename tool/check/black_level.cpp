@@ -79,10 +79,9 @@ void judge_black_level(const Judgement& judgement, const std::array<std::vector<
     const auto found = estimate(judgement.capture, curves);
     // A processed capture has no such curve, and says nothing about its black level.
     if (!found) {
-        Finding finding = judgement.limits.judge("black-level", "", 0, "");
-        finding.advice =
-            "not judged: the noise does not grow with the light as that of an unprocessed capture";
-        judgement.findings.push_back(finding);
+        judgement.findings.push_back(judgement.limits.not_judged(
+            "black-level", "the noise does not grow with the light as that of an unprocessed capture of "
+                           "enough samples"));
         return;
     }
     judgement.add("black-level", "", 100 * std::abs(found->off) / judgement.capture.range(0),

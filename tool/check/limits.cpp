@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 #include "failure.h"
 
@@ -94,6 +95,14 @@ Finding CheckLimits::judge(const std::string& name, const std::string& plane, do
     const Limits& limits = limits_.at(name);
     const Verdict verdict = limits.judge(value);
     return {name, plane, value, known->unit, limits, verdict, verdict == Verdict::pass ? "" : advice};
+}
+
+Finding CheckLimits::not_judged(const std::string& name, const std::string& reason) const {
+    Finding finding = judge(name, "", 0, "");
+    finding.value = std::nan("");
+    finding.verdict = Verdict::pass;
+    finding.advice = "not judged: " + reason;
+    return finding;
 }
 
 } // namespace zerklsc::tool

@@ -31,6 +31,9 @@ class CheckLimits {
     Finding judge(const std::string& name, const std::string& plane, double value,
                   const std::string& advice) const;
 
+    // That of a check which could not judge the capture, and why.
+    Finding not_judged(const std::string& name, const std::string& reason) const;
+
   private:
     std::map<std::string, Limits> limits_;
 };

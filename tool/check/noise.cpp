@@ -144,7 +144,7 @@ DeviationTable::DeviationTable(const std::vector<NoisePoint>& curve, double full
 }
 
 std::optional<NoiseLine> fit_noise_line(const std::vector<NoisePoint>& curve) {
-    if (curve.size() < 8)
+    if (curve.size() < fewest_noise_points)
         return {};
     double weights = 0, level = 0, variance = 0;
     for (const NoisePoint& p : curve) {

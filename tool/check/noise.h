@@ -15,6 +15,9 @@ struct NoisePoint {
     double variance;
 };
 
+// A curve of fewer does not tell how the noise grows.
+constexpr size_t fewest_noise_points = 8;
+
 // The median variance of the tiles in classes of equal count, from dark to bright: photon transfer (J. R.
 // Janesick, "Photon Transfer", SPIE Press, 2007) over the fall-off of one flat field instead of over many
 // exposures. Defective pixels spoil few tiles, and a median does not see those.

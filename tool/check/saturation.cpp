@@ -116,7 +116,7 @@ void check_saturation(const Judgement& judgement) {
     for (size_t plane = 0; plane < 4; ++plane) {
         const double share =
             clustered_share(capture, judgement.analysis.tiles, plane, capture.frame.white_level(), true);
-        if (share > 1e-4)
+        if (share > 0)
             clipped += (clipped.empty() ? "" : ", ") + capture.colour(plane);
         if (share > worst) {
             worst = share;

@@ -213,6 +213,11 @@ void check_textures(const Judgement& judgement, const std::vector<float>& profil
     }
     judgement.add("texture", judgement.capture.colour(where), 100 * texture,
                   "the frame has a texture: use a plain diffuser, out of focus, and check --width");
+    if (judgement.analysis.planes[0].noise.size() < fewest_noise_points) {
+        judgement.findings.push_back(
+            judgement.limits.not_judged("grain", "the frame is too small to tell how its noise grows"));
+        return;
+    }
     judgement.add("grain", "", 100 * grain,
                   "the samples have a fine pattern: use a diffuser out of focus, or take several captures");
 }

@@ -1,4 +1,6 @@
 // zerklsc check: whether a flat-field capture is one
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include <fmt/format.h>
@@ -14,6 +16,7 @@
 #include "io/levels_json.h"
 #include "io/table_json.h"
 #include "io/text_table.h"
+#include "terminal.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -35,8 +38,8 @@ void print_findings(Report& report, const Findings& findings) {
     std::vector<std::vector<std::string>> rows{
         {"check", "plane", "value", "unit", "warn", "refuse", "verdict"}};
     for (const Finding& f : findings)
-        rows.push_back({f.name, f.plane, fmt::format("{:.3g}", f.value), f.unit, limit_text(f.limits.warn),
-                        limit_text(f.limits.refuse), name_of(f.verdict)});
+        rows.push_back({f.name, f.plane, short_number(f.value, 3), f.unit, limit_text(f.limits.warn),
+                        limit_text(f.limits.refuse), std::isnan(f.value) ? "-" : name_of(f.verdict)});
     report.print(text_table(rows));
     for (const Finding& f : findings)
         if (!f.advice.empty())
@@ -128,7 +131,8 @@ void run(const Options& options, Report& report) {
     }
     report.add("checks", json_of(findings));
     print_findings(report, findings);
-    const Verdict verdict = worst_of(findings);
+    // A frame of which something had to be assumed is not simply good.
+    const Verdict verdict = std::max(worst_of(findings), warnings().empty() ? Verdict::pass : Verdict::warn);
     report.print(fmt::format("verdict: {}\n", name_of(verdict)));
     if (verdict == Verdict::warn)
         report.doubt();

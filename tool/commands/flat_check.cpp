@@ -1,5 +1,5 @@
-// add_limit_option, add_flat_check_options, limits_of, sentence_of, can_be_checked, check_flat, CheckedFlats,
-// examine_flats, check_flats
+// short_number, add_limit_option, add_flat_check_options, limits_of, sentence_of, can_be_checked, check_flat,
+// CheckedFlats, examine_flats, check_flats
 #include "commands/flat_check.h"
 
 #include <algorithm>
@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 
 #include "check/keep_out.h"
-#include "imaging/exposure.h"
 #include "io/findings_json.h"
 #include "terminal.h"
 
@@ -65,6 +64,17 @@ void report_kept_out(const std::vector<KeptOut>& kept_out, Report& report) {
 
 } // namespace
 
+std::string short_number(double value, int digits) {
+    if (!std::isfinite(value))
+        return "-";
+    const double size = std::abs(value);
+    if (size >= std::pow(10.0, digits - 1))
+        return fmt::format("{:.0f}", value);
+    if (size >= 1e-3)
+        return fmt::format("{:.{}g}", value, digits);
+    return size < 5e-6 ? "0" : fmt::format("{:.5f}", value);
+}
+
 void add_limit_option(Command command, FlatCheckOptions& options) {
     command.repeated(
         "--limit", options.limits,
@@ -78,8 +88,11 @@ void add_flat_check_options(Command command, FlatCheckOptions& options) {
                  "average defects, dead lines and dust too, which are kept out of the gains otherwise");
 }
 
-CheckLimits limits_of(const FlatCheckOptions& options) {
+CheckLimits limits_of(const FlatCheckOptions& options, double clip_limit) {
+    // Of no sample at all, 0 % are clipped, which every limit allows.
+    constexpr double least = 1e-9;
     CheckLimits limits;
+    limits.set(fmt::format("clipping={},{}", std::max(clip_limit / 10, least), std::max(clip_limit, least)));
     for (const std::string& limit : options.limits)
         limits.set(limit);
     return limits;
@@ -90,9 +103,10 @@ std::string sentence_of(const std::string& name, const Finding& f) {
     // What is good lies on the other side of a limit than what is refused.
     const bool below = f.limits.large_is_bad() != refused;
     const auto& limit = refused ? f.limits.refuse : f.limits.warn;
-    return fmt::format("{}: {}{} is {:.4g}{}{} ({} {} {}): {}", name, f.name,
-                       f.plane.empty() ? "" : " of " + f.plane, f.value, f.unit.empty() ? "" : " ", f.unit,
-                       refused ? "refused" : "good", below ? "below" : "above", limit.value_or(0), f.advice);
+    return fmt::format("{}: {}{} is {}{}{} ({} {} {}): {}", name, f.name,
+                       f.plane.empty() ? "" : " of " + f.plane, short_number(f.value, 4),
+                       f.unit.empty() ? "" : " ", f.unit, refused ? "refused" : "good",
+                       below ? "below" : "above", short_number(limit.value_or(0), 4), f.advice);
 }
 
 bool can_be_checked(const RawFrame& frame) {
@@ -116,8 +130,7 @@ Findings CheckedFlats::all_findings() const {
 
 CheckedFlats examine_flats(std::span<const RawFrame> captures, const CalibrationSettings& settings,
                            const FlatCheckOptions& options, double clip_limit) {
-    CheckLimits limits = limits_of(options);
-    limits.set(fmt::format("clipping={},{}", clip_limit / 10, clip_limit));
+    const CheckLimits limits = limits_of(options, clip_limit);
     CheckedFlats flats;
     for (const RawFrame& frame : captures) {
         flats.findings.emplace_back();

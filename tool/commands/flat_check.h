@@ -11,6 +11,7 @@
 #include "commands/command_line.h"
 #include "commands/report.h"
 #include "imaging/calibration.h"
+#include "imaging/exposure.h"
 
 namespace zerklsc::tool {
 
@@ -20,13 +21,16 @@ struct FlatCheckOptions {
     bool keep_outliers = false;
 };
 
+// As many digits as count, and never an exponent; "-" for what is no number.
+std::string short_number(double value, int digits);
+
 // --limit, which changes the limits of a check.
 void add_limit_option(Command command, FlatCheckOptions& options);
 
 // --limit, --force, which uses a refused capture all the same, and --keep-outliers.
 void add_flat_check_options(Command command, FlatCheckOptions& options);
 
-CheckLimits limits_of(const FlatCheckOptions& options);
+CheckLimits limits_of(const FlatCheckOptions& options, double clip_limit = usual_clip_limit);
 
 // "flat.pgm: shadow of R is 12.3 % (refused above 8): advice".
 std::string sentence_of(const std::string& name, const Finding& finding);

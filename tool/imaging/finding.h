@@ -23,7 +23,7 @@ struct Limits {
 struct Finding {
     std::string name;
     std::string plane; // a colour, or nothing for the whole frame
-    double value = 0;
+    double value = 0;  // no number where the check could not judge
     std::string unit;
     Limits limits;
     Verdict verdict = Verdict::pass;
