@@ -105,6 +105,7 @@ void run(const Options& options, Report& report) {
     std::vector<std::string> inputs = options.captures.paths();
     inputs.push_back(options.golden);
     keep_files_apart(inputs, {options.output, options.text});
+    check_table_name(options.output);
     const FlatCaptures flats = read_flat_captures(options.captures, report);
     const RawFrame& frame = flats.average();
     const CalibrationSettings settings = settings_for(options.method, frame);

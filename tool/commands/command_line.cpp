@@ -137,6 +137,9 @@ Option& Option::one_of(std::initializer_list<const char*> words) {
 
 Option& Option::takes(const std::string& value) {
     option_->type_name(value);
+    if (value == "FILE")
+        option_->check(
+            [](const std::string& name) { return name.empty() ? "the name of a file is missing" : ""; });
     return *this;
 }
 

@@ -63,6 +63,7 @@ GainTables described(const Options& options, const OtpFile& file) {
 
 void run(const Options& options, Report& report) {
     keep_files_apart({options.stream, options.like}, {options.output});
+    check_table_name(options.output);
     const OtpFile file = read_otp_file(options.stream);
     GainTables tables = described(options, file);
     decode_stream(file.stream, file.name, tables);

@@ -9,9 +9,15 @@
 #include "zerklsc.h"
 
 namespace zerklsc::tool {
+namespace {
+
+// More than the tables of every node that `resample` makes take.
+constexpr uint64_t largest_otp_file = uint64_t{1} << 25;
+
+} // namespace
 
 OtpFile read_otp_file(const std::string& path) {
-    OtpFile file{input_name(path), std::nullopt, read_file(path), ""};
+    OtpFile file{input_name(path), std::nullopt, read_file(path, largest_otp_file), ""};
     if (!is_otp_container(file.stream))
         return file;
     const std::string bytes = std::move(file.stream);

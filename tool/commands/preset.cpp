@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "io/file_identity.h"
 #include "io/input_file.h"
 
 namespace zerklsc::tool {
@@ -61,7 +62,9 @@ void add_item(const CLI::Option& option, const CLI::ConfigItem& item, std::vecto
 }
 
 std::vector<CLI::ConfigItem> items_of(const std::string& path) {
-    std::istringstream text(read_file(path));
+    note_input(path);
+    constexpr uint64_t largest_preset = 1 << 20;
+    std::istringstream text(read_file(path, largest_preset));
     try {
         return CLI::ConfigTOML().from_config(text);
     } catch (const CLI::Error& error) {

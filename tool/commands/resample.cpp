@@ -54,6 +54,7 @@ GainTables resample(const Options& options, const GainTables& tables) {
 
 void run(const Options& options, Report& report) {
     keep_files_apart({options.tables}, {options.output, options.text});
+    check_table_name(options.output);
     const GainTables result = resample(options, read_table_json(options.tables));
     OutputSet outputs;
     outputs.add(options.output, encode_tables_for(options.output, result));

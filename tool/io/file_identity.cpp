@@ -1,4 +1,4 @@
-// link_target, keep_files_apart
+// link_target, note_input, keep_files_apart
 #include "io/file_identity.h"
 
 #include <optional>
@@ -13,6 +13,8 @@
 
 namespace zerklsc::tool {
 namespace {
+
+std::vector<std::string> noted_inputs;
 
 // A file by its device and number, or one that does not exist yet by its directory and name.
 using Identity = std::tuple<dev_t, ino_t, std::string>;
@@ -40,7 +42,7 @@ bool are_one(const std::string& a, const std::string& b) {
 
 std::string link_target(const std::string& path) {
     std::string target = path;
-    // As many as the kernel follows. A longer chain is a circle, which open() then names.
+    // As many as the kernel follows. A longer chain is a circle.
     for (int links = 0; links < 40; ++links) {
         char text[PATH_MAX];
         const ssize_t length = readlink(target.c_str(), text, sizeof text);
@@ -52,11 +54,17 @@ std::string link_target(const std::string& path) {
     return path;
 }
 
+void note_input(const std::string& path) {
+    noted_inputs.push_back(path);
+}
+
 void keep_files_apart(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs) {
+    std::vector<std::string> all_inputs = noted_inputs;
+    all_inputs.insert(all_inputs.end(), inputs.begin(), inputs.end());
     for (size_t i = 0; i < outputs.size(); ++i) {
         if (outputs[i].empty())
             continue;
-        for (const std::string& input : inputs)
+        for (const std::string& input : all_inputs)
             // "-" is the standard input there.
             if (!input.empty() && outputs[i] != "-" && are_one(input, outputs[i]))
                 usage_failure("{}: is an input of this command too: give another name for the output",

@@ -132,7 +132,8 @@ std::string read_file(const std::string& path, uint64_t limit) {
     check(file.size().value_or(bytes.size()));
     for (bool ended = file.size() == bytes.size(); !ended;) {
         const size_t done = bytes.size();
-        const uint64_t wanted = file.size() ? *file.size() - done : done;
+        const uint64_t wanted =
+            file.size() ? *file.size() - done : std::min<uint64_t>(done, limit + 1 - done);
         bytes.resize(done + static_cast<size_t>(wanted));
         const size_t got = file.read_some(done, std::as_writable_bytes(std::span(bytes).subspan(done)));
         bytes.resize(done + got);

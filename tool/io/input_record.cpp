@@ -1,6 +1,8 @@
 // input_record, json_of
 #include "io/input_record.h"
 
+#include <sys/stat.h>
+
 #include "io/directory.h"
 #include "io/input_file.h"
 #include "io/sha256.h"
@@ -10,6 +12,9 @@ namespace zerklsc::tool {
 TableInput input_record(const char* role, const std::string& path) {
     if (path == "-")
         return {role, input_name(path), "", {}, {}};
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
+        return {role, path.substr(directory_of(path).size()), "", {}, {}};
     return {role, path.substr(directory_of(path).size()), sha256_of_file(path), {}, {}};
 }
 

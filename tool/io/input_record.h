@@ -8,7 +8,7 @@
 
 namespace zerklsc::tool {
 
-// Reads the file for its hash; "-" cannot be read again, and has none.
+// Reads the file for its hash; "-", a pipe or a device cannot be read again, and has none.
 TableInput input_record(const char* role, const std::string& path);
 
 // "role", "name" and "sha256", or null where it is not known.

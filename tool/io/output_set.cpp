@@ -69,6 +69,8 @@ mode_t plain_file_mode() {
 void OutputSet::add(const std::string& path, const std::function<void(const ByteSink&)>& writer) {
     struct stat status {};
     const bool exists = path != "-" && stat(path.c_str(), &status) == 0;
+    if (path != "-" && !exists && errno == ELOOP)
+        system_failure("{}: cannot be written: {}", path, std::strerror(errno));
     if (exists && S_ISDIR(status.st_mode))
         usage_failure("{}: is a directory, not a file to write: give a file name inside it", path);
     if (path == "-" || (exists && !S_ISREG(status.st_mode))) {

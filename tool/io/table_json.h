@@ -16,6 +16,9 @@ std::string encode_table_json(const GainTables& tables);
 // The form that the path's extension says: the bare gains for .txt (io/table_text.h), else this one.
 std::string encode_tables_for(const std::string& path, const GainTables& tables);
 
+// A usage failure for an extension that names neither form. Commands call it before they read anything.
+void check_table_name(const std::string& path);
+
 // Reads a table file of this version or an earlier one; a data failure says which field is missing or wrong.
 GainTables read_table_json(const std::string& path);
 

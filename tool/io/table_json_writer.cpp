@@ -1,7 +1,8 @@
-// encode_table_json, encode_tables_for
+// encode_table_json, encode_tables_for, check_table_name
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "failure.h"
 #include "io/findings_json.h"
 #include "io/input_file.h"
 #include "io/input_record.h"
@@ -77,6 +78,15 @@ std::string encode_table_json(const GainTables& tables) {
 
 std::string encode_tables_for(const std::string& path, const GainTables& tables) {
     return extension_of(path) == ".txt" ? encode_table_text(tables) : encode_table_json(tables);
+}
+
+void check_table_name(const std::string& path) {
+    const std::string extension = extension_of(path);
+    if (!extension.empty() && extension != ".json" && extension != ".txt")
+        usage_failure(
+            "{}: names no form in which tables are written: give a name that ends in .json, or .txt for "
+            "the gains alone",
+            path);
 }
 
 } // namespace zerklsc::tool
