@@ -15,8 +15,6 @@
 namespace zerklsc::tool {
 namespace {
 
-// What is read of a pipe: a raw file has its parts in any order.
-constexpr uint64_t largest_held = uint64_t{1} << 30;
 // LibRaw's memory for one frame, in MiB: the largest sensors have some 150 megapixels.
 constexpr unsigned most_memory = 1024;
 
@@ -63,7 +61,7 @@ std::unique_ptr<LibRaw> open_raw(InputFile& file) {
     auto raw = std::make_unique<LibRaw>();
     raw->imgdata.params.max_raw_memory_mb = most_memory;
     raw->set_dataerror_handler(nullptr, nullptr);
-    file.hold(largest_held);
+    file.hold();
     const std::string_view held = file.head();
     check(file, file.size() == held.size() ? raw->open_buffer(const_cast<char*>(held.data()), held.size())
                                            : raw->open_file(file.path().c_str()));

@@ -93,7 +93,8 @@ size_t InputFile::read_some(uint64_t offset, std::span<std::byte> to) {
     return done + read_forward(to.subspan(done));
 }
 
-void InputFile::hold(uint64_t limit) {
+void InputFile::hold() {
+    constexpr uint64_t limit = uint64_t{1} << 30;
     while (!size_) {
         const size_t before = head_.size();
         if (before > limit)

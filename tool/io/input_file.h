@@ -31,8 +31,8 @@ class InputFile {
     // The length in bytes; nothing for a pipe or a device that goes on beyond its head.
     std::optional<uint64_t> size() const { return size_; }
 
-    // Takes all of a pipe into head(), so that it can be read in any order; a failure beyond `limit` bytes.
-    void hold(uint64_t limit);
+    // Takes all of a pipe into head(), for formats that have their parts in any order; a failure beyond 1 GiB.
+    void hold();
 
     // Fills `to` with the bytes from `offset` on, and returns how many there were. A pipe is only read
     // forwards: beyond its head, offsets must not fall from call to call.

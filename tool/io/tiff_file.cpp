@@ -10,8 +10,6 @@
 namespace zerklsc::tool {
 namespace {
 
-// What is read of a pipe: a TIFF has its parts in any order.
-constexpr uint64_t largest_held = uint64_t{1} << 30;
 constexpr size_t most_directories = 64;
 constexpr uint16_t sub_directories = 330, photometric = 262, colour_filter_array = 32803;
 
@@ -53,7 +51,7 @@ const TiffEntry* TiffDirectory::find(uint16_t tag) const {
 TiffFile::TiffFile(InputFile& file) : file_(file) {
     if (!begins_tiff(file.head()))
         data_failure("{}: is not a TIFF or DNG of 32-bit offsets", file.path());
-    file.hold(largest_held);
+    file.hold();
     big_endian_ = file.head().starts_with("MM");
 }
 

@@ -14,9 +14,6 @@
 namespace zerklsc::tool {
 namespace {
 
-// What is read of a pipe: a TIFF has its parts in any order.
-constexpr uint64_t largest_held = uint64_t{1} << 30;
-
 // What libtiff reads from.
 struct Source {
     InputFile* file;
@@ -165,7 +162,7 @@ bool recognises_tiff(const InputFile& file, const RawHints& hints) {
 RawFrame read_tiff(InputFile& file, const RawHints&) {
     if (!is_tiff(file))
         data_failure("{}: is not a TIFF: it begins with neither II nor MM", file.path());
-    file.hold(largest_held);
+    file.hold();
     Source source{&file};
     const Tiff tiff = open_tiff(source);
     const Header header = read_header(file, tiff.get());
