@@ -31,7 +31,7 @@ class InputFile {
     // The length in bytes; nothing for a pipe or a device that goes on beyond its head.
     std::optional<uint64_t> size() const { return size_; }
 
-    // Takes all of a pipe into head(), for formats that have their parts in any order; a failure beyond 1 GiB.
+    // Takes all of a pipe into head(): some formats have their parts in any order. A failure beyond 1 GiB.
     void hold();
 
     // Fills `to` with the bytes from `offset` on, and returns how many there were. A pipe is only read
