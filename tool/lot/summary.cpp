@@ -27,10 +27,10 @@ int corner_gain(const std::vector<uint16_t>& gains, const ResultGrid& grid) {
     return (at(1, 1) + at(right, 1) + at(1, bottom) + at(right, bottom) + 2) / 4;
 }
 
-// A coordinate in whole units from the middle; what is far outside counts as at the limit.
+// A coordinate in whole units from the middle.
 int32_t place_of(double centre) {
-    constexpr double reach = 1.5; // so that squares and their sums fit
-    return static_cast<int32_t>(std::lround(std::clamp(centre - 0.5, -reach, reach) * centre_units));
+    return static_cast<int32_t>(
+        std::lround(std::clamp(centre - 0.5, -centre_reach, centre_reach) * centre_units));
 }
 
 void add_costs(const ResultLine& result, std::map<std::string, Cost>& costs) {

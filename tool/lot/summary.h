@@ -70,6 +70,8 @@ struct Cost {
 // Coordinates of optical centres are counted in whole units from the middle of the frame: this many to its
 // width or height.
 constexpr double centre_units = 100000;
+// What is farther from the middle counts as so far, so that squares and their sums fit.
+constexpr double centre_reach = 1.5;
 
 // Sums for the correlation of the optical centre between colours.
 struct CentreSums {

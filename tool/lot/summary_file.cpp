@@ -1,6 +1,7 @@
 // encode_summary, is_summary, decode_summary
 #include "lot/summary_file.h"
 
+#include <algorithm>
 #include <limits>
 
 #include <fmt/format.h>
@@ -109,7 +110,13 @@ void whole(Archive& archive, Number& value) {
     value = static_cast<Number>(wide);
 }
 
-void counts(Writer& writer, const ValueCounts& values) {
+struct Range {
+    int64_t lowest, highest;
+};
+constexpr Range any_value{-10'000'000, 10'000'000}; // beyond every value that there is
+constexpr Range sixteen_bits{0, 65535};
+
+void counts(Writer& writer, const ValueCounts& values, const Range&) {
     uint64_t size = 0;
     values.each([&](int32_t, uint32_t) { ++size; });
     writer.number(size);
@@ -121,20 +128,18 @@ void counts(Writer& writer, const ValueCounts& values) {
     });
 }
 
-void counts(Reader& reader, ValueCounts& values) {
+void counts(Reader& reader, ValueCounts& values, const Range& range) {
     int64_t value = 0;
     for (uint64_t left = reader.count(), first = left; left > 0; --left) {
         int64_t further = 0;
         uint64_t count = 0;
         reader.integer(further);
         reader.number(count);
-        constexpr int64_t most = 10'000'000; // beyond every value that there is
-        if (further < -most || further > 2 * most || (left != first && further <= 0) || count == 0
-            || values.total() + count > LotSummary::most_modules)
+        if (further < range.lowest - value || further > range.highest - value
+            || (left != first && further <= 0) || count == 0
+            || count > LotSummary::most_modules - values.total())
             reader.damaged();
         value += further;
-        if (value > most)
-            reader.damaged();
         values.add(static_cast<int32_t>(value), static_cast<uint32_t>(count));
     }
 }
@@ -179,14 +184,14 @@ void measures(Archive& archive, LotSummary& summary) {
         archive.text(name.first);
         archive.text(name.second);
         for (size_t i = 0; i < check.values.size(); ++i) {
-            counts(archive, check.values[i]);
+            counts(archive, check.values[i], any_value);
             archive.number(check.without_number[i]);
         }
     });
     map(archive, summary.numbers, [&](MeasureName& name, ValueCounts& values) {
         archive.text(name.first);
         archive.text(name.second);
-        counts(archive, values);
+        counts(archive, values, any_value);
     });
     map(archive, summary.settings, [&](std::string& name, uint64_t& modules) {
         archive.text(name);
@@ -200,7 +205,7 @@ void centres(Archive& archive, LotSummary& summary) {
     archive.number(sums.modules);
     for (size_t axis = 0; axis < CentreSums::axes; ++axis)
         for (size_t c = 0; c < summary.centre.size(); ++c) {
-            counts(archive, summary.centre[c][axis]);
+            counts(archive, summary.centre[c][axis], any_value);
             archive.integer(sums.sum[axis][c]);
             for (size_t other = 0; other <= c; ++other)
                 archive.integer(sums.products[axis][c][other]);
@@ -214,9 +219,9 @@ void blocks(Archive& archive, std::map<uint64_t, SequenceBlock>& blocks) {
         archive.number(block.modules);
         archive.number(block.good);
         for (ValueCounts& values : block.corner_gain)
-            counts(archive, values);
+            counts(archive, values, sixteen_bits);
         for (ValueCounts& values : block.centre)
-            counts(archive, values);
+            counts(archive, values, any_value);
     });
 }
 
@@ -285,9 +290,9 @@ void all(Archive& archive, LotSummary& summary) {
     sequence(archive, summary.sequence);
     const size_t nodes = nodes_in(archive, summary);
     for (size_t c = 0; c < summary.gains.counts().size(); ++c) {
-        counts(archive, summary.black[c]);
+        counts(archive, summary.black[c], sixteen_bits);
         for (size_t node = 0; node < nodes; ++node)
-            counts(archive, summary.gains.counts()[c][node]);
+            counts(archive, summary.gains.counts()[c][node], sixteen_bits);
     }
     serials(archive, summary.serials);
 }
@@ -296,10 +301,38 @@ uint32_t checksum_of(std::string_view bytes) {
     return static_cast<uint32_t>(crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
 }
 
+// Sums as that many modules can have, whose sums with those of other parts fit.
+bool are_sound(const CentreSums& sums) {
+    constexpr auto reach = static_cast<int64_t>(centre_reach * centre_units);
+    const auto modules = static_cast<int64_t>(sums.modules);
+    const auto within = [&](int64_t sum, int64_t most) {
+        return sum >= -modules * most && sum <= modules * most;
+    };
+    for (size_t axis = 0; axis < CentreSums::axes; ++axis)
+        for (size_t c = 0; c < all_colours.size(); ++c) {
+            if (!within(sums.sum[axis][c], reach))
+                return false;
+            for (size_t other = 0; other <= c; ++other)
+                if (!within(sums.products[axis][c][other], reach * reach))
+                    return false;
+        }
+    return true;
+}
+
+bool are_sound(const std::map<uint64_t, SequenceBlock>& blocks, uint64_t modules) {
+    return std::ranges::all_of(blocks, [&](const auto& entry) {
+        const SequenceBlock& block = entry.second;
+        return block.modules > 0 && block.modules <= modules && block.good <= block.modules;
+    });
+}
+
 // That the parts of a summary go together, so that nothing that follows needs to ask.
 void check_whole(const Reader& reader, const LotSummary& summary) {
-    if (summary.modules() != summary.serials.size() || summary.modules() > LotSummary::most_modules
-        || summary.centre_sums.modules > summary.modules())
+    const auto too_many = [](uint64_t modules) { return modules > LotSummary::most_modules; };
+    if (std::ranges::any_of(summary.verdicts, too_many) || too_many(summary.modules())
+        || summary.modules() != summary.serials.size() || summary.with_gains() > summary.modules()
+        || summary.centre_sums.modules > summary.modules() || !are_sound(summary.centre_sums)
+        || !are_sound(summary.sequence.blocks(), summary.modules()))
         reader.damaged();
     for (size_t c = 0; c < summary.gains.counts().size(); ++c)
         for (const ValueCounts& node : summary.gains.counts()[c])
