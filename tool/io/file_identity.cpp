@@ -48,8 +48,9 @@ std::string link_target(const std::string& path) {
         const ssize_t length = readlink(target.c_str(), text, sizeof text);
         if (length < 0)
             return target;
-        const std::string next(text, static_cast<size_t>(length));
-        target = next.starts_with('/') ? next : directory_of(target) + next;
+        const std::string_view next(text, static_cast<size_t>(length));
+        std::string base = next.starts_with('/') ? "" : directory_of(target);
+        target = base.append(next);
     }
     return path;
 }
