@@ -1,7 +1,10 @@
-// largest_sample, text_of, subtract_black, add_black, scale_to_10_bits
+// RawFrame, reserve_frame, largest_sample, text_of, subtract_black, add_black, scale_to_10_bits
 #include "imaging/raw_frame.h"
 
 #include <algorithm>
+#include <utility>
+
+#include <sys/mman.h>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -31,6 +34,28 @@ void transform_samples(RawFrame& frame, const BlackLevel& levels, F f) {
 }
 
 } // namespace
+
+RawFrame::RawFrame(const RawFrame& other) : RawDescription(other) {
+    reserve_frame(samples, other.samples.size());
+    samples = other.samples;
+}
+
+RawFrame& RawFrame::operator=(RawFrame other) {
+    samples.swap(other.samples);
+    RawDescription::operator=(std::move(other));
+    return *this;
+}
+
+void reserve_frame(std::vector<uint16_t>& samples, size_t count) {
+    constexpr uintptr_t large_page = uintptr_t{1} << 21;
+    samples.reserve(count);
+    const auto begin = reinterpret_cast<uintptr_t>(samples.data());
+    const uintptr_t first = (begin + large_page - 1) / large_page * large_page;
+    const uintptr_t end = (begin + count * sizeof(uint16_t)) / large_page * large_page;
+    // Advice: where the system has no such pages, nothing changes.
+    if (first < end)
+        madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+}
 
 int largest_sample(const RawFrame& frame) {
     uint16_t largest = 0;

@@ -39,6 +39,11 @@ struct RawDescription {
 struct RawFrame : RawDescription {
     std::vector<uint16_t> samples;
 
+    RawFrame() = default;
+    RawFrame(const RawFrame& other);
+    RawFrame(RawFrame&&) = default;
+    RawFrame& operator=(RawFrame other);
+
     uint16_t& at(int x, int y) { return samples[index(x, y)]; }
     uint16_t at(int x, int y) const { return samples[index(x, y)]; }
 
@@ -51,6 +56,10 @@ struct RawFrame : RawDescription {
 constexpr int plane_of_pixel(int x, int y) {
     return (x & 1) + 2 * (y & 1);
 }
+
+// Makes room for the samples of a frame. The system hands new memory over page by page, which takes longer
+// than filling it, and is asked for large pages.
+void reserve_frame(std::vector<uint16_t>& samples, size_t count);
 
 int largest_sample(const RawFrame& frame);
 

@@ -5,6 +5,8 @@
 #include <bit>
 #include <cstring>
 
+#include "imaging/raw_frame.h"
+
 namespace zerklsc::tool {
 namespace {
 
@@ -35,6 +37,8 @@ std::vector<uint16_t> read_words(InputFile& file, const RowLayout& layout) {
     const uint64_t count = static_cast<uint64_t>(layout.width) * static_cast<uint64_t>(layout.height);
     const uint64_t block = file.size() ? count : pipe_samples;
     std::vector<uint16_t> samples;
+    if (file.size())
+        reserve_frame(samples, static_cast<size_t>(count));
     for (uint64_t done = 0; done < count; done = samples.size()) {
         samples.resize(static_cast<size_t>(std::min(count, done + block)));
         file.read(layout.offset + 2 * done, std::as_writable_bytes(std::span(samples).subspan(done)));
@@ -50,8 +54,10 @@ std::vector<uint16_t> read_rows(InputFile& file, const RowLayout& layout, Unpack
     const uint64_t rows = std::max<uint64_t>(block_bytes / layout.stride, 1);
     std::vector<uint8_t> block;
     std::vector<uint16_t> samples;
-    if (file.size())
+    if (file.size()) {
+        reserve_frame(samples, width * static_cast<size_t>(height));
         samples.resize(width * static_cast<size_t>(height));
+    }
     for (uint64_t y = 0; y < height; y += rows) {
         const uint64_t count = std::min(rows, height - y);
         block.resize(static_cast<size_t>((count - 1) * layout.stride + layout.row_bytes));
