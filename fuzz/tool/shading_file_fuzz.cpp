@@ -1,4 +1,4 @@
-// Every reader of tuning files, gain maps and tables of text on any file: the first byte says which, the rest
+// Every reader of tuning files, gain maps and table files on any file: the first byte says which, the rest
 // is the file.
 #include <sys/mman.h>
 #include <unistd.h>
@@ -9,6 +9,7 @@
 
 #include "convert/shading_file.h"
 #include "failure.h"
+#include "io/table_json.h"
 #include "io/table_text.h"
 #include "support/input.h"
 
@@ -16,15 +17,19 @@ namespace {
 
 using namespace zerklsc::tool;
 
+void check_gains(const GainTables& tables) {
+    for (const auto& gains : tables.gains)
+        if (gains.size() != tables.table_size())
+            std::abort();
+}
+
 void read_as_text(const std::string& path) {
     GainTables tables;
     tables.raw_width = 64;
     tables.raw_height = 48;
     tables.step = 16;
     read_table_text(path, tables);
-    for (const auto& gains : tables.gains)
-        if (gains.size() != tables.table_size())
-            std::abort();
+    check_gains(tables);
 }
 
 // What was accepted has a finite gain everywhere.
@@ -50,7 +55,7 @@ void read_as_shading(const std::string& path, uint8_t kind) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     zerklsc::fuzz::Input input(data, size);
-    const uint8_t kind = input.take<uint8_t>() % 4;
+    const uint8_t kind = input.take<uint8_t>() % 5;
     const std::vector<uint8_t> bytes = input.rest();
     const int file = memfd_create("shading", 0);
     if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
@@ -59,6 +64,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     try {
         if (kind == 3)
             read_as_text(path);
+        else if (kind == 4)
+            check_gains(read_table_json(path));
         else
             read_as_shading(path, kind);
     } catch (const Failure&) {
