@@ -114,6 +114,7 @@ std::vector<ShadingSet> chosen_sets(const ConvertInputs& inputs, const ShadingFi
 // Camera stacks interpolate between two sets; nothing lies between two of one temperature.
 void check_temperatures(const ConvertInputs& inputs, const std::vector<LitTables>& sets) {
     std::vector<int> kelvin;
+    kelvin.reserve(sets.size());
     for (const LitTables& set : sets)
         kelvin.push_back(set.kelvin);
     std::ranges::sort(kelvin);
