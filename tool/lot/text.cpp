@@ -70,8 +70,9 @@ std::string centre_text(const LotFindings& findings) {
                 least = &pair;
             }
     if (least != nullptr)
-        text += fmt::format("the centres move together: correlation {:.3f} or more, least for {} and {}\n",
-                            smallest, name_of(least->first), name_of(least->second));
+        text +=
+            fmt::format("correlation of the centres between channels: {:.3f} or more, least for {} and {}\n",
+                        smallest, name_of(least->first), name_of(least->second));
     return text;
 }
 
