@@ -62,7 +62,6 @@ void add_item(const CLI::Option& option, const CLI::ConfigItem& item, std::vecto
 }
 
 std::vector<CLI::ConfigItem> items_of(const std::string& path) {
-    note_input(path);
     constexpr uint64_t largest_preset = 1 << 20;
     std::istringstream text(read_file(path, largest_preset));
     try {
@@ -88,6 +87,7 @@ void apply(const CLI::App& app, const std::string& path, std::vector<std::string
     const CLI::App* const command = command_of(app, words);
     if (command == nullptr)
         return;
+    note_input(path);
     const std::vector<std::string> given = words;
     for (const CLI::ConfigItem& item : items_of(path)) {
         if (is_mark(item))
