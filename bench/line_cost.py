@@ -4,7 +4,7 @@ and what follows for a year of a line and an archive. Prints a section of Markdo
 
   line_cost.py --tool build/release/tool/zerklsc [--renew docs/scale.md]
 
---renew writes the section in the place of the one with the same heading. Takes about seven minutes.
+--renew writes the section in the place of the one with the same heading. Takes about six minutes.
 """
 import argparse
 import contextlib

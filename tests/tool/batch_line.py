@@ -173,18 +173,42 @@ def test_full_disk(line):
         (line.folder / "whole").unlink()
 
 
-def test_progress(line):
-    """How far it is and how long it takes yet, on a terminal alone; every other test has a pipe, where nothing is said."""
+def on_terminal(line, *words, meanwhile=lambda: None):
+    """What a batch writes to a terminal, and its exit code."""
     terminal, end = pty.openpty()
-    running = subprocess.Popen([line.tool, "batch", "lot.csv", "-o", "shown", "--jobs", "1"], cwd=line.folder, stderr=end,
-                               stdout=subprocess.DEVNULL)
+    running = subprocess.Popen([line.tool, "batch", *words], cwd=line.folder, stderr=end, stdout=subprocess.DEVNULL)
     os.close(end)
+    meanwhile()
     shown = b""
     with contextlib.suppress(OSError):  # that the other end is closed
         while more := os.read(terminal, 4096):
             shown += more
     os.close(terminal)
-    expect(running.wait() == 0 and shown.endswith(b"\r\x1b[K"), "the line was not cleared", shown)
+    return shown, running.wait()
+
+
+def test_estimate(line):
+    """One module in two seconds or more, which a pipe holds up: half a module a second at most, and the others to come."""
+    (line.folder / "held.pgm").write_bytes(line.read("c1.pgm"))
+    os.mkfifo(line.folder / "held")
+    modules = line.modules
+    line.write([["HELD", "held.pgm;held", ""], *([f"N{k:02}", "c2.pgm", ""] for k in range(9))], "held.csv")
+    line.modules = modules
+
+    def hold_up():
+        with open(line.folder / "held", "wb"):
+            (line.folder / "held.pgm").unlink()
+            time.sleep(2)
+
+    shown, code = on_terminal(line, "held.csv", "-o", "held_up", "--jobs", "1", meanwhile=hold_up)
+    done, rate, left = map(float, re.search(rb"(\d+) of 10 modules, (\d+\.\d) a second, (\d+) s left", shown).groups())
+    expect(code == 3 and done == 1 and rate <= 0.5 and 9 / (rate + 0.05) - 1 <= left <= 9 / (rate - 0.05), shown)
+
+
+def test_progress(line):
+    """How far it is and how long it takes yet, on a terminal alone; every other test has a pipe, where nothing is said."""
+    shown, code = on_terminal(line, "lot.csv", "-o", "shown", "--jobs", "1")
+    expect(code == 0 and shown.endswith(b"\r\x1b[K"), "the line was not cleared", shown)
     pattern = rb"\r\x1b\[K(\d+) of 200 modules, (\d+\.\d) a second, (\d+) (s|min) left"
     steps = [(int(done), float(rate), int(left) * (1 if unit == b"s" else 60))
              for done, rate, left, unit in re.findall(pattern, shown)]
@@ -293,6 +317,7 @@ def main():
                 test(line)
             line = Line(options.tool, folder, 200)
             test_progress(line)
+            test_estimate(line)
         test_kills(line, options.kills)
 
 
