@@ -6,6 +6,7 @@
 
 #include "convert/shading_file.h"
 #include "failure.h"
+#include "io/json_text.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -13,12 +14,6 @@ namespace {
 using nlohmann::json;
 
 constexpr double highest_factor = 64;
-constexpr size_t longest_shown = 40;
-
-// A value as a message shows it.
-std::string text_of(const json& value) {
-    return value.dump(-1, ' ', false, json::error_handler_t::replace).substr(0, longest_shown);
-}
 
 struct LitTable {
     int kelvin;
@@ -46,7 +41,7 @@ std::vector<double> read_table(const std::string& path, const json& table, const
     for (const json& gain : table) {
         if (!gain.is_number() || !(gain.get<double>() > 0 && gain.get<double>() <= highest_factor))
             data_failure("{}: {} holds {}, which is not a factor above 0 and up to {}", path, name,
-                         gain.dump(), highest_factor);
+                         shown(gain), highest_factor);
         gains.push_back(gain.get<double>());
     }
     return gains;
@@ -110,9 +105,10 @@ void add_sets(const std::string& path, ShadingFile& file, const json& alsc,
 } // namespace
 
 ShadingFile read_alsc(const std::string& path) {
-    const json root = json::parse(read_file(path, largest_tuning_file), nullptr, false);
+    const std::string bytes = read_file(path, largest_tuning_file);
+    const json root = parse_json(bytes);
     if (root.is_discarded())
-        data_failure("{}: is not valid JSON: expected a Raspberry Pi tuning file", path);
+        data_failure("{}: {}: expected a Raspberry Pi tuning file", path, why_discarded(bytes));
     const json& alsc = find_alsc(path, root);
     ShadingFile file;
     file.format = "alsc";
@@ -131,7 +127,7 @@ ShadingFile read_alsc(const std::string& path) {
     if (alsc.contains("luminance_strength") && alsc["luminance_strength"] != 1.0)
         file.losses.push_back(
             fmt::format("its luminance_strength of {} is not applied: the gains correct fully",
-                        text_of(alsc["luminance_strength"])));
+                        shown(alsc["luminance_strength"])));
     return file;
 }
 

@@ -9,6 +9,7 @@
 
 #include "failure.h"
 #include "io/input_file.h"
+#include "io/json_text.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -73,7 +74,7 @@ class Reader {
         const int64_t number = integer ? value.get<int64_t>() : 0;
         if (!integer || number < lowest || number > highest)
             data_failure("{}: \"{}\" holds {}, which is not a whole number from {} to {}", path_, name,
-                         value.dump(), lowest, highest);
+                         shown(value), lowest, highest);
         return static_cast<int>(number);
     }
 
@@ -86,10 +87,10 @@ class Reader {
 
 json parse(const std::string& path) {
     const std::string bytes = read_file(path);
-    json object = json::parse(bytes, nullptr, false);
+    json object = parse_json(bytes);
     if (object.is_discarded())
-        data_failure("{}: is not valid JSON: expected a table file as zerklsc calibrate writes it",
-                     input_name(path));
+        data_failure("{}: {}: expected a table file as zerklsc calibrate writes it", input_name(path),
+                     why_discarded(bytes));
     return object;
 }
 

@@ -10,7 +10,7 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr size_t most_directories = 64;
+constexpr size_t most_directories = 64, most_entries = 4096;
 constexpr uint16_t sub_directories = 330, photometric = 262, colour_filter_array = 32803;
 
 enum Type : uint16_t {
@@ -71,6 +71,8 @@ TiffDirectory TiffFile::directory(uint64_t pointer_at) {
     if (directory.at == 0 || directory.at + count_bytes > size)
         return directory;
     const uint64_t count = word(directory.at, count_bytes);
+    if (count > most_entries)
+        return directory;
     for (uint64_t i = 0; i < count; ++i) {
         TiffEntry entry;
         entry.at = directory.at + count_bytes + entry_bytes * i;

@@ -1,6 +1,7 @@
 // module_from_json
 #include <nlohmann/json.hpp>
 
+#include "io/json_text.h"
 #include "line/manifest.h"
 
 namespace zerklsc::tool {
@@ -37,7 +38,7 @@ std::string fault_of(const json& object) {
 
 Module module_from_json(std::string_view line) {
     Module module;
-    const json object = json::parse(line, nullptr, false);
+    const json object = parse_json(line);
     if (!object.is_object()) {
         module.fault = "it is not a JSON object";
         return module;

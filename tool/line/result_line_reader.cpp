@@ -6,6 +6,7 @@
 
 #include "failure.h"
 #include "io/base64.h"
+#include "io/json_text.h"
 #include "line/result_line.h"
 
 namespace zerklsc::tool {
@@ -262,15 +263,15 @@ std::optional<GainsText> find_gains(std::string_view line) {
 ResultLine result_line_of(std::string_view line, const std::string& place) {
     const auto found = find_gains(line);
     if (!found)
-        return result_of(json::parse(line, nullptr, false), place);
+        return result_of(parse_json(line), place);
     const auto start = static_cast<size_t>(found->whole.data() - line.data());
     std::string rest(line.substr(0, start));
     rest += ",\"gains\":false"; // which no line has of its own
     rest += line.substr(start + found->whole.size());
-    json object = json::parse(rest, nullptr, false);
+    json object = parse_json(rest);
     // Where the text stood somewhere deeper, the parser sees it after all.
     if (!object.is_object() || !object.contains("gains") || object["gains"] != false)
-        return result_of(json::parse(line, nullptr, false), place);
+        return result_of(parse_json(line), place);
     object["gains"] = nullptr;
     ResultLine result = result_of(object, place);
     const Reader reader(place, object);
