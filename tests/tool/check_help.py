@@ -3,6 +3,7 @@
 
 The folder holds zerklsc.1, zerklsc.bash and _zerklsc.
 """
+import os
 import pathlib
 import re
 import subprocess
@@ -27,6 +28,7 @@ COMPLETIONS = [
     (["zerklsc", "calibrate", "flat.pgm", "--algorithm", "orvel-"], ["orvel-otp", "orvel-weights"]),
     (["zerklsc", "measure", "--pattern", "G"], ["GBRG", "GRBG"]),
     (["zerklsc", "measure", "--blocks", "f"], []),
+    (["zerklsc", "batch", "lot.csv", "--streams", "f"], ["folder"]),
     (["zerklsc", "nothing", "fl"], []),
 ]
 BASH_COMPLETIONS = [
@@ -35,16 +37,28 @@ BASH_COMPLETIONS = [
     (["zerklsc", "correct", "flat.pgm", "--tables", "=", "ta"], ["tables.json"]),
 ]
 
-# Types the line into a terminal of zsh, asks for the list of choices, and prints it between marks.
+# Read by a zsh in a terminal of its own: it writes what it offers there, a word a line, and says when it is through.
+ZSH_SETUP = r"""
+PS1=; fpath=($FOLDER $fpath); autoload -U compinit; compinit -u -D
+compadd() {
+    if [[ ${@[1,(i)(-|--)]} != *-(O|A|D)\ * ]]; then
+        local -a words
+        builtin compadd -O words "$@"
+        print -rl -- '' "offer:"$^words
+    fi
+    builtin compadd "$@"
+}
+offer() { zle list-choices; print -r -- "the end" }
+zle -N offer; bindkey "^I" offer
+"""
 ZSH = r"""
 zmodload zsh/zpty
 zpty shell zsh -f -i
-zpty -w shell 'PS1=; fpath=('$FOLDER' $fpath); autoload -U compinit; compinit -u -D; LISTMAX=10000
-  zstyle ":completion:*" list-grouped false; zstyle ":completion:*" verbose false; bindkey "^I" list-choices
-  unsetopt list_types auto_list; setopt list_rows_first; stty columns 30; print rea""dy'
+zpty -w shell 'source setup; print rea""dy'
 zpty -r shell seen '*ready*'
 zpty -w -n shell "$LINE"$'\t'
-repeat 30; do sleep 0.1; zpty -r -t shell part && print -r -- "$part"; done
+zpty -r shell seen '*the end*'
+print -r -- "$seen"
 zpty -d shell
 """
 
@@ -87,16 +101,28 @@ def bash_offers(words, folder):
     return sorted(output_of("bash", "-uc", script, "bash", *words, cwd=folder).split("\n")[:-1])
 
 
+def zsh_offers(words, folder):
+    line = " ".join(word.replace(" ", "\\ ") for word in words)
+    seen = output_of("zsh", "-fc", ZSH, cwd=folder, env={**os.environ, "FOLDER": str(FOLDER), "LINE": line}, timeout=300)
+    return sorted(set(re.findall(r"^offer:(.+?)\r?$", seen.replace("\\ ", " "), re.M)))
+
+
 def wrong_in_completion():
     output_of("bash", "-n", FOLDER / "zerklsc.bash")
     output_of("zsh", "-n", FOLDER / "_zerklsc")
     with tempfile.TemporaryDirectory() as folder:
         for name in FILES:
             pathlib.Path(folder, name).touch()
+        pathlib.Path(folder, "folder").mkdir()
         for words, expected in COMPLETIONS + BASH_COMPLETIONS:
             offered = [word for word in bash_offers(words, folder) if word]
             if offered != expected:
                 yield f"bash: {' '.join(words)}: {offered}, not {expected}"
+        pathlib.Path(folder, "setup").write_text(ZSH_SETUP)
+        for words, expected in COMPLETIONS:
+            offered = zsh_offers(words, folder)
+            if offered != expected:
+                yield f"zsh: {' '.join(words)}: {offered}, not {expected}"
 
 
 faults = [*wrong_in_manual(), *wrong_in_completion()]

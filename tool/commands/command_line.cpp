@@ -6,7 +6,7 @@
 #include <limits>
 
 #include <CLI/CLI.hpp>
-#include <fmt/core.h>
+#include <fmt/format.h>
 
 #include "commands/option_tree.h"
 #include "commands/preset.h"
@@ -37,9 +37,17 @@ std::string check_unsigned(const std::string& text) {
     return fmt::format("{} is not a whole number from 0 to {}", text, std::numeric_limits<uint64_t>::max());
 }
 
-// The usage line with the options that must be given.
-class UsageFormatter : public CLI::Formatter {
+// The usage line has the options that must be given; CLI11 leaves two lines empty between groups of options.
+class HelpFormatter : public CLI::Formatter {
   public:
+    std::string make_group(std::string group, bool is_positional,
+                           std::vector<const CLI::Option*> options) const override {
+        const bool follows_another = !is_positional && group != get_label("Options");
+        const std::string text =
+            CLI::Formatter::make_group(std::move(group), is_positional, std::move(options));
+        return follows_another && text.starts_with('\n') ? text.substr(1) : text;
+    }
+
     std::string make_usage(const CLI::App* app, std::string name) const override {
         std::string line = CLI::Formatter::make_usage(app, std::move(name));
         std::string required;
@@ -131,7 +139,8 @@ Option& Option::range(double lowest, double highest) {
 }
 
 Option& Option::one_of(std::initializer_list<const char*> words) {
-    option_->check(CLI::IsMember(std::vector<std::string>(words.begin(), words.end())));
+    option_->check(CLI::IsMember(std::vector<std::string>(words.begin(), words.end())).description(""));
+    option_->type_name(fmt::format("{{{}}}", fmt::join(words, ",")));
     return *this;
 }
 
@@ -226,7 +235,7 @@ void Command::action(std::function<void(Report&)> run) {
 Request parse_command_line(const Program& program, int argc, char** argv) {
     Request request;
     CLI::App app{program.description, "zerklsc"};
-    app.formatter(std::make_shared<UsageFormatter>());
+    app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("-V,--version", program.version);
     app.footer(program.footer);
     Command root(&app, &request);

@@ -37,8 +37,8 @@ class Option {
     Option& range(int lowest, int highest);
     Option& range(double lowest, double highest);
     Option& one_of(std::initializer_list<const char*> words);
-    // What the help calls the value: "FILE", or a list as "{a,b}", which is not checked. Shells complete
-    // both.
+    // What the help calls the value: "FILE", "DIR", a list as "{a,b}" (not checked), which shells complete,
+    // or any other name.
     Option& takes(const std::string& value);
     // Shows the variable's present value as the default in the help text.
     Option& show_default();

@@ -155,7 +155,8 @@ void add_convert(Command app) {
     command.option("-o,--output", options->output, "file to write").required().takes("FILE");
     command.option("--to", options->format, "format of the output (default: by its extension)")
         .takes("{" + format_names(",") + "}");
-    command.option("--grid", options->grid, "COLUMNS,ROWS of the target (alsc: 32,32; android: 17,13)");
+    command.option("--grid", options->grid, "points of the target (alsc: 32,32; android: 17,13)")
+        .takes("COLUMNS,ROWS");
     const Option into = command
                             .option("--into", options->into,
                                     "DNG to put the gain maps into a copy of: all else keeps its bytes (dng)")

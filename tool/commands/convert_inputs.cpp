@@ -202,11 +202,14 @@ void add_convert_inputs(Command command, ConvertInputs& inputs) {
                 "or alsc tuning file, DNG with gain maps")
         .required()
         .takes("FILE");
-    command.option(
-        "--ct", inputs.kelvin,
-        "colour temperatures in kelvin, as 2856,5000: of each table file (rkisp1, alsc need them); of a "
-        "tuning file, the sets to take (default: all that the output holds)");
-    command.option("--size", inputs.size, "WIDTH,HEIGHT of the frames, where a file to read does not say it");
+    command
+        .option(
+            "--ct", inputs.kelvin,
+            "colour temperatures in kelvin, as 2856,5000: of each table file (rkisp1, alsc need them); of a "
+            "tuning file, the sets to take (default: all that the output holds)")
+        .takes("KELVIN");
+    command.option("--size", inputs.size, "size of the frames, where a file to read does not say it")
+        .takes("WIDTH,HEIGHT");
     command
         .option("--step", inputs.step,
                 "node spacing in plane samples of the tables that are read from a tuning file or DNG "

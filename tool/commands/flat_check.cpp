@@ -76,9 +76,10 @@ std::string short_number(double value, int digits) {
 }
 
 void add_limit_option(Command command, FlatCheckOptions& options) {
-    command.repeated(
-        "--limit", options.limits,
-        "NAME=WARN,REFUSE: other limits of a check, as shadow=3,6 or dust=none,none; may be given again");
+    command
+        .repeated("--limit", options.limits,
+                  "other limits of a check, as shadow=3,6 or dust=none,none; may be given again")
+        .takes("NAME=WARN,REFUSE");
 }
 
 void add_flat_check_options(Command command, FlatCheckOptions& options) {

@@ -105,6 +105,7 @@ void add_otp_decode(Command otp) {
         .takes("{RGGB,GRBG,GBRG,BGGR}")
         .excludes(like);
     command.option("--black-level", options->black, "black level of 10-bit captures, for the table file")
+        .takes("LEVELS")
         .show_default()
         .excludes(like);
     command.footer(

@@ -111,6 +111,7 @@ void add_otp_encode(Command otp) {
     command
         .option("--serial", options->serial,
                 fmt::format("serial of the module for the container, at most {} characters", longest_serial))
+        .takes("SERIAL")
         .needs(container);
     command.option("--c-array", options->c_array, "also write the same bytes as a C array").takes("FILE");
     command

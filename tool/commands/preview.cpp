@@ -144,6 +144,7 @@ void add_preview(Command app) {
     command
         .option("--corrected-black-level", options->corrected_black,
                 "its black level (from the PGM comment, else 0)")
+        .takes("LEVELS")
         .needs(corrected);
     command.footer(
         "Each channel is drawn relative to its own brightest place, smoothed; R/G and B/G against the "

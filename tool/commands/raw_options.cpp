@@ -67,8 +67,10 @@ void add_raw_description_options(Command command, RawOptions& options) {
         .show_default();
     command.option("--pattern", options.pattern, "Bayer pattern (from the file)")
         .takes("{RGGB,GRBG,GBRG,BGGR}");
-    command.option("--black-level", options.black,
-                   "black level of all planes, or four levels by plane as 64,64,65,64 (from the file)");
+    command
+        .option("--black-level", options.black,
+                "black level of all planes, or four levels by plane as 64,64,65,64 (from the file)")
+        .takes("LEVELS");
     command
         .option("--white-level", options.white,
                 "level at which samples are clipped (from the file, else full scale)")

@@ -80,9 +80,10 @@ void add_resample(Command app) {
         .takes("FILE");
     command.option("--step", options->step, "node spacing in plane samples (default: as it is)")
         .range(smallest_step, largest_step);
-    command.option("--crop", options->crop, "X,Y,WIDTH,HEIGHT of a window in pixels of the calibrated frame");
-    command.option("--size", options->size,
-                   "WIDTH,HEIGHT of the new frame in pixels (default: that of the window)");
+    command.option("--crop", options->crop, "window in pixels of the calibrated frame")
+        .takes("X,Y,WIDTH,HEIGHT");
+    command.option("--size", options->size, "size of the new frame in pixels (default: that of the window)")
+        .takes("WIDTH,HEIGHT");
     command.footer(
         "Example:\n"
         "  zerklsc simulate -o flat.pgm\n"

@@ -76,11 +76,15 @@ void add_lens_options(Command command, Options& options) {
         .option("--level", s.level, "green at the optical centre, percent of the range; above 100 it clips")
         .range(0.0, 1000.0)
         .show_default();
-    command.option("--corners", options.corners, "corner brightness of R,Gr,Gb,B, percent of the centre")
+    command.option("--corners", options.corners, "corner brightness, percent of the centre")
+        .takes("R,GR,GB,B")
         .show_default();
-    command.option("--centre", options.centre, "optical centre X,Y, percent of width and height")
+    command.option("--centre", options.centre, "optical centre, percent of width and height")
+        .takes("X,Y")
         .show_default();
-    command.option("--colours", options.colours, "level of R,Gr,Gb,B, percent of green").show_default();
+    command.option("--colours", options.colours, "level of each colour, percent of green")
+        .takes("R,GR,GB,B")
+        .show_default();
     command.option("--wave", s.wave, "how far the shading of a small lens waves about the cos^4 law, percent")
         .range(0.0, 50.0)
         .show_default();
@@ -107,7 +111,8 @@ void add_simulate(Command app) {
         .takes("FILE");
     add_sensor_options(command, *options);
     add_lens_options(command, *options);
-    command.repeated("--fault", options->faults, "something that spoils the capture; may be given again");
+    command.repeated("--fault", options->faults, "something that spoils the capture; may be given again")
+        .takes("NAME[=AMOUNT]");
     command.footer("The same options give the same bytes on every machine.\n\n" + list_of_faults()
                    + "Example:\n"
                      "  zerklsc simulate -o flat.pgm\n"

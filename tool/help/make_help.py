@@ -39,9 +39,9 @@ _zerklsc() {
 @VALUES@
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-    if [[ $files == yes ]]; then
+    if [[ $files != no ]]; then
         compopt -o filenames 2>/dev/null
-        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- "$current")
+        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -A "$files" -- "$current")
     fi
 }
 complete -F _zerklsc zerklsc
@@ -62,6 +62,10 @@ def takes_file(option):
     return option["value"] == "FILE"
 
 
+def takes_directory(option):
+    return option["value"] == "DIR"
+
+
 def walk(command, path=()):
     """Each command with the words that lead to it, from the program itself on."""
     yield path, command
@@ -73,7 +77,7 @@ def value_name(option):
     """The value as the manual shows it."""
     if words_of(option):
         return "|".join(words_of(option))
-    return {"": "", "FILE": "FILE", "TEXT": "TEXT"}.get(option["value"], "NUMBER")
+    return re.sub("^(U?INT|FLOAT)(:.*)?$", "NUMBER", option["value"])
 
 
 # The manual page.
@@ -156,6 +160,11 @@ def tidy(page):
 
 # The completion of bash.
 
+def bash_files(option):
+    """What compgen offers for a value."""
+    return "file" if takes_file(option) else "directory" if takes_directory(option) else "no"
+
+
 def bash(tree):
     paths = ['" ' + " ".join(path) + '"' for path, _ in walk(tree) if path]
     options, values = [], []
@@ -164,12 +173,12 @@ def bash(tree):
         words = [sub["name"] for sub in command["commands"]] + ([] if path else ["help"])
         files = any(is_positional(option) and takes_file(option) for option in command["options"])
         prefix = "".join(" " + word for word in path)
-        options.append(f'    "{prefix}") options="{" ".join(names)}" words="{" ".join(words)}" files={"yes" if files else "no"} ;;')
+        options.append(f'    "{prefix}") options="{" ".join(names)}" words="{" ".join(words)}" files={"file" if files else "no"} ;;')
         for option in command["options"]:
             if not is_positional(option) and option["value"]:
                 cases = " | ".join(f'"{prefix} {name}"' for name in option["names"])
                 values.append(f'    {cases}) words="{" ".join(words_of(option))}" '
-                              f'files={"yes" if takes_file(option) else "no"} ;;')
+                              f'files={bash_files(option)} ;;')
     return (BASH.replace("@COMMANDS@", " | ".join(paths)).replace("@OPTIONS@", "\n".join(options))
             .replace("@VALUES@", "\n".join(values)))
 
@@ -188,7 +197,7 @@ def zsh_text(text):
 def zsh_action(option):
     if words_of(option):
         return f"({' '.join(words_of(option))})"
-    return "_files" if takes_file(option) else " "
+    return "_files" if takes_file(option) else "_files -/" if takes_directory(option) else " "
 
 
 def zsh_option(option):
