@@ -73,10 +73,17 @@ int step_for(const ConvertInputs& inputs, const ShadingFile& file, const GainTab
 
 void check_detail(const std::string& path, const ShadingFile& file, const GainTables& tables) {
     const double x = file.spacing_x * tables.plane_width(), y = file.spacing_y * tables.plane_height();
-    if (file.has_nodes && (tables.step > x || tables.step > y))
+    if (!file.has_nodes)
+        return;
+    if (tables.step > x || tables.step > y)
         warn(fmt::format(
             "{}: its nodes are {:.1f} x {:.1f} plane samples apart, closer than --step {}: detail "
             "between is lost",
+            path, x, y, tables.step));
+    else if (2 * tables.step <= x || 2 * tables.step <= y)
+        warn(fmt::format(
+            "{}: its nodes are {:.1f} x {:.1f} plane samples apart, wider than --step {}: the gains between "
+            "are interpolated",
             path, x, y, tables.step));
 }
 

@@ -135,11 +135,14 @@ ShadingFile read_rkisp1(const std::string& path, FrameSize size) {
     if (!radial && !type.empty() && type != "table")
         data_failure("{}: its LensShadingCorrection is of type \"{}\": expected table or polynomial", path,
                      shading["type"].shown());
-    if (!radial) {
+    ShadingFile file;
+    if (radial) {
+        file.losses.emplace_back("holds one radial polynomial for each colour: what is not the same all "
+                                 "around its centre is lost");
+    } else {
         check_sectors(path, shading, "x-size");
         check_sectors(path, shading, "y-size");
     }
-    ShadingFile file;
     file.format = "rkisp1";
     file.has_nodes = !radial;
     for (const YamlNode& node : shading["sets"].elements())
