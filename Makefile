@@ -1,11 +1,12 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages
+.PHONY: help demo test test-targets test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
 	@echo "make test    install what is missing, build, run every test"
+	@echo "make test-targets    run the tests and compare stored answers on every processor that Debian cross-compiles for"
 	@echo "make test-verdicts   try every verdict of the check command at 13 megapixels"
 	@echo "make test-kills      kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
 	@echo "make test-slurm      run a lot over a Slurm of two nodes on this machine, and lose one of them"
@@ -29,6 +30,13 @@ demo: configured
 
 test: release
 	@ctest --preset release -j "$$(nproc)"
+
+test-targets: packages
+	@cmake/install-packages.sh ci targets
+	@set -e; for preset in arm i686 aarch64 s390x; do \
+	    cmake --preset "$$preset" > /dev/null; cmake --build --preset "$$preset"; ctest --preset "$$preset" -j "$$(nproc)"; done
+	@QEMU_CPU=cortex-a15,neon=off ctest --preset arm -j "$$(nproc)"
+	@tests/answers/everywhere.sh
 
 test-verdicts: configured
 	@cmake --build --preset release --target zerklsc_tool

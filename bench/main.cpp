@@ -8,6 +8,7 @@
 #include <fmt/core.h>
 
 #include "report.h"
+#include "support/instruction_sets.h"
 #include "timing.h"
 #include "workload.h"
 
@@ -27,8 +28,8 @@ std::vector<T> gather(std::initializer_list<std::vector<T> (*)()> sources) {
 bool all_equal(uint64_t seed, int rounds) {
     const auto checks = gather<Check>(
         {bayer_checks, calibration_checks, sampling_checks, table_checks, bicubic_checks, compress_checks});
-    for (const char* const level : available_levels()) {
-        setenv("ZERKLSC_CPU", level, 1);
+    for (const std::string& level : testing::instruction_set_words()) {
+        setenv("ZERKLSC_CPU", level.c_str(), 1);
         testing::Random random(seed);
         for (const Check& check : checks)
             for (int round = 0; round < rounds; ++round)

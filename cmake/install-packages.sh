@@ -2,6 +2,7 @@
 # Installs the Debian packages that a step of the build needs and the machine lacks: install-packages.sh STEP...
 #   build    the library, the tool and the tests
 #   ci       sanitizers with a second compiler, cross compilers and emulators, a browser for the report
+#   targets  a linker for all of them
 #   lint     what looks at the sources: formatting, faults, scripts, the reference of the header
 #   package  Debian's tools for packages
 #   bench    the libraries that the benchmarks compare with, and a profiler
@@ -13,11 +14,12 @@ packages_of() {
     build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev nettle-dev libtiff-dev libraw-dev libyaml-dev libtbb-dev libgtest-dev python3 zlib1g-dev scdoc mandoc zsh ;;
     ci) echo clang libclang-rt-14-dev abigail-tools darktable libimage-exiftool-perl chromium chromium-driver googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu ;;
+    targets) echo lld ;;
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev linux-perf ;;
     slurm) echo slurm-wlm munge ;;
-    *) echo "install-packages.sh: unknown step '$1' (build, ci, lint, package, bench or slurm)" >&2 && exit 2 ;;
+    *) echo "install-packages.sh: unknown step '$1' (build, ci, targets, lint, package, bench or slurm)" >&2 && exit 2 ;;
     esac
 }
 

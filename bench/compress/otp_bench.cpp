@@ -45,6 +45,9 @@ std::string compare(testing::Random& random) {
     for (int c = 0; c < ZERKLSC_CHANNELS; ++c)
         for (size_t i = 0; i < fast.gains[c].size(); ++i)
             fast.gains[c][i] = plain.gains[c][i] = static_cast<uint16_t>(random.between(0, 65535));
+    // A processor without vectors has the plain form alone.
+    if (!has_fast_form(fast.info))
+        return "";
     compress_rows(fast.info);
     plain::compress(plain.info);
     bool equal = fast.stream == plain.stream;

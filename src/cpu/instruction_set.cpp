@@ -51,6 +51,10 @@ InstructionSet allowed() {
 InstructionSet instruction_set() {
 #if defined(ZERKLSC_CPU_OVERRIDE)
     const InstructionSet may = allowed();
+#if !defined(__arm__)
+    if (may == InstructionSet::neon)
+        return InstructionSet::base;
+#endif
     return highest < may ? highest : may;
 #else
     return highest;

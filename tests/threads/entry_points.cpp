@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "support/random.h"
-#include "zerklsc_driver.h"
 
 namespace zerklsc::testing {
 namespace {
@@ -19,7 +18,7 @@ lsc_otp_info otp(W& b) {
 void generator(W& b, int32_t (*generate)(uint16_t*, isp_param_tag*)) {
     b.note(generate(b.frame.data(), &b.isp));
     b.note_tables();
-    b.note(&b.isp.corner_ratio, sizeof b.isp.corner_ratio);
+    b.note(b.isp.corner_ratio);
 }
 
 void front_end(W& b, decltype(lsc2d_calibration_halvane)* calibrate) {
@@ -41,7 +40,8 @@ void centre_points(W& b) {
     b.note(img_sample(b.planes[1], points, count, w, h, &b.filter));
     b.note(get_pixel_maximum(points, count));
     b.note(find_peak_intensity(b.planes[2], points, count, w, h, &b.filter));
-    b.note(points, static_cast<size_t>(count) * sizeof *points);
+    for (int32_t k = 0; k < count; ++k)
+        b.note_fields<int16_t>(points[k]);
     release_center_points(points);
 }
 
@@ -92,11 +92,11 @@ void stream_fit(W& b) {
 void reports(W& b) {
     zerklsc_report report{};
     b.note(zerklsc_generate_orvel_otp(b.frame.data(), &b.isp, &report));
-    b.note(&report, sizeof report);
+    b.note_fields<uint32_t>(report);
     b.note_tables();
     b.isp.width = 120; // planes of 60 x 51
     b.note(zerklsc_generate_halvane(b.frame.data(), &b.isp, &report));
-    b.note(&report, sizeof report);
+    b.note_fields<uint32_t>(report);
     b.note_tables();
 }
 
@@ -106,13 +106,13 @@ void silent_calibration(W& b) {
     b.info.algorithm = algorithm;
     b.note(zerklsc_check_calibration(&b.info));
     b.note(zerklsc_calibrate(b.frame.data(), &b.info, &report));
-    b.note(&report, sizeof report);
+    b.note_fields<uint32_t>(report);
     b.note_tables();
 }
 
 void texts(W& b) {
-    b.note(zerklsc_status_text(ZERKLSC_BAD_STEP), 4);
-    b.note(zerklsc_version());
+    b.note(zerklsc_status_text(ZERKLSC_BAD_STEP)[0]);
+    b.note(zerklsc_version() > 0);
 }
 
 void otp_stream(W& b) {
@@ -191,11 +191,10 @@ void extrapolated_tables(W& b) {
 
 void cubic(W& b) {
     generate_bicubic_weight_table(&b.info.weight, s);
-    b.note(&b.info.weight, sizeof b.info.weight);
+    b.note_fields<int16_t>(b.info.weight);
     b.note(cubic_1D(1100, 1200, 1400, 1300, 3, 8, &b.info.weight));
     b.note(cubic_1D(1100, 1200, 1400, 1300, 3, 8));
-    const float weight = get_cubic_coef(0.3f);
-    b.note(&weight, sizeof weight);
+    b.note(get_cubic_coef(0.3f));
 }
 
 void mosaics(W& b) {
@@ -211,16 +210,17 @@ void records(W& b) {
     lsc2d_calib_param_default(&b.param, s, 2, 90);
     lsc2d_info_to_isp_param(&b.info, &b.isp);
     isp_param_to_lsc2d_info(&b.info, &b.isp);
-    int32_t sizes[4];
+    std::vector<int32_t> sizes(4);
     lsc2d_grid_samples(w, h, s, s, &sizes[0], &sizes[1]);
     lsc2d_table_size(w, h, s, s, &sizes[2], &sizes[3]);
-    b.note(sizes, sizeof sizes);
-    b.note(&b.param, sizeof b.param);
+    b.note(sizes);
+    b.note_fields<int32_t>(b.param);
     b.note(b.info.grid);
     pix_point points[6] = {};
     uint16_t xs[3] = {1, 5, 9}, ys[2] = {2, 4};
     meshgrid(points, xs, ys, 3, 2);
-    b.note(points, sizeof points);
+    for (const pix_point& point : points)
+        b.note_fields<int16_t>(point);
     b.note(load_table("/dev/null", b.tables[3], 4));
 }
 
@@ -336,12 +336,6 @@ Workbench::Workbench(uint64_t seed) : floats(400), more_floats(400), stream(400)
     isp.bayer_pattern = 1;
     isp.isp_type = 3;
     lsc2d_calib_param_default(&param, step, radius, 90);
-}
-
-void Workbench::note(const void* bytes, size_t count) {
-    const auto* const p = static_cast<const uint8_t*>(bytes);
-    for (size_t k = 0; k < count; ++k)
-        digest = (digest ^ p[k]) * 0x100000001B3u;
 }
 
 void Workbench::note_tables() {

@@ -1,13 +1,18 @@
 // Every exported function with input of one thread's own.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "zerklsc.h"
+#include "zerklsc_driver.h"
 
 namespace zerklsc::testing {
 
@@ -35,15 +40,32 @@ struct Workbench {
     Workbench(const Workbench&) = delete;
     Workbench& operator=(const Workbench&) = delete;
 
-    // FNV-1a (Fowler, Noll, Vo).
-    void note(const void* bytes, size_t count);
-
-    template <class T>
-    void note(const std::vector<T>& values) {
-        note(values.data(), values.size() * sizeof(T));
+    // FNV-1a (Fowler, Noll, Vo), the low byte of a number first on every processor.
+    template <class Number>
+    requires std::is_arithmetic_v<Number>
+    void note(Number value) {
+        std::array<uint8_t, sizeof value> bytes = std::bit_cast<std::array<uint8_t, sizeof value>>(value);
+        if constexpr (std::endian::native == std::endian::big)
+            std::reverse(bytes.begin(), bytes.end());
+        for (const uint8_t byte : bytes)
+            digest = (digest ^ byte) * 0x100000001B3u;
     }
 
-    void note(int64_t value) { note(&value, sizeof value); }
+    void note(zerklsc_status status) { note(static_cast<int32_t>(status)); }
+
+    template <class Number>
+    void note(const std::vector<Number>& values) {
+        for (const Number value : values)
+            note(value);
+    }
+
+    // A record that has no fields but those of one type.
+    template <class Number, class Record>
+    void note_fields(const Record& record) {
+        for (const Number value : std::bit_cast<std::array<Number, sizeof record / sizeof(Number)>>(record))
+            note(value);
+    }
+
     void note_tables();
 };
 
