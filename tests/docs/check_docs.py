@@ -14,7 +14,7 @@ FOLDERS = "src|tests|tool|bench|fuzz|cmake|docs|include|debian|examples"
 
 
 def documents():
-    return [TOP / "README.md", TOP / "CONTRIBUTING.md", *sorted((TOP / "docs").glob("*.md"))]
+    return [TOP / "README.md", TOP / "CONTRIBUTING.md", TOP / "SECURITY.md", *sorted((TOP / "docs").glob("*.md"))]
 
 
 def missing_files():

@@ -10,7 +10,7 @@ cd "$work"
 copy="$work/a copy"
 copy_sources() {
     mkdir "$copy"
-    for item in CMakeLists.txt Makefile README.md CHANGELOG.md CONTRIBUTING.md LICENSE cmake docs examples include src; do
+    for item in CMakeLists.txt Makefile README.md CHANGELOG.md CONTRIBUTING.md LICENSE SECURITY.md cmake docs examples include src; do
         cp -R "$sources/$item" "$copy/"
     done
 }

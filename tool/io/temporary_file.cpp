@@ -79,7 +79,7 @@ bool is_stale(const std::string& path) {
     if (lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)
         || time(nullptr) - status.st_mtime < youngest_stale)
         return false;
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (fd < 0)
         return false;
     const bool unused = flock(fd, LOCK_EX | LOCK_NB) == 0;
