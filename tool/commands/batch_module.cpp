@@ -70,6 +70,18 @@ void add_tables(ResultLine& result, const GainTables& tables, bool without_gains
                                                         [&](size_t plane) { return tables.gains[plane]; });
 }
 
+// The inputs are hashed before they are read, and for the tables again after.
+void expect_same_inputs(ResultLine& result, const GainTables& tables) {
+    for (size_t i = 0; i < result.inputs.size(); ++i) {
+        std::string& before = result.inputs[i].sha256;
+        const std::string& after = tables.inputs[i].sha256;
+        if (!before.empty() && before != after)
+            data_failure("{}: was written to while it was read: try again when it is finished",
+                         result.inputs[i].name);
+        before = after;
+    }
+}
+
 // A limit of the module that is missed. The first one is the reason.
 void fail(ResultLine& result, const std::string& reason) {
     if (result.verdict != ModuleVerdict::fail)
@@ -151,6 +163,7 @@ Files calibrate_module(ResultLine& result, const FlatCaptures& flats, const Chec
     const RawFrame& frame = flats.average();
     const CalibrationSettings settings = settings_for(options.method, frame);
     const GainTables tables = calibrate_flats(captures, flats, checked, settings);
+    expect_same_inputs(result, tables);
     add_tables(result, tables, outputs.without_gains);
     warn_about_gains(frame.name, tables);
     Files files;

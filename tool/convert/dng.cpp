@@ -168,6 +168,7 @@ std::string whole_file(InputFile& file) {
         data_failure("{}: is longer than the {} bytes to which a DNG can grow", file.path(), longest);
     std::string bytes(static_cast<size_t>(file.size().value_or(0)), '\0');
     file.read(0, std::as_writable_bytes(std::span(bytes)));
+    file.expect_unchanged();
     bytes.resize((bytes.size() + 1) / 2 * 2);
     return bytes;
 }

@@ -25,8 +25,11 @@ std::optional<ShadingFile> read_shading_file(const std::string& path, [[maybe_un
     if (path == "-")
         return std::nullopt;
     InputFile file(path);
-    if (begins_tiff(file.head()) || extension_of(path) == ".dng")
-        return read_gain_maps(file);
+    if (begins_tiff(file.head()) || extension_of(path) == ".dng") {
+        ShadingFile maps = read_gain_maps(file);
+        file.expect_unchanged();
+        return maps;
+    }
     if (is_yaml(file)) {
 #ifdef ZERKLSC_WITH_YAML
         return read_rkisp1(path, size);

@@ -32,6 +32,7 @@ InputFile::InputFile(const std::string& path) : path_(input_name(path)) {
         cannot_read();
     // Files that the kernel makes up say that they are empty.
     seekable_ = S_ISREG(status.st_mode) && status.st_size > 0;
+    written_ = status.st_mtim;
     if (seekable_)
         size_ = static_cast<uint64_t>(status.st_size);
     head_.resize(size_ ? static_cast<size_t>(std::min<uint64_t>(*size_, head_size)) : head_size);
@@ -122,6 +123,15 @@ void InputFile::expect_end(uint64_t offset) {
                      offset);
 }
 
+void InputFile::expect_unchanged() const {
+    struct stat status {};
+    if (!seekable_ || fstat(descriptor_, &status) != 0)
+        return;
+    if (status.st_mtim.tv_sec != written_.tv_sec || status.st_mtim.tv_nsec != written_.tv_nsec
+        || static_cast<uint64_t>(status.st_size) != size_)
+        data_failure("{}: was written to while it was read: try again when it is finished", path_);
+}
+
 std::string read_file(const std::string& path, uint64_t limit) {
     InputFile file(path);
     const auto check = [&](uint64_t size) {
@@ -141,6 +151,7 @@ std::string read_file(const std::string& path, uint64_t limit) {
         check(bytes.size());
         ended = file.size().has_value() || got < wanted;
     }
+    file.expect_unchanged();
     return bytes;
 }
 

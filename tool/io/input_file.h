@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <optional>
 #include <span>
 #include <string>
@@ -44,6 +45,9 @@ class InputFile {
     // A failure when there is a byte at `offset`.
     void expect_end(uint64_t offset);
 
+    // A failure when somebody has written to the file since it was opened. To be called once all is read.
+    void expect_unchanged() const;
+
   private:
     size_t read_forward(std::span<std::byte> to);
     [[noreturn]] void cannot_read() const;
@@ -52,6 +56,7 @@ class InputFile {
     int descriptor_ = -1;
     bool seekable_ = false;
     std::optional<uint64_t> size_;
+    timespec written_{}; // when it was written last, as it was opened
     std::string head_;
     uint64_t position_ = 0; // of a pipe: the bytes that were taken from it
 };

@@ -115,6 +115,7 @@ RawReading read_raw_frame(const std::string& path, const RawHints& hints) {
         data_failure("{}: is empty: expected a raw frame", file.path());
     const RawFormat& format = format_of(file, hints);
     RawReading reading{format.read(file, hints), {}};
+    file.expect_unchanged();
     RawFrame& frame = reading.frame;
     frame.name = file.path();
     reading.said = frame;

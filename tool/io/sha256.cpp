@@ -37,6 +37,7 @@ std::string sha256_of_file(const std::string& path) {
         sha256_update(&context, length, reinterpret_cast<const uint8_t*>(block.data()));
         offset += length;
     }
+    file.expect_unchanged();
     std::array<uint8_t, SHA256_DIGEST_SIZE> digest{};
     sha256_digest(&context, digest.size(), digest.data());
     return sha256_text(digest);
