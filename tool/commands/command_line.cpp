@@ -146,9 +146,8 @@ Option& Option::one_of(std::initializer_list<const char*> words) {
 
 Option& Option::takes(const std::string& value) {
     option_->type_name(value);
-    if (value == "FILE")
-        option_->check(
-            [](const std::string& name) { return name.empty() ? "the name of a file is missing" : ""; });
+    const char* const missing = value == "FILE" ? "the name of a file is missing" : "its value is empty";
+    option_->check([missing](const std::string& text) { return text.empty() ? missing : ""; });
     return *this;
 }
 

@@ -94,21 +94,36 @@ std::vector<int> temperatures(const ShadingFile& file) {
     return kelvin;
 }
 
+std::vector<int> wanted_temperatures(const ConvertInputs& inputs) {
+    const auto wanted = numbers_from<int>(inputs.kelvin, 1, hottest);
+    if (!wanted)
+        usage_failure("--ct: {} is not a list of colour temperatures with commas between", inputs.kelvin);
+    return *wanted;
+}
+
+// Refuses words that are none before any file is read, also where the files leave nothing to be said.
+void check_words(const ConvertInputs& inputs, const RawOptions& raw) {
+    if (!inputs.kelvin.empty())
+        wanted_temperatures(inputs);
+    if (!raw.black.empty())
+        black_level_of_option(raw.black);
+    if (!raw.pattern.empty())
+        pattern_of_option(raw.pattern);
+}
+
 // The sets of the file that --ct names; all of them where it is not given.
 std::vector<ShadingSet> chosen_sets(const ConvertInputs& inputs, const ShadingFile& file) {
     if (inputs.kelvin.empty())
         return file.sets;
-    const auto wanted = numbers_from<int>(inputs.kelvin, 1, hottest);
-    if (!wanted)
-        usage_failure("--ct: {} is not a list of colour temperatures with commas between", inputs.kelvin);
+    const std::vector<int> wanted = wanted_temperatures(inputs);
     std::vector<ShadingSet> sets;
     // A file that says no temperature takes that of the command line.
-    if (file.sets.front().kelvin == 0 && wanted->size() == 1) {
+    if (file.sets.front().kelvin == 0 && wanted.size() == 1) {
         sets = file.sets;
-        sets.front().kelvin = wanted->front();
+        sets.front().kelvin = wanted.front();
         return sets;
     }
-    for (const int kelvin : *wanted) {
+    for (const int kelvin : wanted) {
         const auto found = std::ranges::find(file.sets, kelvin, &ShadingSet::kelvin);
         if (found == file.sets.end())
             data_failure("{}: has no set of {} K: give --ct one of {}", inputs.paths[0], kelvin,
@@ -226,6 +241,7 @@ void add_convert_inputs(Command command, ConvertInputs& inputs) {
 
 std::vector<LitTables> read_convert_inputs(const ConvertInputs& inputs, const RawOptions& raw,
                                            const std::string& format, bool lit) {
+    check_words(inputs, raw);
     for (const std::string& path : inputs.paths)
         if (const auto file = read_shading_file(path, size_of(inputs))) {
             if (inputs.paths.size() != 1)
