@@ -66,15 +66,10 @@ ZERKLSC_SIMD V shuffle(V a, V b) {
 #endif
 }
 
-// The two words at a and the two at b in turn.
-ZERKLSC_SIMD Words alternating(const uint16_t* a, const uint16_t* b) {
-    using Pairs = Vector<uint32_t>;
-    const auto first = load<uint32_t>(a);
-    const auto second = load<uint32_t>(b);
-    Pairs odd{};
-    for (int32_t i = 0; i < lanes<Pairs>; ++i)
-        odd[i] = i % 2 == 0 ? 0 : UINT32_MAX;
-    return reinterpret_cast<Words>(((Pairs{} + first) & ~odd) | ((Pairs{} + second) & odd));
+// The T at an address in every lane of its size.
+template <class T>
+ZERKLSC_SIMD Words repeated(const void* from) {
+    return reinterpret_cast<Words>(Vector<T>{} + load<T>(from));
 }
 
 // The first `count` words of a, the rest of b.
@@ -102,7 +97,9 @@ ZERKLSC_SIMD void prefetch(const uint16_t* in, uint16_t* out) {
 //   interleave_low, _high      words of a and b in turn, from the low or high half of each 16 bytes
 //   lower, higher(a, b)        minimum, maximum
 //   multiply_high(a, b)        upper halves of the products
+//   multiply_rounded(a, b)     products by 2^15, rounded half up; words below 2^15
 //   saturating_subtract(a, b)  a - b, 0 where b is more
+//   is_zero(a)                 whether no bit is set
 #if defined(__SSE2__) && (ZERKLSC_VECTOR_BYTES < 32 || defined(__AVX2__))                                    \
     && (ZERKLSC_VECTOR_BYTES < 64 || defined(__AVX512BW__))
 #include "cpu/vectors_x86.h"

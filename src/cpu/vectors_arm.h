@@ -57,9 +57,19 @@ ZERKLSC_SIMD Words multiply_high(Words a, Words b) {
     return reinterpret_cast<Words>(vcombine_u16(low, high));
 }
 
+ZERKLSC_SIMD Words multiply_rounded(Words a, Words b) {
+    return reinterpret_cast<Words>(
+        vqrdmulhq_s16(reinterpret_cast<int16x8_t>(a), reinterpret_cast<int16x8_t>(b)));
+}
+
 ZERKLSC_SIMD Words saturating_subtract(Words a, Words b) {
     return reinterpret_cast<Words>(
         vqsubq_u16(reinterpret_cast<uint16x8_t>(a), reinterpret_cast<uint16x8_t>(b)));
+}
+
+ZERKLSC_SIMD bool is_zero(Words a) {
+    const auto v = reinterpret_cast<uint64x2_t>(a);
+    return (vgetq_lane_u64(v, 0) | vgetq_lane_u64(v, 1)) == 0;
 }
 
 } // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

@@ -71,8 +71,19 @@ ZERKLSC_SIMD Words multiply_high(Words a, Words b) {
     return words;
 }
 
+ZERKLSC_SIMD Words multiply_rounded(Words a, Words b) {
+    return multiply_high(a + a, b) + ((a + a) * b >> 15);
+}
+
 ZERKLSC_SIMD Words saturating_subtract(Words a, Words b) {
     return a > b ? a - b : Words{};
+}
+
+ZERKLSC_SIMD bool is_zero(Words a) {
+    uint16_t any = 0;
+    for (int32_t i = 0; i < lanes<Words>; ++i)
+        any = static_cast<uint16_t>(any | a[i]);
+    return any == 0;
 }
 
 } // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

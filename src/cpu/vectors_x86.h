@@ -39,7 +39,25 @@ ZERKLSC_OPERATION(SignedWords, lower, SignedWords, min_epi16)
 ZERKLSC_OPERATION(SignedWords, higher, SignedWords, max_epi16)
 ZERKLSC_OPERATION(Words, multiply_high, Words, mulhi_epu16)
 ZERKLSC_OPERATION(Words, saturating_subtract, Words, subs_epu16)
+#if ZERKLSC_VECTOR_BYTES > 16
+ZERKLSC_OPERATION(Words, multiply_rounded, Words, mulhrs_epi16)
+#else
+ZERKLSC_SIMD Words multiply_rounded(Words a, Words b) {
+    return multiply_high(a + a, b) + ((a + a) * b >> 15);
+}
+#endif
 #undef ZERKLSC_OPERATION
+
+ZERKLSC_SIMD bool is_zero(Words a) {
+    const auto v = reinterpret_cast<ZERKLSC_REGISTER>(a);
+#if ZERKLSC_VECTOR_BYTES == 64
+    return _mm512_test_epi64_mask(v, v) == 0;
+#elif ZERKLSC_VECTOR_BYTES == 32
+    return _mm256_testz_si256(v, v) != 0;
+#else
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(v, __m128i{})) == 0xFFFF;
+#endif
+}
 
 } // namespace zerklsc::ZERKLSC_INSTRUCTION_SET
 

@@ -1,5 +1,6 @@
 // The correction in vectors. Inside a cell the four gains of the strip are constant and the weights depend on
 // the phase only: the taps of a whole cell are laid out once per call, and each gain takes two pair products.
+// Samples that have no more bits than the ISP takes, as nearly all have, are multiplied in a cheaper way.
 #include <cstddef>
 
 #include "bicubic/correction/correction.h"
@@ -20,6 +21,10 @@ namespace {
 // A row is corrected in blocks of so many cells, so that the strip between the passes has a size.
 constexpr int32_t max_cells = 128;
 constexpr int32_t block_columns = max_cells + 3 + lanes<Words>;
+
+// A cell is corrected by whole lines of the cache, the rest of it by vectors.
+constexpr int32_t line_pixels = 32;
+constexpr int32_t line_vectors = line_pixels / lanes<Words>;
 
 int32_t smaller_of(int32_t a, int32_t b) {
     return a < b ? a : b;
@@ -109,8 +114,8 @@ void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, 
     const auto tap = [&](int32_t i) { return static_cast<uint16_t>(weights.tap[other + i]); };
     const uint16_t near[2] = {tap(0), tap(1)};
     const uint16_t far[2] = {tap(2), ZERKLSC_UNITY_GAIN};
-    const Words near_taps = alternating(near, near);
-    const Words far_taps = alternating(far, far);
+    const Words near_taps = repeated<uint32_t>(near);
+    const Words far_taps = repeated<uint32_t>(far);
     const uint16_t bias = 0x8000;
     const int32_t rest = bias * ZERKLSC_UNITY_GAIN + 512; // and a half, which rounds
     const int32_t last = count < lanes<Words> ? 0 : count - lanes<Words>;
@@ -145,6 +150,17 @@ void fill_strips(const Correction& c, const RowPosition& row, int32_t column, in
     }
 }
 
+// Two neighbouring grid columns of each strip, side by side as pair_dot() wants them: the even pixels' first.
+struct NodePairs {
+    uint32_t at[max_cells + 2][2];
+};
+
+void pair_nodes(const Strip strips[2], int32_t count, NodePairs& pairs) {
+    for (int32_t i = 0; i < count; ++i)
+        for (int32_t side = 0; side < 2; ++side)
+            pairs.at[i][side] = load<uint32_t>(strips[side] + i);
+}
+
 Words interpolated(const PixelTaps& taps, Words first, Words second) {
     const Sums low =
         pair_dot(first, load<Words>(taps.first[0])) + pair_dot(second, load<Words>(taps.second[0]));
@@ -153,12 +169,19 @@ Words interpolated(const PixelTaps& taps, Words first, Words second) {
     return limited_gains(low >> 11, high >> 11);
 }
 
-// Low 16 bits of the rounded product, limited to 10 bits.
+// Low 16 bits of the rounded product, limited to 10 bits. Where the samples have 10 bits themselves, no bit
+// of the product is lost: samples * 32 and gains are signed words, whose product takes one instruction.
+template <bool ten_bits>
 Words corrected(Words samples, Words gains) {
-    const Words low = samples * gains;
-    const Words high = multiply_high(samples, gains);
-    const Words product = (high << 6) + (((low >> 9) + 1) >> 1);
-    return product - saturating_subtract(product, Words{} + highest_sample);
+    if constexpr (ten_bits) {
+        const auto product = reinterpret_cast<SignedWords>(multiply_rounded(samples << 5, gains));
+        return reinterpret_cast<Words>(lower(product, SignedWords{} + int16_t{highest_sample}));
+    } else {
+        const Words low = samples * gains;
+        const Words high = multiply_high(samples, gains);
+        const Words product = (high << 6) + (((low >> 9) + 1) >> 1);
+        return product - saturating_subtract(product, Words{} + highest_sample);
+    }
 }
 
 // Corrects `count` pixels, less than a vector. A whole one is written where the row has the room: beyond the
@@ -168,29 +191,59 @@ void correct_few(const uint16_t* in, Words gains, int32_t count, int32_t room, u
     uint16_t few[lanes<Words>] = {};
     if (room >= lanes<Words>) {
         const Words samples = load<Words>(in);
-        store(out, first_lanes(count, corrected(samples, gains), samples));
+        store(out, first_lanes(count, corrected<false>(samples, gains), samples));
     } else {
         __builtin_memcpy(few, in, static_cast<size_t>(count) * sizeof *in);
-        store(few, corrected(load<Words>(few), gains));
+        store(few, corrected<false>(load<Words>(few), gains));
         __builtin_memcpy(out, few, static_cast<size_t>(count) * sizeof *out);
     }
 }
 
-// The horizontal pass over the pixels of one cell that are in the row, of which `room` are left.
-void correct_cell(const PixelTaps* taps, int32_t pixels, const Strip strips[2], int32_t cell, int32_t room,
-                  const uint16_t* in, uint16_t* out) {
-    const uint16_t* const even = strips[0] + cell;
-    const uint16_t* const odd = strips[1] + cell;
-    const Words first = alternating(even, odd);
-    const Words second = alternating(even + 2, odd + 2);
-    const int32_t count = smaller_of(pixels, room);
-    int32_t x = 0;
-    for (; x + lanes<Words> <= count; x += lanes<Words>, ++taps) {
-        prefetch(in + x, out + x);
-        store(out + x, corrected(load<Words>(in + x), interpolated(*taps, first, second)));
+// What interpolates the gains of a cell.
+struct Cell {
+    const PixelTaps* taps;
+    Words first;  // nodes -1 and 0 of both strips
+    Words second; // nodes +1 and +2
+
+    [[gnu::always_inline]] Words gains(int32_t vector) const {
+        return interpolated(taps[vector], first, second);
     }
-    if (x < count)
-        correct_few(in + x, interpolated(*taps, first, second), count - x, room - x, out + x);
+};
+
+bool have_ten_bits(const uint16_t* samples, int32_t lines) {
+    Words any{};
+    for (int32_t line = 0; line < lines; ++line)
+        for (int32_t i = 0; i < line_pixels; i += lanes<Words>)
+            any |= load<Words>(samples + line * line_pixels + i);
+    return is_zero(any & static_cast<uint16_t>(~highest_sample));
+}
+
+template <bool ten_bits>
+[[gnu::always_inline]] inline void correct_lines(Cell cell, int32_t lines, const uint16_t* in,
+                                                 uint16_t* out) {
+    for (; lines > 0; --lines, cell.taps += line_vectors, in += line_pixels, out += line_pixels)
+        for (int32_t i = 0; i < line_vectors; ++i) {
+            const int32_t x = i * lanes<Words>;
+            prefetch(in + x, out + x);
+            store(out + x, corrected<ten_bits>(load<Words>(in + x), cell.gains(i)));
+        }
+}
+
+// The horizontal pass over the first `pixels` pixels of a cell; `room` are left in the row. The lines are
+// looked at before they are corrected, which may be in place.
+[[gnu::always_inline]] inline void correct_cell(Cell cell, int32_t pixels, int32_t room, const uint16_t* in,
+                                                uint16_t* out) {
+    const int32_t lines = pixels / line_pixels;
+    if (have_ten_bits(in, lines))
+        correct_lines<true>(cell, lines, in, out);
+    else
+        correct_lines<false>(cell, lines, in, out);
+    cell.taps += lines * line_vectors;
+    int32_t x = lines * line_pixels;
+    for (; x + lanes<Words> <= pixels; x += lanes<Words>, ++cell.taps)
+        store(out + x, corrected<false>(load<Words>(in + x), cell.gains(0)));
+    if (x < pixels)
+        correct_few(in + x, cell.gains(0), pixels - x, room - x, out + x);
 }
 
 void correct_row(const Correction& c, const CellTaps& taps, const RowPosition& row, const uint16_t* in,
@@ -202,12 +255,15 @@ void correct_row(const Correction& c, const CellTaps& taps, const RowPosition& r
     const int32_t quirky = width / 2 % c.step == 1 ? cells - 1 : cells;
     for (int32_t block = 0; block < cells; block += max_cells) {
         Strip strips[2];
+        NodePairs nodes;
         const int32_t count = smaller_of(cells - block, max_cells);
         fill_strips(c, row, block, count + 3, strips);
+        pair_nodes(strips, count + 2, nodes);
         for (int32_t i = 0; i < count; ++i) {
             const int32_t x = (block + i) * cell_pixels;
-            const PixelTaps* const cell_taps = block + i == quirky ? &taps.last : taps.whole;
-            correct_cell(cell_taps, cell_pixels, strips, i, width - x, in + x, out + x);
+            const Cell cell{block + i == quirky ? &taps.last : taps.whole, repeated<uint64_t>(nodes.at[i]),
+                            repeated<uint64_t>(nodes.at[i + 2])};
+            correct_cell(cell, smaller_of(cell_pixels, width - x), width - x, in + x, out + x);
         }
     }
 }
