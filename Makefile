@@ -1,11 +1,12 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test test-targets test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages
+.PHONY: help demo test coverage test-targets test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
 	@echo "make test    install what is missing, build, run every test"
+	@echo "make coverage  build once more, and tell which share of the branches the tests take"
 	@echo "make test-targets    run the tests and compare stored answers on every processor that Debian cross-compiles for"
 	@echo "make test-verdicts   try every verdict of the check command at 13 megapixels"
 	@echo "make test-kills      kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
@@ -30,6 +31,14 @@ demo: configured
 
 test: release
 	@ctest --preset release -j "$$(nproc)"
+
+coverage: packages
+	@cmake/install-packages.sh ci coverage
+	@cmake --preset coverage > /dev/null
+	@cmake --build --preset coverage
+	@find build/coverage -name '*.gcda' -delete
+	@ctest --preset coverage -j "$$(nproc)"
+	@tests/coverage.sh build/coverage
 
 test-targets: packages
 	@cmake/install-packages.sh ci targets

@@ -6,8 +6,8 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 
 # What a family's compilers are called, and the cpus that the emulator is to be.
-declare -A triple=([x86_64]= [i686]=i686-linux-gnu [arm]=arm-linux-gnueabihf [aarch64]=aarch64-linux-gnu [s390x]=s390x-linux-gnu)
-declare -A emulator=([x86_64]= [i686]=qemu-i386 [arm]=qemu-arm [aarch64]=qemu-aarch64 [s390x]=qemu-s390x)
+declare -A triple=([x86_64]="" [i686]=i686-linux-gnu [arm]=arm-linux-gnueabihf [aarch64]=aarch64-linux-gnu [s390x]=s390x-linux-gnu)
+declare -A emulator=([x86_64]="" [i686]=qemu-i386 [arm]=qemu-arm [aarch64]=qemu-aarch64 [s390x]=qemu-s390x)
 declare -A cpus=([arm]="max cortex-a15,neon=off")
 declare -A flags=([O0]=-O0 [O3]=-O3 [lto]="-O3 -flto")
 
@@ -40,15 +40,14 @@ compare() {
     done
 }
 
-for family in "${@:-x86_64 i686 arm aarch64 s390x}"; do
-    for family in $family; do
-        for compiler in gcc clang; do
-            for form in O0 O3 lto; do
-                folder=build/answers/$family-$compiler-$form
-                mkdir -p "$folder"
-                build "$family" "$compiler" "$form" "$folder" >"$folder/log" 2>&1 || { tail -n 30 "$folder/log" >&2; exit 1; }
-                compare "$family" "$folder" | sed "s/^/$family, $compiler, $form, /"
-            done
+[ $# != 0 ] || set -- x86_64 i686 arm aarch64 s390x
+for family in "$@"; do
+    for compiler in gcc clang; do
+        for form in O0 O3 lto; do
+            folder=build/answers/$family-$compiler-$form
+            mkdir -p "$folder"
+            build "$family" "$compiler" "$form" "$folder" >"$folder/log" 2>&1 || { tail -n 30 "$folder/log" >&2; exit 1; }
+            compare "$family" "$folder" | sed "s/^/$family, $compiler, $form, /"
         done
     done
 done

@@ -83,16 +83,17 @@ TEST(WindowSums, LargeWindowsShareTheirRowsAndLoseNothingWithoutMemory) {
     for (const imfilter_t& filter :
          {box(60), gaussian(45, &sigma), gaussian(70, &sigma, ZERKLSC_BOUNDARY_CLAMP)}) {
         ASSERT_TRUE(rows_should_be_shared(single_plane(plane.data(), w, h), make_window(filter), 20 * 15));
-        std::vector<float> levels[2];
-        for (const size_t fail_at : {AllocationScope::never, size_t{1}}) {
-            std::vector<float>& found = levels[fail_at == 1];
-            found.resize(20 * 15);
+        const auto levels_without = [&](size_t fail_at) {
+            std::vector<float> found(20 * 15);
             const AllocationScope scope(fail_at);
-            ASSERT_EQ(img_sample_grid(plane.data(), found.data(), w, h, 6, 7, 20, 15, &filter), 0);
-            EXPECT_EQ(scope.failed(), fail_at == 1);
-            EXPECT_TRUE(scope.leftovers().empty());
-        }
-        EXPECT_EQ(levels[0], levels[1]);
+            EXPECT_EQ(img_sample_grid(plane.data(), found.data(), w, h, 6, 7, 20, 15, &filter), 0);
+            EXPECT_EQ(scope.failed(), fail_at != AllocationScope::never) << fail_at;
+            EXPECT_TRUE(scope.leftovers().empty()) << fail_at;
+            return found;
+        };
+        const std::vector<float> expected = levels_without(AllocationScope::never);
+        for (size_t fail_at = 1; fail_at < 4; ++fail_at)
+            EXPECT_EQ(levels_without(fail_at), expected) << fail_at;
     }
 }
 

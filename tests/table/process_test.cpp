@@ -43,6 +43,8 @@ TEST(Preproc, BuildsEachChannelFromItsOwnNodesOrWritesNothing) {
     EXPECT_EQ(lsc2d_table_preproc(src.table, dst.table, 16, 15, 5, 5, &no_step), -1);
     for (const int32_t size : {INT32_MIN, -5, 0, 2, 4})
         EXPECT_EQ(lsc2d_table_preproc(src.table, dst.table, 16, 15, size, size, &param), -1);
+    EXPECT_EQ(lsc2d_table_preproc(src.table, dst.table, 16, 15, 2, 5, &param), -1);
+    EXPECT_EQ(lsc2d_table_preproc(src.table, dst.table, 16, 15, 5, 2, &param), -1);
     for (size_t n = 0; n <= 2; ++n) {
         EXPECT_EQ(to.copy(), before);
         AllocationScope heap(n);

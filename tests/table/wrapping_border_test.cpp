@@ -30,6 +30,8 @@ TEST(Border, ContinuesAQuadraticSurfaceAndWrapsBeyondTheRange) {
         expand_lsc_table_c2(table.data(), w, h);
         ASSERT_EQ(table.copy(), expected) << w << " x " << h;
         expand_lsc_table_c2(table.data(), -w, INT32_MIN);
+        expand_lsc_table_c2(table.data(), INT32_MAX, 3);
+        expand_lsc_table_c2(table.data(), 3, INT32_MAX - 1);
         ASSERT_TRUE(table.intact());
     }
 }
