@@ -1,7 +1,7 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test coverage test-targets test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages
+.PHONY: help demo test coverage test-targets test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages test-faults
 
 help:
 	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
@@ -10,6 +10,7 @@ help:
 	@echo "make test-targets    run the tests and compare stored answers on every processor that Debian cross-compiles for"
 	@echo "make test-verdicts   try every verdict of the check command at 13 megapixels"
 	@echo "make test-kills      kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
+	@echo "make test-faults     kill every command that writes at 300 random moments, and fail each of its system calls"
 	@echo "make test-slurm      run a lot over a Slurm of two nodes on this machine, and lose one of them"
 	@echo "make mutate  change the tool in 120 small ways, one at a time, and tell what share the tests catch; takes hours"
 	@echo "make bench   install what is missing, build, time every kernel against its plain form and its peers"
@@ -55,6 +56,10 @@ test-verdicts: configured
 test-kills: configured
 	@cmake --build --preset release --target zerklsc_tool
 	@tests/tool/batch_line.py --tool build/release/tool/zerklsc --modules 10000 --kills 100
+
+test-faults: configured
+	@cmake --build --preset release --target zerklsc_tool fault_shim
+	@tests/tool/faults.py --tool build/release/tool/zerklsc --shim build/release/tests/tool/fault_shim.so --kills 300
 
 test-slurm: configured
 	@cmake/install-packages.sh slurm
