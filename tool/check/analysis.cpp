@@ -41,9 +41,9 @@ LogCells cells_of(const FrameTiles& tiles, const std::vector<float>& means, doub
     // Cells are not all as many tiles wide; the middle of one is where its tiles are.
     const auto middle = [](Span span) { return (span.begin + span.end - 1) / 2.0; };
     for (int i = 0; i < cells.columns; ++i)
-        cells.u.push_back(u_of(middle(span_of(tiles.columns, cells.columns, i)), tiles.columns, aspect));
+        cells.u.push_back(u_of(middle(span_of(tiles.columns, cells.columns, i)), tiles.across, aspect));
     for (int j = 0; j < cells.rows; ++j)
-        cells.v.push_back(v_of(middle(span_of(tiles.rows, cells.rows, j)), tiles.rows, aspect));
+        cells.v.push_back(v_of(middle(span_of(tiles.rows, cells.rows, j)), tiles.down, aspect));
     std::vector<float> scratch;
     for (int j = 0; j < cells.rows; ++j)
         for (int i = 0; i < cells.columns; ++i)
@@ -73,7 +73,7 @@ void expect_tiles(const FrameTiles& tiles, double aspect, PlaneAnalysis& plane) 
     for (int j = 0; j < h; ++j)
         for (int i = 0; i < w; ++i)
             nodes.push_back(static_cast<float>(std::exp(std::clamp(
-                plane.surface.at(u_of(i * apart, tiles.columns, aspect), v_of(j * apart, tiles.rows, aspect)),
+                plane.surface.at(u_of(i * apart, tiles.across, aspect), v_of(j * apart, tiles.down, aspect)),
                 -30.0, 30.0))));
     plane.expected.resize(tiles.count());
     for (int row = 0; row < tiles.rows; ++row) {

@@ -40,7 +40,7 @@ constexpr bool beyond_barrel(double u, double v) {
 // term is light that rises evenly over the frame. A small smooth rest, a polynomial of degree 4 in u and v,
 // is what real modules have beside it.
 struct LensSurface {
-    std::array<double, 8> radial{}; // of r^0, r^2 .. r^14
+    std::array<double, 8> radial{}; // of Chebyshev's polynomials in r^2, up to r^14
     std::array<double, 2> centre{};
     std::array<double, 2> light{};
     std::array<double, 15> rest{};
@@ -51,9 +51,10 @@ struct LensSurface {
     double at(double u, double v) const;
 };
 
-// Where the middle of column `i` of `columns` lies, and the same for rows.
-double u_of(double i, int columns, double aspect);
-double v_of(double j, int rows, double aspect);
+// Where the middle of column `i` of the plane's `columns` lies, of which the last may be a part; the same for
+// rows.
+double u_of(double i, double columns, double aspect);
+double v_of(double j, double rows, double aspect);
 
 // Robust least squares by iteratively reweighted Gauss-Newton steps (P. W. Holland, R. E. Welsch, "Robust
 // regression using iteratively reweighted least-squares", 1977). Where the fall-off is so plain that a

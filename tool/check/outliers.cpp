@@ -191,7 +191,7 @@ void find_dust(const FlatCapture& capture, const Analysis& analysis, size_t plan
             if (rest[at] >= -reach / 2)
                 continue;
             const bool barrel =
-                beyond_barrel(u_of(column, tiles.columns, aspect), v_of(row, tiles.rows, aspect));
+                beyond_barrel(u_of(column, tiles.across, aspect), v_of(row, tiles.down, aspect));
             const float depth =
                 barrel ? depth_beyond_barrel(tiles, rest, column, row) : depth_of(tiles, rest, column, row);
             if (depth < -reach)

@@ -25,16 +25,36 @@ float median_around(const LogCells& cells, const std::vector<float>& rest, int c
     return static_cast<float>(median_of(values));
 }
 
+// The column or row whose middle is nearest.
+int nearest(const std::vector<double>& middles, double at) {
+    const auto nearer = [at](double a, double b) { return std::abs(a - at) < std::abs(b - at); };
+    return static_cast<int>(std::ranges::min_element(middles, nearer) - middles.begin());
+}
+
+// The same as far from the optical centre as (u, v), or as the frame reaches, on the way to another corner.
+float median_towards(const PlaneAnalysis& plane, double u, double v, double corner_u, double corner_v) {
+    const auto& centre = plane.surface.centre;
+    const double reach = std::hypot(corner_u - centre[0], corner_v - centre[1]);
+    const double part = std::min(std::hypot(u - centre[0], v - centre[1]) / reach, 1.0);
+    return median_around(plane.cells, plane.cell_rest,
+                         nearest(plane.cells.u, centre[0] + part * (corner_u - centre[0])),
+                         nearest(plane.cells.v, centre[1] + part * (corner_v - centre[1])));
+}
+
 // The same without what a barrel vignettes: that darkens the other corners too, if not as much.
 float around_without_barrel(const PlaneAnalysis& plane, int column, int row) {
     const LogCells& cells = plane.cells;
     const float around = median_around(cells, plane.cell_rest, column, row);
-    if (around >= 0 || !beyond_barrel(cells.u_at(column), cells.v_at(row)))
+    const double u = cells.u_at(column), v = cells.v_at(row);
+    if (around >= 0 || !beyond_barrel(u, v))
         return around;
-    const int across = cells.columns - 1 - column, down = cells.rows - 1 - row;
-    std::vector<float> others{median_around(cells, plane.cell_rest, across, row),
-                              median_around(cells, plane.cell_rest, column, down),
-                              median_around(cells, plane.cell_rest, across, down)};
+    const double own_u = u < 0 ? cells.u.front() : cells.u.back(),
+                 other_u = cells.u.front() + cells.u.back() - own_u;
+    const double own_v = v < 0 ? cells.v.front() : cells.v.back(),
+                 other_v = cells.v.front() + cells.v.back() - own_v;
+    std::vector<float> others{median_towards(plane, u, v, other_u, own_v),
+                              median_towards(plane, u, v, own_u, other_v),
+                              median_towards(plane, u, v, other_u, other_v)};
     return std::min(around - 2 * std::min(static_cast<float>(median_of(others)), 0.0F), 0.0F);
 }
 
@@ -199,6 +219,19 @@ void check_structure(const Judgement& judgement) {
                   "rows and columns do not differ alike: look at --width and --height, and for row noise");
 }
 
+// In fewer tiles, what a soft shadow or a coarse texture does is not told from what a lens does.
+constexpr size_t fewest_tiles = 400;
+
+// One that shows in a small frame is there; that none shows means nothing.
+void add_if_large_enough(const Judgement& judgement, const std::string& name, const std::string& plane,
+                         double value, const std::string& advice) {
+    Finding finding = judgement.limits.judge(name, plane, value, advice);
+    if (finding.verdict == Verdict::pass && judgement.analysis.tiles.count() < fewest_tiles)
+        finding =
+            judgement.limits.not_judged(name, "the frame is too small to tell it from a lens's shading");
+    judgement.findings.push_back(finding);
+}
+
 void check_textures(const Judgement& judgement, const std::vector<float>& profile) {
     double texture = 0, grain = 1e9;
     size_t where = 0;
@@ -211,8 +244,8 @@ void check_textures(const Judgement& judgement, const std::vector<float>& profil
         // A pattern in front of the sensor is in all planes; noise that bends the curve of one is not.
         grain = std::min(grain, grain_of(judgement, plane));
     }
-    judgement.add("texture", judgement.capture.colour(where), 100 * texture,
-                  "the frame has a texture: use a plain diffuser, out of focus, and check --width");
+    add_if_large_enough(judgement, "texture", judgement.capture.colour(where), 100 * texture,
+                        "the frame has a texture: use a plain diffuser, out of focus, and check --width");
     if (judgement.analysis.planes[0].noise.size() < fewest_noise_points) {
         judgement.findings.push_back(
             judgement.limits.not_judged("grain", "the frame is too small to tell how its noise grows"));
@@ -233,8 +266,8 @@ void check_scene(const Judgement& judgement) {
     const double flicker = periodic ? std::max(height_of(profile) - 2 * noise, 0.0) : 0;
     const auto rows = periodic ? at_cells(profile, first.cells.rows) : std::vector<float>();
     const auto [shadow, flare] = areas_of(judgement, rows);
-    judgement.add(
-        "shadow", judgement.capture.colour(shadow.plane), 100 * shadow.height,
+    add_if_large_enough(
+        judgement, "shadow", judgement.capture.colour(shadow.plane), 100 * shadow.height,
         fmt::format("something shades the frame at {} % of its width, {} % of its height: remove it",
                     shadow.x, shadow.y));
     judgement.add(

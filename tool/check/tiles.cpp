@@ -148,6 +148,8 @@ FrameTiles measure_tiles(const RawFrame& frame) {
         tiles.side /= 2;
     tiles.columns = frame.width / 2 / tiles.side;
     tiles.rows = frame.height / 2 / tiles.side;
+    tiles.across = frame.width / 2.0 / tiles.side;
+    tiles.down = frame.height / 2.0 / tiles.side;
     allocate(tiles);
     ColumnSums sums(static_cast<size_t>(frame.width));
     for (int row = 0; row < tiles.rows; ++row)

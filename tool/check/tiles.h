@@ -29,6 +29,7 @@ struct FrameTiles {
     int side = largest_tile_side; // of a tile, in plane samples
     int columns = 0;
     int rows = 0;
+    double across = 0, down = 0;      // columns and rows of tiles with what is left over at the edge
     std::array<PlaneTiles, 4> planes; // by plane number
 
     int tile_samples() const { return side * side; }
