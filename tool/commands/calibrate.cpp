@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "commands/frame_text.h"
 #include "commands/module_calibration.h"
+#include "commands/option_values.h"
 #include "commands/report.h"
 #include "failure.h"
 #include "imaging/prediction.h"
@@ -106,6 +107,8 @@ void run(const Options& options, Report& report) {
     inputs.push_back(options.golden);
     keep_files_apart(inputs, {options.output, options.text});
     check_table_name(options.output);
+    algorithm_from(options.method.algorithm);
+    limits_of(options.method.check);
     const FlatCaptures flats = read_flat_captures(options.captures, report);
     const RawFrame& frame = flats.average();
     const CalibrationSettings settings = settings_for(options.method, frame);

@@ -107,11 +107,12 @@ void refuse(const std::string& name, const Findings& findings) {
 // Adds what it finds as it goes, and returns the frame's name.
 std::string judge(const Options& options, Report& report, Findings& findings) {
     const CheckLimits limits = limits_of(options.check);
+    const int algorithm = algorithm_from(options.algorithm);
     const RawFrame frame = read_frame(options, options.flats.front());
     add_frame(report, frame);
     report.print(describe(frame));
     CalibrationSettings settings = with_step(options.settings, frame);
-    settings.algorithm = algorithm_from(options.algorithm);
+    settings.algorithm = algorithm;
     const Analysis analysis = analyse(frame, *frame.black);
     const FlatCapture capture{frame, *frame.pattern, *frame.black, settings};
     findings = check_capture(capture, analysis, find_outliers(capture, analysis), limits);

@@ -183,6 +183,7 @@ void recommend(Report& report, const Outcomes& outcomes) {
 }
 
 void run(const Options& options, Report& report) {
+    limits_of(options.check);
     const RawFrame capture = read_raw(options.raw, UnknownBlack::refuse);
     add_frame(report, capture);
     report.print(describe(capture));

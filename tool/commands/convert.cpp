@@ -1,6 +1,7 @@
 // zerklsc convert: gain tables in the formats of camera stacks and of other programs
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <memory>
 
 #include <fmt/format.h>
@@ -141,9 +142,11 @@ void run(const Options& options, Report& report) {
         report.add("output", options.output);
     report.add("format", format.name);
     report.add("losses", JsonValue::list(losses));
+    std::vector<std::string> names;
+    std::ranges::transform(options.inputs.paths, std::back_inserter(names), input_name);
     if (!is(format, "json"))
         report.print(fmt::format("{}: {} of {}\n", one_line(output_name(options.output)), format.name,
-                                 one_line(fmt::format("{}", fmt::join(options.inputs.paths, ", ")))));
+                                 one_line(fmt::format("{}", fmt::join(names, ", ")))));
 }
 
 } // namespace
