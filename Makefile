@@ -67,7 +67,8 @@ test-slurm: configured
 	@tests/scale/slurm.py --tool build/release/tool/zerklsc
 
 mutate: release
-	@tests/mutate.py --build build/release --target zerklsc_tool --tests '^(tool|check):' --count 120 tool
+	@tests/mutate.py --build build/release --count 120 tool \
+	    --target zerklsc_tool zerklsc_help test_check test_line test_otp_container --tests '^(tool|check|line|otp_container):'
 
 bench: packages
 	@cmake/install-packages.sh bench

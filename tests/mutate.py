@@ -8,7 +8,8 @@
 
 The sources are changed in place, built, tried and put back; they must not differ from the last commit. Of the
 tests, those that saw changes of the same file or folder are run first, then those whose name has words of the file's,
-then the fastest; the first that fails is enough.
+then the fastest; the first that fails is enough. It is run once more, alone: on a busy machine a test may fail or be
+late for no fault of the program. One that is late again hangs.
 """
 import argparse
 import concurrent.futures
@@ -59,6 +60,11 @@ def run(*words, **options):
     return subprocess.run(words, capture_output=True, text=True, check=False, **options)
 
 
+def end_session(pid):
+    with contextlib.suppress(ProcessLookupError):
+        os.killpg(pid, signal.SIGKILL)
+
+
 class Tests:
     """The tests of a build, in the order in which they are most likely to see a change soon."""
 
@@ -70,51 +76,60 @@ class Tests:
             if not properties.get("DISABLED"):
                 environment = dict(word.split("=", 1) for word in properties.get("ENVIRONMENT", []))
                 self.tests[test["name"]] = (test["command"], properties["WORKING_DIRECTORY"], environment)
-        self.jobs, self.seconds, self.caught = jobs, {}, []
+        self.jobs, self.seconds, self.caught, self.running = jobs, {}, [], set()
 
-    def passes(self, name):
+    def outcome(self, name, times=1):
+        """'passes', 'fails' or 'hangs'."""
         command, directory, environment = self.tests[name]
         begin = time.monotonic()
         # A session of its own, so that what the test starts ends with it.
         test = subprocess.Popen(command, cwd=directory, env=dict(os.environ, **environment), start_new_session=True,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.running.add(test.pid)
         try:
-            code = test.wait(timeout=60 + 10 * self.seconds[name] if name in self.seconds else 600)
+            code = test.wait(timeout=times * (60 + 10 * self.seconds[name] if name in self.seconds else 600))
         except subprocess.TimeoutExpired:
-            return False
+            return "hangs"
         finally:
-            with contextlib.suppress(ProcessLookupError):
-                os.killpg(test.pid, signal.SIGKILL)
+            self.running.discard(test.pid)
+            end_session(test.pid)
             test.wait()
         self.seconds.setdefault(name, time.monotonic() - begin)
-        return code in (0, SKIPPED)
+        return "passes" if code in (0, SKIPPED) else "fails"
+
+    def first_suspect(self, names):
+        """The first test that does not pass among others, or None."""
+        pool = concurrent.futures.ThreadPoolExecutor(self.jobs)
+        coming = {pool.submit(self.outcome, name): name for name in names}
+        found = next((coming[one] for one in concurrent.futures.as_completed(coming) if one.result() != "passes"), None)
+        pool.shutdown(wait=False, cancel_futures=True)
+        for pid in list(self.running):
+            end_session(pid)
+        pool.shutdown()
+        return found
 
     def first_failing(self, names):
-        """The name of a test that fails, or None."""
-        pool = concurrent.futures.ThreadPoolExecutor(self.jobs)
-        try:
-            coming = {pool.submit(self.passes, name): name for name in names}
-            for one in concurrent.futures.as_completed(coming):
-                if not one.result():
-                    return coming[one]
-            return None
-        finally:
-            pool.shutdown(cancel_futures=True)
+        """The name of a test that does not pass, alone and with more time either, and its outcome; or None."""
+        while suspect := self.first_suspect(names):
+            if (outcome := self.outcome(suspect, 2)) != "passes":
+                return suspect, outcome
+            names = [name for name in names if name != suspect]
+        return None
 
     def see(self, path):
-        """Whether a test fails now that something in the file is changed."""
+        """How the tests end now that something in the file is changed."""
         def order(name):
             near = sum(10 if where == path else where.parent == path.parent for where, by in self.caught if by == name)
             words = set(re.findall("[a-z]{3,}", name)) & set(re.findall("[a-z]{3,}", str(path.with_suffix(""))))
             return -near, -len(words - {"tool"}), self.seconds[name]
         failing = self.first_failing(sorted(self.tests, key=order))
         if failing:
-            self.caught.append((path, failing))
-        return failing is not None
+            self.caught.append((path, failing[0]))
+        return failing[1] if failing else "passes"
 
 
 def try_mutant(options, tests, path, number, line):
-    """'caught', 'missed', or None where the change does not compile."""
+    """'fails' or 'hangs' where a test saw the change, 'passes', or None where the change does not compile."""
     source = path.read_text()
     lines = source.split("\n")
     lines[number] = line
@@ -122,7 +137,7 @@ def try_mutant(options, tests, path, number, line):
         path.write_text("\n".join(lines))
         if run("ninja", "-C", options.build, "-j", str(options.jobs), *options.target).returncode != 0:
             return None
-        return "caught" if tests.see(path) else "missed"
+        return tests.see(path)
     finally:
         path.write_text(source)
 
@@ -173,8 +188,8 @@ def main():
     tests = Tests(options.build, options.tests, options.jobs)
     run("ninja", "-C", options.build, *options.target)
     if failing := tests.first_failing(list(tests.tests)):
-        sys.exit(f"{failing} fails with nothing changed")
-    counts = {"caught": 0, "missed": 0}
+        sys.exit(f"{failing[0]} {failing[1]} with nothing changed")
+    counts = {"fails": 0, "hangs": 0, "passes": 0}
     for path, number, line in mutants[options.skip:]:
         if sum(counts.values()) >= options.count:
             break
@@ -182,11 +197,12 @@ def main():
         outcome = try_mutant(options, tests, path, number, line)
         if outcome:
             counts[outcome] += 1
-        if outcome == "missed":
+        if outcome == "passes":
             print(f"{path}:{number + 1}: no test sees\n{text}", end="", flush=True)
     run("ninja", "-C", options.build, *options.target)
-    tried = sum(counts.values())
-    print(f"{tried} changes, {counts['caught']} caught" + (f": {100 * counts['caught'] / tried:.0f} %" if tried else ""))
+    tried, caught = sum(counts.values()), counts["fails"] + counts["hangs"]
+    if tried:
+        print(f"{tried} changes, {caught} caught ({counts['hangs']} of them by a test that hangs): {100 * caught / tried:.0f} %")
 
 
 if __name__ == "__main__":
