@@ -2,14 +2,13 @@
 #include "commands/preset.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include <CLI/CLI.hpp>
 
 #include "commands.h"
 #include "failure.h"
 #include "io/file_identity.h"
-#include "io/input_file.h"
+#include "io/preset_file.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -50,30 +49,15 @@ bool is_given(const CLI::Option& option, const std::vector<std::string>& words) 
     return false;
 }
 
-void add_item(const CLI::Option& option, const CLI::ConfigItem& item, std::vector<std::string>& words) {
+void add_item(const CLI::Option& option, const PresetItem& item, std::vector<std::string>& words) {
     const bool flag = option.get_expected_max() == 0;
-    for (const std::string& value : item.inputs)
+    for (const std::string& value : item.values)
         if (!flag)
             words.push_back("--" + item.name + "=" + value);
         else if (value == "true")
             words.push_back("--" + item.name);
         else if (value != "false")
             usage_failure("--preset: {} is {}: expected true or false", item.name, value);
-}
-
-std::vector<CLI::ConfigItem> items_of(const std::string& path) {
-    constexpr uint64_t largest_preset = 1 << 20;
-    std::istringstream text(read_file(path, largest_preset));
-    try {
-        return CLI::ConfigTOML().from_config(text);
-    } catch (const CLI::Error& error) {
-        usage_failure("--preset: {}: {}", path, error.what());
-    }
-}
-
-// The marks of where a section begins and ends.
-bool is_mark(const CLI::ConfigItem& item) {
-    return item.name == "++" || item.name == "--";
 }
 
 bool program_has(const std::string& name) {
@@ -89,11 +73,9 @@ void apply(const CLI::App& app, const std::string& path, std::vector<std::string
         return;
     note_input(path);
     const std::vector<std::string> given = words;
-    for (const CLI::ConfigItem& item : items_of(path)) {
-        if (is_mark(item))
-            continue;
-        const bool everywhere = item.parents.empty();
-        if (!everywhere && item.parents.front() != command->get_name())
+    for (const PresetItem& item : read_preset(path)) {
+        const bool everywhere = item.section.empty();
+        if (!everywhere && item.section != command->get_name())
             continue;
         const CLI::Option* const option = option_of(*command, item.name);
         if (option == nullptr && (!everywhere || !any_command_has(app, item.name)))
@@ -129,9 +111,9 @@ void set_from_preset(const std::string& path, const std::string& section,
     Request request;
     add_options(Command(&app, &request));
     std::vector<std::string> words;
-    for (const CLI::ConfigItem& item : items_of(path)) {
-        const bool everywhere = item.parents.empty();
-        if (is_mark(item) || (!everywhere && item.parents.front() != section))
+    for (const PresetItem& item : read_preset(path)) {
+        const bool everywhere = item.section.empty();
+        if (!everywhere && item.section != section)
             continue;
         if (const CLI::Option* const option = option_of(app, item.name))
             add_item(*option, item, words);
