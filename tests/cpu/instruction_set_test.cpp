@@ -31,7 +31,8 @@ TEST(InstructionSet, TestsHoldItDownForTheCallsThatFollow) {
     EXPECT_EQ(instruction_set(), highest);
     // What another processor family has is not this one's.
     setenv("ZERKLSC_CPU", "neon", 1);
-    EXPECT_EQ(instruction_set(), highest == InstructionSet::neon ? InstructionSet::neon : InstructionSet::base);
+    EXPECT_EQ(instruction_set(),
+              highest == InstructionSet::neon ? InstructionSet::neon : InstructionSet::base);
     for (const char* const word : {"", "AVX2", "sse2", "avx2 "}) {
         setenv("ZERKLSC_CPU", word, 1);
         EXPECT_DEATH(instruction_set(), "ZERKLSC_CPU is '.*', but must be base, neon, avx2 or avx512");
