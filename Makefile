@@ -1,21 +1,22 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test coverage test-targets test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages test-faults
+.PHONY: help demo test fuzz coverage test-targets test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages test-faults
 
 help:
-	@echo "make demo    install what is missing, build, calibrate and correct a simulated module, show the result"
-	@echo "make test    install what is missing, build, run every test"
-	@echo "make coverage  build once more, and tell which share of the branches the tests take"
-	@echo "make test-targets    run the tests and compare stored answers on every processor that Debian cross-compiles for"
-	@echo "make test-verdicts   try every verdict of the check command at 13 megapixels"
-	@echo "make test-kills      kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
-	@echo "make test-faults     kill every command that writes at 300 random moments, and fail each of its system calls"
-	@echo "make test-slurm      run a lot over a Slurm of two nodes on this machine, and lose one of them"
-	@echo "make mutate  change the tool in 120 small ways, one at a time, and tell what share the tests catch; takes hours"
-	@echo "make bench   install what is missing, build, time every kernel against its plain form and its peers"
-	@echo "make bench-line   measure what a line of modules costs; RENEW=1 writes it into docs/scale.md"
-	@echo "make package install what is missing, make Debian packages in build/package, check them"
+	@echo "make demo           install what is missing, build, calibrate and correct a simulated module, show the result"
+	@echo "make test           install what is missing, build, run every test"
+	@echo "make fuzz           run every fuzz target for a minute; SECONDS=600 for ten"
+	@echo "make coverage       build once more, and tell which share of the branches the tests take"
+	@echo "make test-targets   run the tests and compare stored answers on every processor that Debian cross-compiles for"
+	@echo "make test-verdicts  try every verdict of the check command at 13 megapixels"
+	@echo "make test-kills     kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
+	@echo "make test-faults    kill every command that writes at 300 random moments, and fail each of its system calls"
+	@echo "make test-slurm     run a lot over a Slurm of two nodes on this machine, and lose one of them"
+	@echo "make mutate         change the tool in 120 small ways, one at a time, and tell what share the tests catch; takes hours"
+	@echo "make bench          install what is missing, build, time every kernel against its plain form and its peers"
+	@echo "make bench-line     measure what a line of modules costs; RENEW=1 writes it into docs/scale.md"
+	@echo "make package        install what is missing, make Debian packages in build/package, check them"
 
 packages:
 	@cmake/install-packages.sh build
@@ -32,6 +33,12 @@ demo: configured
 
 test: release
 	@ctest --preset release -j "$$(nproc)"
+
+fuzz: packages
+	@cmake/install-packages.sh ci
+	@cmake --preset fuzz > /dev/null
+	@cmake --build --preset fuzz --target fuzzers
+	@fuzz/run.sh build/fuzz $(or $(SECONDS),60)
 
 coverage: packages
 	@cmake/install-packages.sh ci coverage
