@@ -8,6 +8,7 @@
 --full-disk ends with 77 where no file system can be mounted, not even by a user of a name space of its own.
 """
 import argparse
+import base64
 import contextlib
 import csv
 import hashlib
@@ -85,6 +86,13 @@ def test_workers_and_shards(line):
             expect(hashlib.sha256(line.read(f"{folder}/{file['file']}")).hexdigest() == file["sha256"], file)
         captured = hashlib.sha256(line.read(result["inputs"][0]["file"])).hexdigest()
         expect(result["inputs"][0]["sha256"] == captured, result["inputs"])
+        tables = json.loads(line.read(f"t5/{result['outputs'][0]['file']}"))
+        expect([result["grid"]["width"], result["grid"]["height"]] == tables["table_size"], result["grid"])
+        expect([result["grid"][key] for key in ("step", "algorithm", "filter_radius", "shading_percent")]
+               == [tables["step"], *(tables["parameters"][key] for key in ("algorithm", "filter_radius", "shading_percent"))])
+        for plane in tables["tables"]:
+            expect(base64.b64decode(result["gains"][plane["colour"]])
+                   == b"".join(gain.to_bytes(2, "little") for row in plane["gains"] for gain in row), plane["colour"])
     lines = {}
     for i in (1, 2, 3):
         # Into one folder for the files, as hosts with a shared file system do.
