@@ -57,6 +57,7 @@ ZERKLSC_SIMD Words multiply_high(Words a, Words b) {
     return reinterpret_cast<Words>(vcombine_u16(low, high));
 }
 
+constexpr bool multiplies_rounded_at_once = true;
 ZERKLSC_SIMD Words multiply_rounded(Words a, Words b) {
     return reinterpret_cast<Words>(
         vqrdmulhq_s16(reinterpret_cast<int16x8_t>(a), reinterpret_cast<int16x8_t>(b)));

@@ -71,6 +71,7 @@ ZERKLSC_SIMD Words multiply_high(Words a, Words b) {
     return words;
 }
 
+constexpr bool multiplies_rounded_at_once = false;
 ZERKLSC_SIMD Words multiply_rounded(Words a, Words b) {
     return multiply_high(a + a, b) + ((a + a) * b >> 15);
 }

@@ -40,8 +40,10 @@ ZERKLSC_OPERATION(SignedWords, higher, SignedWords, max_epi16)
 ZERKLSC_OPERATION(Words, multiply_high, Words, mulhi_epu16)
 ZERKLSC_OPERATION(Words, saturating_subtract, Words, subs_epu16)
 #if ZERKLSC_VECTOR_BYTES > 16
+constexpr bool multiplies_rounded_at_once = true;
 ZERKLSC_OPERATION(Words, multiply_rounded, Words, mulhrs_epi16)
 #else
+constexpr bool multiplies_rounded_at_once = false;
 ZERKLSC_SIMD Words multiply_rounded(Words a, Words b) {
     return multiply_high(a + a, b) + ((a + a) * b >> 15);
 }

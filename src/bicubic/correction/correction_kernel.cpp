@@ -234,7 +234,7 @@ template <bool ten_bits>
 [[gnu::always_inline]] inline void correct_cell(Cell cell, int32_t pixels, int32_t room, const uint16_t* in,
                                                 uint16_t* out) {
     const int32_t lines = pixels / line_pixels;
-    if (have_ten_bits(in, lines))
+    if (multiplies_rounded_at_once && have_ten_bits(in, lines))
         correct_lines<true>(cell, lines, in, out);
     else
         correct_lines<false>(cell, lines, in, out);
