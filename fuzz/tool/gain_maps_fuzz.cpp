@@ -1,8 +1,5 @@
 // Any bytes as the DNG that gain maps are put into: refused in words, or copied with every byte but the
 // pointers that must change, into a file whose maps are those of the tables.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdlib>
 #include <string>
@@ -11,31 +8,15 @@
 #include "convert/shading_file.h"
 #include "failure.h"
 #include "support/input.h"
+#include "support/memory_file.h"
 
 namespace {
 
 using namespace zerklsc::tool;
+using zerklsc::fuzz::MemoryFile;
 
 constexpr int largest_frame = 4096;
 constexpr uint16_t gain = 1536; // of every node: 1.5
-
-// A file in memory, by the name of its descriptor.
-class MemoryFile {
-  public:
-    explicit MemoryFile(const std::string& bytes) : descriptor_(memfd_create("dng", 0)) {
-        if (descriptor_ < 0
-            || write(descriptor_, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
-            std::abort();
-    }
-    ~MemoryFile() { close(descriptor_); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
-  private:
-    int descriptor_;
-};
 
 // Tables for the frame that the file says it has.
 GainTables tables_for(const std::string& path) {

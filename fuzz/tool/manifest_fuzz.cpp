@@ -1,8 +1,5 @@
 // Any bytes as a manifest: every line is a module or says why it is none, and the survey, in parts of a few
 // serials, finds those that come again.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <set>
 #include <string>
@@ -10,6 +7,7 @@
 #include "failure.h"
 #include "line/manifest.h"
 #include "support/input.h"
+#include "support/memory_file.h"
 
 namespace {
 
@@ -38,15 +36,11 @@ void read_manifest(const std::string& path, const Shard& shard, size_t at_once) 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     zerklsc::fuzz::Input input(data, size);
     const uint8_t choice = input.take<uint8_t>();
-    const std::vector<uint8_t> bytes = input.rest();
-    const int file = memfd_create("manifest", 0);
-    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
-        std::abort();
+    const zerklsc::fuzz::MemoryFile file(input.rest());
     try {
-        read_manifest("/proc/self/fd/" + std::to_string(file), {1, 1U + choice % 3}, 1U + choice / 3 % 4);
+        read_manifest(file.path(), {1, 1U + choice % 3}, 1U + choice / 3 % 4);
     } catch (const Failure&) {
         // Refused in words, as it should be.
     }
-    close(file);
     return 0;
 }

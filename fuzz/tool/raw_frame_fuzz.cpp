@@ -1,14 +1,12 @@
 // Every reader of raw frames on any file: the first bytes are the hints of the command line, the rest is the
 // file.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <string>
 
 #include "failure.h"
 #include "io/raw_format.h"
 #include "support/input.h"
+#include "support/memory_file.h"
 
 namespace {
 
@@ -35,12 +33,9 @@ zerklsc::tool::RawHints hints_from(zerklsc::fuzz::Input& input) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     zerklsc::fuzz::Input input(data, size);
     const zerklsc::tool::RawHints hints = hints_from(input);
-    const std::vector<uint8_t> bytes = input.rest();
-    const int file = memfd_create("frame", 0);
-    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
-        std::abort();
+    const zerklsc::fuzz::MemoryFile file(input.rest());
     try {
-        const auto reading = zerklsc::tool::read_raw_frame("/proc/self/fd/" + std::to_string(file), hints);
+        const auto reading = zerklsc::tool::read_raw_frame(file.path(), hints);
         const auto& frame = reading.frame;
         if (frame.samples.size() != static_cast<size_t>(frame.width) * static_cast<size_t>(frame.height))
             std::abort();
@@ -48,6 +43,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const zerklsc::tool::Failure&) {
         // Refused in words, as it should be.
     }
-    close(file);
     return 0;
 }

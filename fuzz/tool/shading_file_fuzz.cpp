@@ -1,8 +1,5 @@
 // Every reader of tuning files, gain maps and table files on any file: the first byte says which, the rest
 // is the file.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdlib>
 #include <string>
@@ -12,6 +9,7 @@
 #include "io/table_json.h"
 #include "io/table_text.h"
 #include "support/input.h"
+#include "support/memory_file.h"
 
 namespace {
 
@@ -56,11 +54,8 @@ void read_as_shading(const std::string& path, uint8_t kind) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     zerklsc::fuzz::Input input(data, size);
     const uint8_t kind = input.take<uint8_t>() % 5;
-    const std::vector<uint8_t> bytes = input.rest();
-    const int file = memfd_create("shading", 0);
-    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
-        std::abort();
-    const std::string path = "/proc/self/fd/" + std::to_string(file);
+    const zerklsc::fuzz::MemoryFile file(input.rest());
+    const std::string path = file.path();
     try {
         if (kind == 3)
             read_as_text(path);
@@ -71,6 +66,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const Failure&) {
         // Refused in words, as it should be.
     }
-    close(file);
     return 0;
 }
