@@ -8,9 +8,6 @@
 
 namespace zerklsc::bench {
 
-// Those of `levels` that this processor has.
-std::vector<const char*> available_levels();
-
 // What both sections of the report say about the machine and the compiler.
 void print_machine();
 

@@ -4,8 +4,8 @@
 
 #include <fmt/core.h>
 
-#include "cpu/instruction_set.h"
 #include "report.h"
+#include "support/instruction_sets.h"
 #include "timing.h"
 
 namespace zerklsc::bench {
@@ -33,7 +33,7 @@ Times measure(const Workload& row, double budget, bool with_plain) {
         if (!from.empty())
             std::memcpy(to.data(), from.data(), from.size());
     };
-    for (size_t i = 0; i < available_levels().size(); ++i) {
+    for (size_t i = 0; i < testing::instruction_set_words().size(); ++i) {
         setenv("ZERKLSC_CPU", levels[i], 1);
         const auto medians = medians_in_turn({row.fast, copy}, budget);
         times.fast[i] = medians[0];
@@ -66,23 +66,12 @@ void print_row(const Workload& row, double budget, bool with_plain) {
         fmt::print(" {} |", times.fast[i] > 0 && with_plain
                                 ? cell(times.plain / times.fast[i], row.at_least[i], false)
                                 : "");
-    fmt::print(" {:.3g} | {:.3g} |\n", 1e3 * times.fast[available_levels().size() - 1], 1e3 * times.plain);
+    fmt::print(" {:.3g} | {:.3g} |\n", 1e3 * times.fast[testing::instruction_set_words().size() - 1],
+               1e3 * times.plain);
     std::fflush(stdout);
 }
 
 } // namespace
-
-std::vector<const char*> available_levels() {
-    std::vector<const char*> available;
-    for (size_t i = 0; i < levels.size(); ++i) {
-        constexpr InstructionSet by_word[] = {InstructionSet::base, InstructionSet::avx2,
-                                              InstructionSet::avx512};
-        setenv("ZERKLSC_CPU", levels[i], 1);
-        if (instruction_set() == by_word[i])
-            available.push_back(levels[i]);
-    }
-    return available;
-}
 
 void print_machine() {
     fmt::print("Measured on {}, one thread, {}. Goals in brackets; a figure in bold misses its goal.\n\n",
