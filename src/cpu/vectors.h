@@ -97,8 +97,8 @@ ZERKLSC_SIMD void prefetch(const uint16_t* in, uint16_t* out) {
 //   interleave_low, _high      words of a and b in turn, from the low or high half of each 16 bytes
 //   lower, higher(a, b)        minimum, maximum
 //   multiply_high(a, b)        upper halves of the products
-//   multiply_rounded(a, b)     products by 2^15, rounded half up; words below 2^15. Where
-//                              `multiplies_rounded_at_once` it is one instruction
+//   multiply_rounded(a, b)     products by 2^15, rounded half up; words below 2^15. Only where it is one
+//                              instruction, as `multiplies_rounded_at_once` says
 //   saturating_subtract(a, b)  a - b, 0 where b is more
 //   is_zero(a)                 whether no bit is set
 #if defined(__SSE2__) && (ZERKLSC_VECTOR_BYTES < 32 || defined(__AVX2__))                                    \

@@ -72,9 +72,6 @@ ZERKLSC_SIMD Words multiply_high(Words a, Words b) {
 }
 
 constexpr bool multiplies_rounded_at_once = false;
-ZERKLSC_SIMD Words multiply_rounded(Words a, Words b) {
-    return multiply_high(a + a, b) + ((a + a) * b >> 15);
-}
 
 ZERKLSC_SIMD Words saturating_subtract(Words a, Words b) {
     return a > b ? a - b : Words{};

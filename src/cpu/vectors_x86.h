@@ -44,9 +44,6 @@ constexpr bool multiplies_rounded_at_once = true;
 ZERKLSC_OPERATION(Words, multiply_rounded, Words, mulhrs_epi16)
 #else
 constexpr bool multiplies_rounded_at_once = false;
-ZERKLSC_SIMD Words multiply_rounded(Words a, Words b) {
-    return multiply_high(a + a, b) + ((a + a) * b >> 15);
-}
 #endif
 #undef ZERKLSC_OPERATION
 

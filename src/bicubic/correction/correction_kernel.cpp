@@ -170,9 +170,10 @@ Words interpolated(const PixelTaps& taps, Words first, Words second) {
 }
 
 // Low 16 bits of the rounded product, limited to 10 bits. Where the samples have 10 bits themselves, no bit
-// of the product is lost: samples * 32 and gains are signed words, whose product takes one instruction.
-template <bool ten_bits>
-Words corrected(Words samples, Words gains) {
+// of the product is lost: samples * 32 and gains are signed words, whose product takes one instruction; an
+// instruction set without it does not come here.
+template <bool ten_bits, class W>
+W corrected(W samples, W gains) {
     if constexpr (ten_bits) {
         const auto product = reinterpret_cast<SignedWords>(multiply_rounded(samples << 5, gains));
         return reinterpret_cast<Words>(lower(product, SignedWords{} + int16_t{highest_sample}));
@@ -210,7 +211,7 @@ struct Cell {
     }
 };
 
-bool have_ten_bits(const uint16_t* samples, int32_t lines) {
+[[maybe_unused]] bool have_ten_bits(const uint16_t* samples, int32_t lines) {
     Words any{};
     for (int32_t line = 0; line < lines; ++line)
         for (int32_t i = 0; i < line_pixels; i += lanes<Words>)
@@ -229,15 +230,21 @@ template <bool ten_bits>
         }
 }
 
+template <bool may_have_ten_bits>
+[[gnu::always_inline]] inline void correct_whole_lines(Cell cell, int32_t lines, const uint16_t* in,
+                                                       uint16_t* out) {
+    if constexpr (may_have_ten_bits)
+        if (have_ten_bits(in, lines))
+            return correct_lines<true>(cell, lines, in, out);
+    correct_lines<false>(cell, lines, in, out);
+}
+
 // The horizontal pass over the first `pixels` pixels of a cell; `room` are left in the row. The lines are
 // looked at before they are corrected, which may be in place.
 [[gnu::always_inline]] inline void correct_cell(Cell cell, int32_t pixels, int32_t room, const uint16_t* in,
                                                 uint16_t* out) {
     const int32_t lines = pixels / line_pixels;
-    if (multiplies_rounded_at_once && have_ten_bits(in, lines))
-        correct_lines<true>(cell, lines, in, out);
-    else
-        correct_lines<false>(cell, lines, in, out);
+    correct_whole_lines<multiplies_rounded_at_once>(cell, lines, in, out);
     cell.taps += lines * line_vectors;
     int32_t x = lines * line_pixels;
     for (; x + lanes<Words> <= pixels; x += lanes<Words>, ++cell.taps)
