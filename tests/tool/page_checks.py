@@ -1,11 +1,25 @@
 """What holds for every page that the tool writes, and what its tests look at it with."""
+import contextlib
 import re
+import sys
 import time
+
+from browser import Browser, available
+from tool import SKIPPED, in_a_folder
 
 ARROW_RIGHT, TAB = "\ue014", "\ue004"
 DARK = [{"name": "prefers-color-scheme", "value": "dark"}]
 CELLS = "return [...document.querySelectorAll('[data-path]')].map(cell => [cell.dataset.path, cell.textContent])"
 IMAGES = "return [...document.images].map(image => [image.naturalWidth, image.alt])"
+LEGEND = "return [...document.querySelectorAll('%s .chart')[%d].querySelectorAll('.u-value')].map(v => v.textContent)"
+
+
+@contextlib.contextmanager
+def tool_and_browser(options):
+    if not available():
+        sys.exit(SKIPPED)
+    with in_a_folder(options.tool) as tool, Browser() as browser:
+        yield tool, browser
 
 
 def value_at(document, path):
@@ -14,27 +28,47 @@ def value_at(document, path):
     return document
 
 
+def paths_of(document, *patterns):
+    """All dotted paths of some patterns: "|" stands between the names for a step, "*" for all that the document has there."""
+    found = []
+    for pattern in patterns:
+        first, *steps = pattern.split(".")
+        paths = first.split("|")
+        for step in steps:
+            paths = [f"{path}.{key}" for path in paths
+                     for key in (step.split("|") if step != "*" else range(len(value_at(document, path))))]
+        found += paths
+    return set(found)
+
+
 def number_of(text):
     return float(re.match(r"[+-]?[0-9.]+", text.replace("\u2212", "-")).group())
 
 
-def check_opens(browser, page, images):
-    """It asks for nothing but itself, and each of its images is there and has words."""
-    browser.resize(1280, 900)
-    browser.open(page)
-    asked = browser.requests()
-    assert len(asked) == 1 and asked[0].startswith("file:"), asked
-    found = browser.run(IMAGES)
-    assert len(found) == images and all(width > 0 and alt for width, alt in found), found
-
-
-def check_cells(browser, document, expected, check_cell):
-    """All `expected` paths stand on the page, and whatever stands there passes check_cell(document, path, text)."""
+def check_cells(browser, document, expected, shown_as):
+    """All `expected` paths stand on the page, and whatever stands there is the value of the document. `shown_as` gives the
+    factor by which the number at a path is shown, and how far rounding takes it."""
     cells = browser.run(CELLS)
     missing = expected - {path for path, _ in cells}
     assert not missing, sorted(missing)[:5]
+    words = {None: "–", True: "drifts", False: "no drift"}
     for path, text in cells:
-        check_cell(document, path, text)
+        value = value_at(document, path)
+        if isinstance(value, list):
+            assert [number_of(part) for part in re.split(" × |, ", text)] == value, (path, text, value)
+        elif value is None or isinstance(value, (bool, str)):
+            assert text == words.get(value, value), (path, text, value)
+        else:
+            factor, off = shown_as(path, value)
+            assert abs(number_of(text) - factor * value) <= off, (path, text, value)
+
+
+def check_legend(browser, section, number, wanted, off):
+    """The focus reaches a chart, where one step to the right of the middle shows the values there."""
+    browser.run(f"document.querySelectorAll('{section} .chart')[{number}].focus()")
+    browser.press(ARROW_RIGHT)
+    for text, value in zip(browser.run(LEGEND % (section, number)), wanted, strict=True):
+        assert text == "–" if value is None else abs(number_of(text) - value) < off, (text, wanted)
 
 
 def check_drawn(browser, script, is_drawn):
@@ -47,11 +81,28 @@ def check_drawn(browser, script, is_drawn):
     raise AssertionError(counts)
 
 
-def check_fits_phone(browser):
+def check_page(browser, page, images, check_content, check_charts, look=lambda name: None):
+    """It asks for nothing but itself, each of its images is there and has words, and its charts are drawn however it is shown."""
+    browser.resize(1280, 900)
+    browser.open(page)
+    asked = browser.requests()
+    assert len(asked) == 1 and asked[0].startswith("file:"), asked
+    found = browser.run(IMAGES)
+    assert len(found) == images and all(width > 0 and alt for width, alt in found), found
+    check_charts()
+    check_content()
+    browser.resize(1280, browser.run("return document.documentElement.scrollHeight"))
+    look("desktop")
+    browser.emulate(features=DARK)
+    check_charts()
+    look("dark")
+    browser.emulate(media="print", features=DARK)
+    assert browser.run("return getComputedStyle(document.body).getPropertyValue('--ink').trim()") == "#26282e"
+    check_charts()
+    browser.emulate(media="screen", features=[])
     browser.resize(360, 740)
     assert browser.run("return document.documentElement.scrollWidth") <= 360
-
-
-def check_console(browser):
+    check_charts()
+    look("phone")
     console = browser.console()
     assert console == [], console
