@@ -72,9 +72,10 @@ def mark(told):
 
 
 def text_of(test, sources):
-    """A test with what it includes of the tests' own."""
+    """A test with what it includes of the tests' own, and with that's definitions."""
     text = test.read_text()
-    included = (sources / "tests" / path for path in re.findall(r'#include "(.*?)"', text))
+    headers = [sources / "tests" / path for path in re.findall(r'#include "(.*?)"', text)]
+    included = headers + [path.with_suffix(".cpp") for path in headers]
     return text + "".join(path.read_text() for path in included if path.is_file())
 
 
