@@ -23,7 +23,7 @@ std::vector<std::string> answers() {
             all.put(digest_of(entry, seed));
         char digest[17];
         std::snprintf(digest, sizeof digest, "%016" PRIx64, all.digest());
-        lines.push_back(std::string(digest) + ' ' + entry.symbols);
+        lines.push_back(digest + (' ' + std::string(entry.symbols)));
     }
     return lines;
 }

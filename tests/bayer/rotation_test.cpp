@@ -26,11 +26,4 @@ TEST(Rotation, TurnsByHalfATurnAndLeavesItsCopyByIntent) {
     }
 }
 
-TEST(Rotation, WithoutMemoryTheFrameStaysAsItIs) {
-    uint16_t raw[2] = {0, 1};
-    const AllocationScope scope(0);
-    EXPECT_EQ(bayer_rotation(raw, 2, 1), -1);
-    EXPECT_EQ(raw[1], 1);
-}
-
 } // namespace

@@ -178,21 +178,4 @@ TEST(SurfaceFit, WhatCannotBeMeasuredIsRefused) {
     EXPECT_EQ(lsc2d_calibration_beta(nullptr, 256, 192, nullptr, INT32_MIN, INT32_MIN, &param), -1);
 }
 
-TEST(SurfaceFit, FailedAllocationsLeaveTheTables) {
-    const Geometry g = {100, 90, 25, 2};
-    Samples frame = vignette(g, 4);
-    lsc2d_calib_param param = param_of(g);
-    bool failed = true;
-    for (size_t n = 0; failed; ++n) {
-        uint16_t table[25] = {untouched};
-        uint16_t* tables[4] = {table, table, table, table};
-        AllocationScope scope(n);
-        const int32_t status = lsc2d_calibration_beta(frame.data(), g.width, g.height, tables, 5, 5, &param);
-        failed = scope.failed();
-        EXPECT_EQ(status, failed ? -1 : 0);
-        EXPECT_EQ(table[0] == untouched, failed);
-        EXPECT_TRUE(scope.leftovers().empty());
-    }
-}
-
 } // namespace

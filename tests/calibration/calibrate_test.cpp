@@ -199,42 +199,6 @@ TEST(Calibrate, MissingPointersAreNamedAndTheReportIsLeftAlone) {
     EXPECT_EQ(report.dark_row_ends, 7u);
 }
 
-TEST(Calibrate, EveryFailedAllocationIsNamedAndNothingIsEverLeft) {
-    for (int32_t algorithm = 0; algorithm <= 4; ++algorithm) {
-        const Geometry g = {algorithm, 120, 110, 24, 2};
-        const Samples raw = noise(g, 300, 1000);
-        bool failed = true;
-        for (size_t n = 0; failed; ++n) {
-            ASSERT_LT(n, 200u) << algorithm;
-            Call call(g);
-            zerklsc_report report{.clipped_samples = {}, .capped_nodes = {}, .dark_row_ends = 7};
-            const AllocationScope scope(n);
-            const zerklsc_status status = zerklsc_calibrate(raw.data(), &call.info, &report);
-            failed = scope.failed();
-            EXPECT_EQ(status, failed ? ZERKLSC_NO_MEMORY : ZERKLSC_OK) << algorithm << " request " << n;
-            EXPECT_TRUE(scope.leftovers().empty()) << algorithm << " request " << n;
-            EXPECT_EQ(call.same_as(Call(g)), failed) << algorithm << " request " << n;
-            EXPECT_EQ(report.dark_row_ends, failed ? 7u : 0u) << algorithm << " request " << n;
-        }
-    }
-}
-
-// Without memory only the surface fit cannot be answered for.
-TEST(CheckCalibration, NamesMissingMemory) {
-    for (int32_t algorithm = 0; algorithm <= 4; ++algorithm) {
-        const Call call({algorithm, 250, 220, 16, 3});
-        bool failed = true;
-        for (size_t n = 0; failed; ++n) {
-            const AllocationScope scope(n);
-            const zerklsc_status status = zerklsc_check_calibration(&call.info);
-            failed = scope.failed();
-            EXPECT_EQ(status, failed ? ZERKLSC_NO_MEMORY : ZERKLSC_OK) << algorithm << " request " << n;
-            EXPECT_TRUE(scope.leftovers().empty()) << algorithm << " request " << n;
-            EXPECT_TRUE(!failed || algorithm == ZERKLSC_ALGORITHM_BETA);
-        }
-    }
-}
-
 // Clipped samples in three planes, a black patch of plane 1 around node (2, 3), and a right edge that fades.
 Samples faulty(const Geometry& g, uint32_t clipped[4]) {
     Samples raw(static_cast<size_t>(g.width * g.height));

@@ -174,24 +174,4 @@ TEST(Wrapper, CornersKeepTheShadingPercentage) {
     }
 }
 
-TEST(Wrapper, EveryFailedAllocationIsRefused) {
-    const std::vector<uint16_t> raw = vignetted(120, 110);
-    for (int32_t algorithm = 0; algorithm <= 4; ++algorithm) {
-        size_t n = 0;
-        for (int32_t status = -1; status != 0; ++n) {
-            ASSERT_LT(n, 200u) << algorithm;
-            Call call(algorithm, 120, 110, 24, 2, 90);
-            const AllocationScope scope(n);
-            status = lsc2d_calibration_wrapper(raw.data(), &call.info);
-            const bool samples_left = !scope.failed() && (algorithm == 2 || algorithm == 4);
-            EXPECT_EQ(status, scope.failed() ? -1 : 0) << algorithm << " request " << n;
-            EXPECT_EQ(scope.leftovers().size(), samples_left ? 4u : 0u) << algorithm << " request " << n;
-            EXPECT_EQ(call.tables.all_untouched(), scope.failed()) << algorithm << " request " << n;
-            EXPECT_EQ(call.weights_untouched(), scope.failed() || algorithm != 4)
-                << algorithm << " request " << n;
-        }
-        EXPECT_GT(n, 1u) << algorithm;
-    }
-}
-
 } // namespace

@@ -27,16 +27,21 @@ TEST(HeaderCalls, WithoutMemoryWriteAndLeaveNothing) {
         bool failed = entry.heap != Heap::little;
         for (size_t n = 0; failed; ++n) {
             SCOPED_TRACE(::testing::Message() << entry.symbols << ", request " << n);
-            Workbench bench(12);
+            Workbench bench(12, {.brightest = 1100}); // of which generators that begin print lines
             const std::vector<uint8_t> before = bench.written.copy();
             const AllocationScope heap(n);
+            ::testing::internal::CaptureStdout();
             const int32_t result = entry.call(bench);
+            std::fflush(stdout);
+            const std::string printed = ::testing::internal::GetCapturedStdout();
             failed = heap.failed();
-            const bool refused = result == -1 || result == ZERKLSC_NO_MEMORY;
+            const bool refused = result == (entry.symbols.starts_with("zerklsc_") ? ZERKLSC_NO_MEMORY : -1);
             const std::vector<uint8_t> after = bench.written.copy();
             const bool kept = std::equal(before.begin(), before.end(), after.begin());
             EXPECT_TRUE(entry.heap == Heap::spared || refused == failed) << result;
             EXPECT_TRUE(kept || !refused);
+            // Method 1 may print before it needs its last memory.
+            EXPECT_TRUE(printed.empty() || !refused || entry.symbols == "lsc2d_calibration_wrapper");
             EXPECT_EQ(heap.leftovers().empty(), failed || entry.heap != Heap::left);
             ASSERT_LT(n, 200u);
         }

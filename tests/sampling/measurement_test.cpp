@@ -87,19 +87,4 @@ TEST(Measurement, RefusalsWriteAndLeaveNothing) {
     EXPECT_EQ(gain, 7.0f);
 }
 
-TEST(Measurement, EveryFailedAllocationIsRefused) {
-    const std::vector<uint16_t> plane(20 * 12, uint16_t{100});
-    size_t n = 0;
-    for (int32_t status = -1; status != 0; ++n) {
-        ASSERT_LT(n, 20u);
-        float gain = 0.0f;
-        const AllocationScope scope(n);
-        status = calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, 1, 1, 1);
-        EXPECT_EQ(status, scope.failed() ? -1 : 0);
-        EXPECT_EQ(scope.leftovers().size(), scope.failed() ? 0u : 1u);
-        EXPECT_EQ(gain, scope.failed() ? 0.0f : 1.0f);
-    }
-    EXPECT_GT(n, 1u);
-}
-
 } // namespace

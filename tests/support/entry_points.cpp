@@ -17,7 +17,7 @@ int32_t records(W& b) {
     isp_param_tag* const isp = b.written.put(isp_param_tag{});
     lsc2d_info* const info = b.written.put(lsc2d_info{});
     lsc2d_info_to_isp_param(b.info(2, b.tables), isp);
-    isp_param_to_lsc2d_info(info, b.isp(b.read, b.tables));
+    isp_param_to_lsc2d_info(info, b.isp(b.tables));
     return isp->grid + info->shading_percent;
 }
 
@@ -49,12 +49,12 @@ int32_t filtered(W& b, const imfilter_t* filter) {
 
 template <int algorithm>
 int32_t calibrated(W& b) {
-    return lsc2d_calibration_wrapper(b.raw, b.info(algorithm, b.out_tables));
+    return lsc2d_calibration_wrapper(b.raw, algorithm == 4 ? b.out_info : b.info(algorithm, b.out_tables));
 }
 
 template <int algorithm>
 int32_t reported(W& b) {
-    return zerklsc_calibrate(b.raw, b.info(algorithm, b.out_tables), b.report);
+    return zerklsc_calibrate(b.raw, algorithm == 4 ? b.out_info : b.info(algorithm, b.out_tables), b.report);
 }
 
 template <int algorithm>
@@ -255,30 +255,25 @@ constexpr EntryPoint all[] = {
      "get_cubic_coef",
      weights},
     {"bicubic_lnc_correction_vessaL2",
-     [](W& b) { return bicubic_lnc_correction_vessaL2(b.raw, b.frame, b.isp(b.written, b.tables)); }},
+     [](W& b) { return bicubic_lnc_correction_vessaL2(b.raw, b.frame, b.written.put(*b.isp(b.tables))); }},
     {"bicubic_lnc_correction_vessaL2_core",
-     [](W& b) { return bicubic_lnc_correction_vessaL2_core(b.raw, b.frame, b.isp(b.read, b.tables)); }},
+     [](W& b) { return bicubic_lnc_correction_vessaL2_core(b.raw, b.frame, b.isp(b.tables)); }},
     {"bicubic_lnc_correction_tvessa2",
-     [](W& b) { return bicubic_lnc_correction_tvessa2(b.raw, b.frame, b.isp(b.read, b.tables)); }},
+     [](W& b) { return bicubic_lnc_correction_tvessa2(b.raw, b.frame, b.isp(b.tables)); }},
     {"lsc2d_correction_wrapper",
      [](W& b) { return lsc2d_correction_wrapper(b.raw, b.frame, b.info(2, b.tables)); }, little, nothing},
     {"lsc2d_correction_wrapper",
      [](W& b) { return lsc2d_correction_wrapper(b.raw, b.frame, b.info(4, b.tables)); }, little, nothing},
     {"zerklsc_check_correction zerklsc_correct", band},
     {"bicubic_lnc_param_gen_orvel_otp",
-     [](W& b) { return bicubic_lnc_param_gen_orvel_otp(b.raw, b.isp(b.read, b.out_tables)); }, taken,
+     [](W& b) { return bicubic_lnc_param_gen_orvel_otp(b.raw, b.isp(b.out_tables)); }, taken,
      generator_memory},
-    {"bicubic_lnc_param_gen_halvane",
-     [](W& b) { return bicubic_lnc_param_gen_halvane(b.raw, b.isp(b.written, b.out_tables)); }, taken,
-     generator_memory},
+    {"bicubic_lnc_param_gen_halvane", [](W& b) { return bicubic_lnc_param_gen_halvane(b.raw, b.out_isp); },
+     taken, generator_memory},
     {"zerklsc_generate_orvel_otp",
-     [](W& b) -> int32_t { return zerklsc_generate_orvel_otp(b.raw, b.isp(b.read, b.out_tables), b.report); },
-     taken},
+     [](W& b) -> int32_t { return zerklsc_generate_orvel_otp(b.raw, b.isp(b.out_tables), b.report); }, taken},
     {"zerklsc_generate_halvane",
-     [](W& b) -> int32_t {
-         return zerklsc_generate_halvane(b.raw, b.isp(b.written, b.out_tables), b.report);
-     },
-     taken},
+     [](W& b) -> int32_t { return zerklsc_generate_halvane(b.raw, b.out_isp, b.report); }, taken},
     {"lsc2d_calibration_orvel_otp",
      [](W& b) {
          return lsc2d_calibration_orvel_otp(b.raw, b.width, b.height, b.out_tables, 0, 0, 2, b.calib);
@@ -327,7 +322,7 @@ Workbench::Workbench(uint64_t seed, const Geometry& g)
     Random random(seed);
     lsc2d_grid_samples(w, h, s, s, &gw, &gh);
     lsc2d_table_size(w, h, s, s, &tw, &th);
-    raw = read.put(noise<uint16_t>(random, width * height, 300, 1000));
+    raw = read.put(noise<uint16_t>(random, width * height, 300, g.brightest));
     frame = written.put(noise<uint16_t>(random, width * height, 300, 1000));
     for (size_t k = 0; k < 4; ++k) {
         planes[k] = read.put(noise<uint16_t>(random, w * h, 300, 1000));
@@ -360,6 +355,8 @@ Workbench::Workbench(uint64_t seed, const Geometry& g)
     calib = read.put(
         std::vector<uint32_t>{static_cast<uint32_t>(s), 0, static_cast<uint32_t>(r), 0, 0, 0, 0, 90});
     report = written.put(zerklsc_report{});
+    out_info = written.put(*info(4, out_tables));
+    out_isp = written.put(*isp(out_tables));
     read.seal();
 }
 
@@ -373,14 +370,14 @@ lsc2d_info* Workbench::info(int algorithm, uint16_t** list) {
     made.shading_percent = 90;
     made.filter_radius = r;
     made.algorithm = algorithm;
-    return (algorithm == 4 && list == out_tables ? written : read).put(made);
+    return read.put(made);
 }
 
-isp_param_tag* Workbench::isp(Arena& arena, uint16_t** list) {
+isp_param_tag* Workbench::isp(uint16_t** list) {
     isp_param_tag made{};
     lsc2d_info_to_isp_param(info(2, list), &made);
     made.bayer_pattern = 1;
-    return arena.put(made);
+    return read.put(made);
 }
 
 lsc_otp_info* Workbench::otp(uint16_t** list, uint8_t* bytes) {

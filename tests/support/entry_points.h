@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "support/arena.h"
@@ -15,6 +16,7 @@ struct Geometry {
     uint16_t width = 132, height = 104;
     int32_t step = 8, radius = 3;
     bool shares_rows = false;
+    uint16_t brightest = 1000; // sample of the frame
 };
 
 // Buffers and records for one call of any function, filled from a seed. What the call may write lies in
@@ -22,9 +24,9 @@ struct Geometry {
 struct Workbench {
     explicit Workbench(uint64_t seed, const Geometry& geometry = {});
 
-    // Records for a call, with tables to read or to write; calibration with method 4 writes to its own.
+    // Records that are only read, with tables to read or to write.
     lsc2d_info* info(int algorithm, uint16_t** list);
-    isp_param_tag* isp(Arena& arena, uint16_t** list);
+    isp_param_tag* isp(uint16_t** list);
     lsc_otp_info* otp(uint16_t** list, uint8_t* bytes);
 
     int64_t n() const { return int64_t{gw} * gh; } // nodes of a grid
@@ -47,6 +49,9 @@ struct Workbench {
     shading_t* model;
     uint32_t* calib;
     zerklsc_report* report;
+    // Records to write to, with tables to write.
+    lsc2d_info* out_info;
+    isp_param_tag* out_isp;
 };
 
 // What a function does with the heap.
@@ -58,7 +63,7 @@ enum class Heap {
 };
 
 struct EntryPoint {
-    const char* symbols;
+    std::string_view symbols;
     int32_t (*call)(Workbench& b); // what the function returned, if anything
     Heap heap = Heap::little;
     int64_t (*memory)(const Workbench& b) = nullptr; // the bytes that the manual names
