@@ -9,9 +9,8 @@
 
 namespace zerklsc::tool {
 
-// A tile is 8 plane samples wide and high; in a frame that would have less than 8 rows or columns of them, 4
-// or
-// 2. What is left over at the right and bottom edge belongs to no tile.
+// A tile is 8 plane samples wide and high; in a frame that would have less than 8 rows or columns of them,
+// 4 or 2. What is left over at the right and bottom edge belongs to no tile.
 constexpr int largest_tile_side = 8, smallest_tile_side = 2, least_tiles = 8;
 
 // The tiles of one plane, row by row.
