@@ -31,6 +31,11 @@ COMPLETIONS = [
     (["zerklsc", "batch", "lot.csv", "--streams", "f"], ["folder"]),
     (["zerklsc", "nothing", "fl"], []),
 ]
+# It offers an option again where that may stand again.
+ZSH_COMPLETIONS = [
+    (["zerklsc", "check", "--limit", "gain=3,9", "--li"], ["--limit"]),
+    (["zerklsc", "check", "--preset", "a.toml", "--pre"], []),
+]
 BASH_COMPLETIONS = [
     (["zerklsc", "measure", "--pattern", "=", "B"], ["BGGR"]),
     (["zerklsc", "measure", "--pattern", "="], ["BGGR", "GBRG", "GRBG", "RGGB"]),
@@ -119,7 +124,7 @@ def wrong_in_completion():
             if offered != expected:
                 yield f"bash: {' '.join(words)}: {offered}, not {expected}"
         pathlib.Path(folder, "setup").write_text(ZSH_SETUP)
-        for words, expected in COMPLETIONS:
+        for words, expected in COMPLETIONS + ZSH_COMPLETIONS:
             offered = zsh_offers(words, folder)
             if offered != expected:
                 yield f"zsh: {' '.join(words)}: {offered}, not {expected}"

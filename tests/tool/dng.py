@@ -44,14 +44,14 @@ class Tiff:
             return struct.pack(self.order + {5: "I", 10: "i"}[kind] * len(pairs), *pairs), len(values)
         return struct.pack(self.order + CODES[kind] * len(values), *values), len(values)
 
-    def directory(self, tags):
+    def directory(self, tags, following=0):
         """`tags` maps tag to (type, values); returns where the directory is."""
         entries = b""
         for tag, (kind, values) in sorted(tags.items()):
             data, count = self.value(kind, values)
             data = data.ljust(4, b"\0") if len(data) <= 4 else struct.pack(self.order + "I", self.add(data))
             entries += struct.pack(self.order + "HHI", tag, kind, count) + data
-        return self.add(struct.pack(self.order + "H", len(tags)) + entries + bytes(4))
+        return self.add(struct.pack(self.order + "H", len(tags)) + entries + struct.pack(self.order + "I", following))
 
     def finish(self, first):
         self.data[4:8] = struct.pack(self.order + "I", first)
@@ -111,7 +111,7 @@ def add_samples(tiff, tags, width, height, sample, tile, compressed):
 
 def make_dng(width, height, pattern, sample, opcodes=None, order="<", below=False, black=(60, 61, 62, 63), white=1000,
              tile=None, active=None, extra=None, compressed=False):
-    """`below` puts the mosaic below a directory of a preview; `extra` are further tags of the mosaic."""
+    """`below` puts the mosaic below a directory of a preview, or behind it: "next"; `extra` are further tags of the mosaic."""
     tiff = Tiff(order)
     tags = mosaic_tags(order, width, height, pattern, black, white, opcodes)
     add_samples(tiff, tags, width, height, sample, tile, compressed)
@@ -125,6 +125,7 @@ def make_dng(width, height, pattern, sample, opcodes=None, order="<", below=Fals
         return tiff.finish(tiff.directory({**tags, **camera}))
     mosaic = tiff.directory(tags)
     preview = tiff.add(bytes(range(12)))
+    below = {} if below == "next" else {330: (4, [mosaic])}
     return tiff.finish(tiff.directory({**camera, 254: (4, [1]), 256: (4, [2]), 257: (4, [2]), 258: (3, [8, 8, 8]), 259: (3, [1]),
                                        262: (3, [2]), 273: (4, [preview]), 277: (3, [3]), 278: (4, [2]), 279: (4, [12]),
-                                       330: (4, [mosaic])}))
+                                       **below}, 0 if below else mosaic))

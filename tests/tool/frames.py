@@ -58,6 +58,16 @@ def write_pgm(path, width, height, level, remarks="pattern=RGGB black=64 bits=10
         file.write(f"P5\n# zerklsc {remarks}\n{width} {height}\n{maxval}\n".encode() + samples.tobytes())
 
 
+def write_tables(path, size, step, pattern, gain, black=(60, 61, 62, 63), bits=10):
+    """`gain(plane, i, j)` is that of node (i, j), the border left out, in units of 1/1024."""
+    columns, rows = ((side // 2 - 1) // step + 4 for side in size)
+    planes = [{"plane": p, "gains": [[round(gain(p, i - 1, j - 1)) for i in range(columns)] for j in range(rows)]} for p in range(4)]
+    with open(path, "w") as file:
+        json.dump({"format": "zerklsc-tables", "version": 1, "raw_size": size, "step": step, "table_size": [columns, rows],
+                   "algorithm": 2, "filter_radius": 2, "shading_percent": 100, "bayer_pattern": pattern, "black_level": black,
+                   "bit_depth": bits, "tables": planes}, file)
+
+
 def read_tables(path):
     """A table file; the gains of plane p at row j and column i are tables["tables"][p]["gains"][j][i]."""
     return json.load(open(path))

@@ -47,8 +47,6 @@ GainTables resample(const Options& options, const GainTables& tables) {
     const int width = size[0], height = size[1];
     if (width % 2 != 0 || height % 2 != 0)
         usage_failure("--size: {} is not whole 2 x 2 Bayer cells: give even numbers", options.size);
-    if (options.crop.empty() && options.size.empty())
-        return resample_step(tables, input_name(options.tables), step);
     return resample_crop(tables, input_name(options.tables), window, width, height, step);
 }
 

@@ -1,4 +1,4 @@
-// check_grid, resample_step, resample_crop
+// check_grid, resample_crop
 #include "imaging/resampling.h"
 
 #include <algorithm>
@@ -69,6 +69,22 @@ lsc2d_table_desc desc_of(GainTables& tables, size_t plane, int width, int height
 // More nodes than samples of a large sensor's plane carry no information, and take hundreds of megabytes.
 constexpr int64_t largest_grid = int64_t{1} << 22;
 
+// The whole frame on a grid of another step.
+GainTables resample_step(const GainTables& tables, const std::string& name, int step) {
+    if (step == tables.step)
+        return tables;
+    check_grid(tables.raw_width, tables.raw_height, step, name);
+    GainTables source = tables;
+    GainTables result = resized(tables, tables.raw_width, tables.raw_height, step);
+    for (size_t plane = 0; plane < source.gains.size(); ++plane) {
+        const lsc2d_grid from = grid_of(source, source.gains[plane].data());
+        const lsc2d_grid to = grid_of(result, result.gains[plane].data());
+        check_status(lsc2d_grid_convert(&from, &to, tables.plane_width(), tables.plane_height()), result,
+                     name);
+    }
+    return result;
+}
+
 } // namespace
 
 void check_grid(int width, int height, int step, const std::string& name) {
@@ -83,21 +99,6 @@ void check_grid(int width, int height, int step, const std::string& name) {
             "{}: frames of {} x {} with step {} need a grid of {} x {} nodes, and {} nodes are the most: "
             "choose a larger step",
             name, width, height, step, columns, rows, largest_grid);
-}
-
-GainTables resample_step(const GainTables& tables, const std::string& name, int step) {
-    if (step == tables.step)
-        return tables;
-    check_grid(tables.raw_width, tables.raw_height, step, name);
-    GainTables source = tables;
-    GainTables result = resized(tables, tables.raw_width, tables.raw_height, step);
-    for (size_t plane = 0; plane < source.gains.size(); ++plane) {
-        const lsc2d_grid from = grid_of(source, source.gains[plane].data());
-        const lsc2d_grid to = grid_of(result, result.gains[plane].data());
-        check_status(lsc2d_grid_convert(&from, &to, tables.plane_width(), tables.plane_height()), result,
-                     name);
-    }
-    return result;
 }
 
 GainTables resample_crop(const GainTables& tables, const std::string& name, const CropWindow& crop, int width,

@@ -15,9 +15,6 @@ struct CropWindow {
 // A data failure when a step lays more nodes on frames than is reasonable. `name` is for messages.
 void check_grid(int width, int height, int step, const std::string& name);
 
-// The tables of the whole frame on a grid of another step.
-GainTables resample_step(const GainTables& tables, const std::string& name, int step);
-
 // The tables of a frame of width x height pixels that shows the window.
 GainTables resample_crop(const GainTables& tables, const std::string& name, const CropWindow& crop, int width,
                          int height, int step);

@@ -106,7 +106,7 @@ Header read_header(const InputFile& file, TIFF* tiff) {
     if (header.photometric == PHOTOMETRIC_MINISWHITE || header.photometric == PHOTOMETRIC_PALETTE)
         data_failure("{}: its samples are {}: expected levels that rise with the light", file.path(),
                      header.photometric == PHOTOMETRIC_PALETTE ? "entries of a palette" : "0 for white");
-    if (header.width < 1 || header.height < 1 || header.width > largest_side || header.height > largest_side)
+    if (header.width < 2 || header.height < 2 || header.width > largest_side || header.height > largest_side)
         data_failure("{}: is {} x {} samples: expected 2 to {} in each direction", file.path(), header.width,
                      header.height, largest_side);
     if (TIFFIsTiled(tiff) != 0)

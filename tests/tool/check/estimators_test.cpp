@@ -82,6 +82,8 @@ TEST(Noise, LineEndsAtTheBlackLevelAndParabolaTellsTheResponse) {
     const NoiseParabola parabola = fit_noise_parabola(bent, 64);
     EXPECT_NEAR(std::sqrt(parabola.response), 0.02, 1e-4);
     EXPECT_NEAR(parabola.gain, 0.17, 1e-3);
+    EXPECT_NEAR(response_of(bent, 64), 0.02, 1e-4);
+    EXPECT_EQ(response_of(line, 64), 0);
     EXPECT_NEAR(variance_at(line, 64 + 165), 0.17 * 165, 1e-9);
     std::vector<NoisePoint> falling;
     for (const NoisePoint& p : line)

@@ -58,6 +58,10 @@ pathlib.Path("deflated.tiff").write_bytes(
     tiff(">", grey + [(259, 3, [8])], [zlib.compress(words(">", part)) for part in twenty]))
 pathlib.Path("negative.tif").write_bytes(tiff("<", [entry if entry[0] != 262 else (262, 3, [0]) for entry in grey],
                                                [words("<", part) for part in twenty]))
+# The smallest mosaic, and one that is no mosaic.
+for name, height in (("smallest.tif", 2), ("one_row.tif", 1)):
+    sized = [(256, 4, [2]), (257, 4, [height])] + grey[2:] + [(259, 3, [1])]
+    pathlib.Path(name).write_bytes(tiff("<", sized, [words("<", [[60, 61]] * height)]))
 pathlib.Path("truncated.tif").write_bytes(tiff("<", grey + [(259, 3, [1])], [words("<", rows[:20])]))
 
 # The frame stands inside a larger one of other samples; every plane has a black level of its own.

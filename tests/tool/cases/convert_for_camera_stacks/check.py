@@ -8,6 +8,8 @@ import re
 import struct
 import sys
 
+from frames import write_tables
+
 WIDTH, HEIGHT, STEP = 72, 52, 8
 COLUMNS, ROWS = 8, 7  # of the tables, border included
 COLOURS = ("B", "Gb", "Gr", "R")  # by plane
@@ -31,12 +33,7 @@ def node(light, plane, i, j):
 
 def make():
     for light in BENDS:
-        planes = [{"plane": p, "gains": [[node(light, p, i, j) for i in range(COLUMNS)] for j in range(ROWS)]}
-                  for p in range(4)]
-        pathlib.Path(light + ".json").write_text(json.dumps(
-            {"format": "zerklsc-tables", "version": 1, "raw_size": [WIDTH, HEIGHT], "step": STEP,
-             "table_size": [COLUMNS, ROWS], "algorithm": 2, "filter_radius": 2, "shading_percent": 100,
-             "bayer_pattern": "BGGR", "black_level": [60, 61, 62, 63], "bit_depth": 10, "tables": planes}))
+        write_tables(light + ".json", (WIDTH, HEIGHT), STEP, "BGGR", lambda p, i, j: node(light, p, i + 1, j + 1))
     header = b"P5\n# zerklsc pattern=BGGR black=60,61,62,63 white=1000\n%d %d\n1023\n"
     pathlib.Path("constant.pgm").write_bytes(header % (WIDTH, HEIGHT) + b"\1\7" * (WIDTH * HEIGHT))
     pathlib.Path("small.pgm").write_bytes(header % (4, 2) + b"\1\7" * 8)

@@ -5,6 +5,7 @@ import struct
 import sys
 
 from dng import gain_map, make_dng, opcode_list
+from frames import write_tables
 
 WIDTH, HEIGHT, STEP = 72, 52, 8
 COLUMNS, ROWS = 8, 7
@@ -16,11 +17,7 @@ def gain(plane, i, j):
 
 
 def make():
-    planes = [{"plane": p, "gains": [[gain(p, i, j) for i in range(COLUMNS)] for j in range(ROWS)]} for p in range(4)]
-    pathlib.Path("tables.json").write_text(json.dumps(
-        {"format": "zerklsc-tables", "version": 1, "raw_size": [WIDTH, HEIGHT], "step": STEP,
-         "table_size": [COLUMNS, ROWS], "algorithm": 2, "filter_radius": 2, "shading_percent": 100,
-         "bayer_pattern": "GRBG", "black_level": [60, 61, 62, 63], "bit_depth": 10, "tables": planes}))
+    write_tables("tables.json", (WIDTH, HEIGHT), STEP, "GRBG", lambda p, i, j: gain(p, i + 1, j + 1))
     sample = lambda x, y: 100 + (7 * x + 13 * y) % 800
     old = opcode_list([gain_map(0, WIDTH, HEIGHT, 1, 1, [1.5], pitch=1)])
     # A tag behind the one that is added, an area within a larger frame, and what looks like another compression.

@@ -5,6 +5,8 @@ import pathlib
 import re
 import sys
 
+from frames import write_tables
+
 WIDTH, HEIGHT, STEP = 176, 104, 8
 COLUMNS, ROWS = 14, 10  # of the tables, border included
 COLOURS = ("B", "Gb", "Gr", "R")  # by plane
@@ -33,12 +35,7 @@ def place(plane, i, j):
 
 
 def make_tables(name, surface):
-    planes = [{"plane": p, "gains": [[round(1024 * surface(FORMS[COLOURS[p]], *place(p, i - 1, j - 1))) for i in range(COLUMNS)]
-                                     for j in range(ROWS)]} for p in range(4)]
-    pathlib.Path(name).write_text(json.dumps(
-        {"format": "zerklsc-tables", "version": 1, "raw_size": [WIDTH, HEIGHT], "step": STEP,
-         "table_size": [COLUMNS, ROWS], "algorithm": 2, "filter_radius": 2, "shading_percent": 100,
-         "bayer_pattern": "BGGR", "black_level": [0, 0, 0, 0], "bit_depth": 10, "tables": planes}))
+    write_tables(name, (WIDTH, HEIGHT), STEP, "BGGR", lambda p, i, j: 1024 * surface(FORMS[COLOURS[p]], *place(p, i, j)), [0] * 4)
 
 
 def make():

@@ -11,6 +11,7 @@ import re
 import sys
 
 from dng import gain_map, make_dng, opcode_list
+from frames import write_tables
 
 WIDTH, HEIGHT, STEP = 72, 52, 8
 COLUMNS, ROWS = 8, 7  # of the tables, border included
@@ -82,12 +83,7 @@ def make_dngs():
 
 
 def make_tables():
-    planes = [{"plane": p, "gains": [[round(1024 * gain(5000, COLOURS[p], *place(p, i - 1, j - 1))) for i in range(COLUMNS)]
-                                     for j in range(ROWS)]} for p in range(4)]
-    pathlib.Path("tables.json").write_text(json.dumps(
-        {"format": "zerklsc-tables", "version": 1, "raw_size": [WIDTH, HEIGHT], "step": STEP,
-         "table_size": [COLUMNS, ROWS], "algorithm": 2, "filter_radius": 2, "shading_percent": 100,
-         "bayer_pattern": "BGGR", "black_level": [60, 61, 62, 63], "bit_depth": 10, "tables": planes}))
+    write_tables("tables.json", (WIDTH, HEIGHT), STEP, "BGGR", lambda p, i, j: 1024 * gain(5000, COLOURS[p], *place(p, i, j)))
     pathlib.Path("constant.pgm").write_bytes(b"P5\n# zerklsc pattern=BGGR black=60,61,62,63 white=1000\n%d %d\n1023\n"
                                              % (WIDTH, HEIGHT) + b"\1\7" * (WIDTH * HEIGHT))
 

@@ -1,16 +1,15 @@
 """Writes a mosaic into uncompressed DNGs of every layout, and holds what the tool has read of each against it."""
-import json
 import pathlib
 import struct
 import sys
 
 from dng import make_dng
+from frames import write_tables
 
 WIDTH, HEIGHT, STEP = 202, 120, 8
-COLUMNS, ROWS = (WIDTH // 2 - 1) // STEP + 4, (HEIGHT // 2 - 1) // STEP + 4
 LAYOUTS = {"whole": {}, "strips": {"tile": 35}, "tiles": {"tile": (64, 48)}, "wide_tiles": {"tile": (208, 16)},
            "one_tile": {"tile": (208, 128)}, "big_endian": {"tile": (64, 48), "order": ">"},
-           "below": {"tile": (64, 48), "below": True}, "active": {"tile": (64, 48), "active": (4, 8, 4 + HEIGHT, 8 + WIDTH)},
+           "below": {"tile": (64, 48), "below": True}, "next": {"below": "next"}, "active": {"tile": (64, 48), "active": (4, 8, 4 + HEIGHT, 8 + WIDTH)},
            "odd": {"active": (5, 7, 5 + HEIGHT, 7 + WIDTH)}, "odd_tiles": {"tile": (64, 48), "active": (5, 8, 5 + HEIGHT, 8 + WIDTH)},
            "compressed": {"active": (4, 7, 4 + HEIGHT, 7 + WIDTH), "compressed": True},
            "compressed_tiles": {"tile": (64, 48), "active": (5, 7, 5 + HEIGHT, 7 + WIDTH), "compressed": True}}
@@ -21,11 +20,7 @@ def sample(x, y):
 
 
 if sys.argv[1] == "make":
-    planes = [{"plane": p, "gains": [[1100] * COLUMNS] * ROWS} for p in range(4)]
-    pathlib.Path("tables.json").write_text(json.dumps(
-        {"format": "zerklsc-tables", "version": 1, "raw_size": [WIDTH, HEIGHT], "step": STEP, "table_size": [COLUMNS, ROWS],
-         "algorithm": 2, "filter_radius": 2, "shading_percent": 100, "bayer_pattern": "RGGB", "black_level": [0] * 4,
-         "bit_depth": 10, "tables": planes}))
+    write_tables("tables.json", (WIDTH, HEIGHT), STEP, "RGGB", lambda *_: 1100, [0] * 4)
     for name, layout in LAYOUTS.items():
         size = (220, 130) if "active" in layout else (WIDTH, HEIGHT)
         pathlib.Path(name + ".dng").write_bytes(make_dng(*size, "RGGB", sample, **layout))
