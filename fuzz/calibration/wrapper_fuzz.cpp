@@ -10,9 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     take_geometry(input, info);
     info.filter_radius = input.number();
     info.shading_percent = input.number();
-    int32_t table_w, table_h;
-    lsc2d_table_size(info.width / 2, info.height / 2, info.grid, info.grid, &table_w, &table_h);
-    const int64_t samples = elements_of(info.width, info.height), entries = elements_of(table_w, table_h);
+    const int64_t samples = elements_of(info.width, info.height), entries = table_entries(info);
     if (samples < 0 || entries < 0)
         return 0;
     const std::vector<uint16_t> raw = input.buffer<uint16_t>(samples);

@@ -5,10 +5,20 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
+#include "zerklsc.h"
+
 namespace zerklsc::fuzz {
+
+// Of every input.
+inline void expect(bool condition) {
+    if (!condition)
+        std::abort();
+}
 
 // More elements than this are not tried: an input describes its buffers, it does not hold them whole.
 constexpr int64_t most_elements = 1 << 14;
@@ -46,7 +56,7 @@ class Input {
         return elements;
     }
 
-    std::vector<uint8_t> rest() const { return std::vector<uint8_t>(data_, data_ + left_); }
+    std::string rest() const { return std::string(reinterpret_cast<const char*>(data_), left_); }
 
   private:
     void skip(size_t bytes) {
@@ -71,6 +81,13 @@ void take_geometry(Input& input, Record& record) {
     record.grid = static_cast<uint16_t>(input.number());
     record.width = static_cast<uint16_t>(input.number());
     record.height = static_cast<uint16_t>(input.number());
+}
+
+// Of each of the record's tables, which the library sizes.
+inline int64_t table_entries(const lsc2d_info& info) {
+    int32_t table_w = 0, table_h = 0;
+    lsc2d_table_size(info.width / 2, info.height / 2, info.grid, info.grid, &table_w, &table_h);
+    return elements_of(table_w, table_h);
 }
 
 // The four tables that the record points to from now on.

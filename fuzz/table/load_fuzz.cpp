@@ -1,7 +1,4 @@
 // load_table on any file.
-#include <cstdlib>
-#include <string>
-
 #include "support/input.h"
 #include "support/memory_file.h"
 #include "zerklsc.h"

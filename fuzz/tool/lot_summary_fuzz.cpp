@@ -1,32 +1,25 @@
 // Any bytes as a lot's summary: refused in words, or merged and evaluated to finite numbers. The first byte
 // says whether they get a first line and a checksum that are right, which chance never finds.
 #include <cmath>
-#include <cstdlib>
-#include <string>
 
-#include <zlib.h>
-
-#include "failure.h"
 #include "lot/statistics.h"
 #include "lot/summary_file.h"
 #include "support/input.h"
+#include "support/reader.h"
 
 namespace {
 
+using namespace zerklsc::fuzz;
 using namespace zerklsc::tool;
 
 std::string mended(const std::string& body) {
     const std::string empty = encode_summary(LotSummary());
-    std::string bytes = empty.substr(0, empty.find('\n') + 1) + body;
-    const auto checksum = crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size());
-    for (int shift = 0; shift < 32; shift += 8)
-        bytes += static_cast<char>(checksum >> shift);
-    return bytes;
+    const std::string bytes = empty.substr(0, empty.find('\n') + 1) + body;
+    return bytes + checksum_of(bytes);
 }
 
 void expect_finite(double value) {
-    if (!std::isfinite(value))
-        std::abort();
+    expect(std::isfinite(value));
 }
 
 void evaluate(const LotSummary& summary) {
@@ -56,21 +49,13 @@ void read_summary(const std::string& bytes) {
     const std::string encoded = encode_summary(summary);
     LotSummary merged;
     merged.add(decode_summary(encoded, "fuzz"), "fuzz");
-    if (encode_summary(merged) != encoded)
-        std::abort();
+    expect(encode_summary(merged) == encoded);
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    zerklsc::fuzz::Input input(data, size);
+    Input input(data, size);
     const bool mend = (input.take<uint8_t>() & 1) != 0;
-    const std::vector<uint8_t> rest = input.rest();
-    const std::string bytes(rest.begin(), rest.end());
-    try {
-        read_summary(mend ? mended(bytes) : bytes);
-    } catch (const Failure&) {
-        // Refused in words, as it should be.
-    }
-    return 0;
+    return read_or_refused([&] { read_summary(mend ? mended(input.rest()) : input.rest()); });
 }

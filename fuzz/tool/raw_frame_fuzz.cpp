@@ -1,12 +1,9 @@
 // Every reader of raw frames on any file: the first bytes are the hints of the command line, the rest is the
 // file.
-#include <cstdlib>
-#include <string>
-
-#include "failure.h"
 #include "io/raw_format.h"
 #include "support/input.h"
 #include "support/memory_file.h"
+#include "support/reader.h"
 
 namespace {
 
@@ -31,17 +28,14 @@ zerklsc::tool::RawHints hints_from(zerklsc::fuzz::Input& input) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    zerklsc::fuzz::Input input(data, size);
+    using namespace zerklsc::fuzz;
+    Input input(data, size);
     const zerklsc::tool::RawHints hints = hints_from(input);
-    const zerklsc::fuzz::MemoryFile file(input.rest());
-    try {
+    const MemoryFile file(input.rest());
+    return read_or_refused([&] {
         const auto reading = zerklsc::tool::read_raw_frame(file.path(), hints);
         const auto& frame = reading.frame;
-        if (frame.samples.size() != static_cast<size_t>(frame.width) * static_cast<size_t>(frame.height))
-            std::abort();
+        expect(frame.samples.size() == static_cast<size_t>(frame.width) * static_cast<size_t>(frame.height));
         overridden(reading);
-    } catch (const zerklsc::tool::Failure&) {
-        // Refused in words, as it should be.
-    }
-    return 0;
+    });
 }

@@ -1,31 +1,26 @@
 // Every reader of tuning files, gain maps and table files on any file: the first byte says which, the rest
 // is the file.
 #include <cmath>
-#include <cstdlib>
-#include <string>
 
 #include "convert/shading_file.h"
-#include "failure.h"
 #include "io/table_json.h"
 #include "io/table_text.h"
 #include "support/input.h"
 #include "support/memory_file.h"
+#include "support/reader.h"
 
 namespace {
 
+using namespace zerklsc::fuzz;
 using namespace zerklsc::tool;
 
 void check_gains(const GainTables& tables) {
     for (const auto& gains : tables.gains)
-        if (gains.size() != tables.table_size())
-            std::abort();
+        expect(gains.size() == tables.table_size());
 }
 
 void read_as_text(const std::string& path) {
-    GainTables tables;
-    tables.raw_width = 64;
-    tables.raw_height = 48;
-    tables.step = 16;
+    GainTables tables = empty_tables(64, 48, 16);
     read_table_text(path, tables);
     check_gains(tables);
 }
@@ -45,26 +40,22 @@ void read_as_shading(const std::string& path, uint8_t kind) {
     for (const ShadingSet& set : shading->sets)
         for (const GainSurface& surface : set.by_colour)
             for (const double at : {-0.1, 0.0, 0.3, 1.0, 1.2})
-                if (!std::isfinite(surface(at, 1 - at)))
-                    std::abort();
+                expect(std::isfinite(surface(at, 1 - at)));
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    zerklsc::fuzz::Input input(data, size);
+    Input input(data, size);
     const uint8_t kind = input.take<uint8_t>() % 5;
-    const zerklsc::fuzz::MemoryFile file(input.rest());
+    const MemoryFile file(input.rest());
     const std::string path = file.path();
-    try {
+    return read_or_refused([&] {
         if (kind == 3)
             read_as_text(path);
         else if (kind == 4)
             check_gains(read_table_json(path));
         else
             read_as_shading(path, kind);
-    } catch (const Failure&) {
-        // Refused in words, as it should be.
-    }
-    return 0;
+    });
 }
