@@ -3,22 +3,19 @@
 
   tuning_files.py --tool build/release/tool/zerklsc FOLDER      exits with 77 where the folder lacks the files
 """
-import argparse
 import json
 import pathlib
 import re
-import subprocess
 import sys
-import tempfile
 
-SKIPPED = 77
+from tool import SKIPPED, in_a_folder, options_with_tool
+
 RKISP1, ALSC = "libcamera_rkisp1_imx258.yaml", "libcamera_rpi_pisp_imx219.json"
 
 
-def convert(tool, source, folder, *options):
-    output = folder / "tables.json"
-    subprocess.run([tool, "convert", source, "--pattern", "GBRG", "--step", "32", "--quiet", "-o", output, *options], check=True)
-    return json.loads(output.read_text())
+def convert(tool, source, *options):
+    tool.run("convert", source, "--pattern", "GBRG", "--step", "32", "-o", "tables.json", *options)
+    return json.loads(tool.read("tables.json"))
 
 
 def gain_at(tables, colour, u, v):
@@ -44,40 +41,38 @@ def expect(what, tables, values, columns, rows, first, spacing):
     assert worst < 0.01, worst
 
 
-def check_rkisp1(tool, source, folder):
+def check_rkisp1(tool, source):
     sets = re.split(r"- ct: ", source.read_text())[1:]
     assert len(sets) > 1
     for text in sets:
         kelvin = text.split()[0]
         values = {name: [int(g) / 1024 for g in re.search(rf"\b{name.lower()}: \[([^\]]*?),? *\]", text)[1].split(",")]
                   for name in ("R", "Gr", "Gb", "B")}
-        expect(f"rkisp1, {kelvin} K", convert(tool, source, folder, "--ct", kelvin), values, 17, 17, (0, 0), (1 / 16, 1 / 16))
+        expect(f"rkisp1, {kelvin} K", convert(tool, source, "--ct", kelvin), values, 17, 17, (0, 0), (1 / 16, 1 / 16))
 
 
-def check_alsc(tool, source, folder):
+def check_alsc(tool, source):
     alsc = next(a["rpi.alsc"] for a in json.loads(source.read_text())["algorithms"] if "rpi.alsc" in a)
     for red, blue in zip(alsc["calibrations_Cr"], alsc["calibrations_Cb"]):
         green = alsc["luminance_lut"]
         values = {"Gr": green, "Gb": green, "R": [a * b for a, b in zip(green, red["table"])],
                   "B": [a * b for a, b in zip(green, blue["table"])]}
-        tables = convert(tool, source, folder, "--ct", str(red["ct"]), "--size", "3280,2464")
+        tables = convert(tool, source, "--ct", str(red["ct"]), "--size", "3280,2464")
         expect(f"alsc, {red['ct']} K", tables, values, 32, 32, (1 / 64, 1 / 64), (1 / 32, 1 / 32))
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--tool", type=lambda p: pathlib.Path(p).resolve(), required=True)
-    parser.add_argument("folder", type=pathlib.Path)
+    parser = options_with_tool(__doc__)
+    parser.add_argument("folder", type=lambda path: pathlib.Path(path).resolve())
     options = parser.parse_args()
     sources = [options.folder / RKISP1, options.folder / ALSC]
     if not all(source.exists() for source in sources):
         print(f"{options.folder} does not hold {RKISP1} and {ALSC}")
-        return SKIPPED
-    with tempfile.TemporaryDirectory() as folder:
-        check_rkisp1(options.tool, sources[0], pathlib.Path(folder))
-        check_alsc(options.tool, sources[1], pathlib.Path(folder))
-    return 0
+        sys.exit(SKIPPED)
+    with in_a_folder(options.tool) as tool:
+        check_rkisp1(tool, sources[0])
+        check_alsc(tool, sources[1])
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()

@@ -7,106 +7,73 @@
   verdicts.py --tool build/release/tool/zerklsc --flat flat.pgm                    a capture that must pass; 77 where it is
                                                                                    missing
 """
-import argparse
 import json
 import pathlib
 import random
-import subprocess
 import sys
-import tempfile
+
+from tool import SKIPPED, in_a_folder, options_with_tool
+
+# The captures that get each verdict, and the check that must be among those that do not pass, or None where any will do.
+# What is no option is a fault.
+CASES = {
+    ("pass", None): ["", "rotated", "left-aligned", "--colours 30,100,100,25", "--level 25", "--response 1"],
+    ("warn", "dust"): ["--dust 40"],
+    ("warn", "defects"): ["--defects {defects}"],
+    ("warn", "dead-lines"): ["dead-lines"],
+    ("warn", "flicker"): ["flicker=5"],
+    ("warn", "flare"): ["flare-spot=5", "flare-spot=15", "flare-ring=5", "flare-ring=15"],
+    ("warn", "grain"): ["fine-texture=5"],
+    ("warn", "uneven-light"): ["uneven=20", "uneven-rows=20", "uneven-diagonal=20"],
+    ("warn", "exposure"): ["--level 5"],
+    ("warn", "black-level"): ["stated-black=160"],
+    ("warn", "green-balance"): ["gr-gb=10"],
+    ("warn", "fall-off"): ["constant", "--corners 130,125,125,120 --level 60"],
+    ("refuse", "uneven-light"): ["uneven=40", "uneven-rows=40", "uneven-diagonal=40"],
+    ("refuse", "flicker"): ["flicker=20"],
+    ("refuse", "texture"): ["coarse-texture=10", "checkerboard=80", "--corners 100,100,100,100 --fault checkerboard=90"],
+    ("refuse", "shadow"): ["card-edge=40", "shadow-band=30", "hand=50", "blob=60"],
+    ("refuse", "dead-area"): ["half-black"],
+    ("refuse", "corner"): ["masked-corner=0.8", "masked-corner=2", "masked-corner=5", "masked-corner=12", "masked-corner=30",
+                           "masked-corner=50", "dark-corner=10"],
+    ("refuse", "plane-level"): ["plane-level=2"],
+    ("refuse", "clipping"): ["--level 115", "--level 1000"],
+    ("refuse", "plateau"): ["saturation=70", "saturation=40"],
+    ("refuse", "exposure"): ["--level 2", "--level 0.5"],
+    ("refuse", None): ["swapped-bytes", "swapped-bytes=50", "wrong-width=2", "wrong-width=16", "wrong-width=128"],
+    ("refuse", "structure"): ["exchanged-sides"],
+    ("refuse", "noise"): ["random"],
+}
 
 
-def faults(*names):
-    return [word for name in names for word in ("--fault", name)]
-
-
-# The check that must be among those that do not pass, or None where any will do.
-CASES = [
-    ("pass", None, []),
-    ("pass", None, faults("rotated")),
-    ("pass", None, faults("left-aligned")),
-    ("pass", None, ["--colours", "30,100,100,25"]),
-    ("pass", None, ["--level", "25"]),
-    ("pass", None, ["--response", "1"]),
-    ("warn", "dust", ["--dust", "40"]),
-    ("warn", "defects", ["--defects", "{defects}"]),
-    ("warn", "dead-lines", faults("dead-lines")),
-    ("warn", "flicker", faults("flicker=5")),
-    ("warn", "flare", faults("flare-spot=5")),
-    ("warn", "flare", faults("flare-spot=15")),
-    ("warn", "flare", faults("flare-ring=5")),
-    ("warn", "flare", faults("flare-ring=15")),
-    ("warn", "grain", faults("fine-texture=5")),
-    ("warn", "uneven-light", faults("uneven=20")),
-    ("warn", "uneven-light", faults("uneven-rows=20")),
-    ("warn", "uneven-light", faults("uneven-diagonal=20")),
-    ("warn", "exposure", ["--level", "5"]),
-    ("warn", "black-level", faults("stated-black=160")),
-    ("warn", "green-balance", faults("gr-gb=10")),
-    ("warn", "fall-off", faults("constant")),
-    ("warn", "fall-off", ["--corners", "130,125,125,120", "--level", "60"]),
-    ("refuse", "uneven-light", faults("uneven=40")),
-    ("refuse", "uneven-light", faults("uneven-rows=40")),
-    ("refuse", "uneven-light", faults("uneven-diagonal=40")),
-    ("refuse", "flicker", faults("flicker=20")),
-    ("refuse", "texture", faults("coarse-texture=10")),
-    ("refuse", "texture", faults("checkerboard=80")),
-    ("refuse", "texture", ["--corners", "100,100,100,100"] + faults("checkerboard=90")),
-    ("refuse", "shadow", faults("card-edge=40")),
-    ("refuse", "shadow", faults("shadow-band=30")),
-    ("refuse", "shadow", faults("hand=50")),
-    ("refuse", "shadow", faults("blob=60")),
-    ("refuse", "dead-area", faults("half-black")),
-    ("refuse", "corner", faults("masked-corner=0.8")),
-    ("refuse", "corner", faults("masked-corner=2")),
-    ("refuse", "corner", faults("masked-corner=5")),
-    ("refuse", "corner", faults("masked-corner=12")),
-    ("refuse", "corner", faults("masked-corner=30")),
-    ("refuse", "corner", faults("masked-corner=50")),
-    ("refuse", "corner", faults("dark-corner=10")),
-    ("refuse", "plane-level", faults("plane-level=2")),
-    ("refuse", "clipping", ["--level", "115"]),
-    ("refuse", "plateau", faults("saturation=70")),
-    ("refuse", "plateau", faults("saturation=40")),
-    ("refuse", "clipping", ["--level", "1000"]),
-    ("refuse", "exposure", ["--level", "2"]),
-    ("refuse", "exposure", ["--level", "0.5"]),
-    ("refuse", None, faults("swapped-bytes")),
-    ("refuse", None, faults("swapped-bytes=50")),
-    ("refuse", None, faults("wrong-width=2")),
-    ("refuse", None, faults("wrong-width=16")),
-    ("refuse", None, faults("wrong-width=128")),
-    ("refuse", "structure", faults("exchanged-sides")),
-    ("refuse", "noise", faults("random")),
-]
-
-
-def run(tool, *words):
-    return subprocess.run([tool, *map(str, words)], capture_output=True, text=True, check=False)
-
-
-def judge(tool, frame, options):
-    """The verdict on a simulated capture, and the checks that did not pass."""
-    made = run(tool, "simulate", "-o", frame, *options)
-    if made.returncode != 0:
-        return f"not simulated: {made.stderr}", []
-    came = run(tool, "check", frame, "--json")
+def checked(tool, frame, *options):
+    """The verdict, and the checks that did not pass."""
+    came = tool.call("check", frame, "--json", *options)
     document = json.loads(came.stdout)
     if came.returncode != (3 if document["verdict"] == "refuse" else 0):
         return f"exit {came.returncode} with verdict {document['verdict']}", []
     return document["verdict"], [c["name"] for c in document["checks"] if c["verdict"] != "pass"]
 
 
-def try_cases(options, frame):
-    wrong = 0
-    for expected, check, words in CASES:
-        words = [word.format(defects=options.width * options.height // 500) for word in words]
-        lens = [] if "--corners" in words else ["--corners", "40,41,42,44"]
-        verdict, found = judge(options.tool, frame, ["--width", options.width, "--height", options.height,
-                                                     "--seed", options.seed, *lens, *words])
-        if verdict != expected or (check and check not in found):
-            wrong += 1
-            print(f"{' '.join(words)}: {verdict} for {', '.join(found)}; expected {expected} for {check}", flush=True)
+def judge(tool, options):
+    """The same, of a simulated capture."""
+    made = tool.call("simulate", "-o", "flat.pgm", *options)
+    return checked(tool, "flat.pgm") if made.returncode == 0 else (f"not simulated: {made.stderr}", [])
+
+
+def try_cases(options, tool):
+    wrong = tried = 0
+    for (expected, check), captures in CASES.items():
+        for capture in captures:
+            fault = capture and not capture.startswith("--")
+            words = (f"--fault {capture}" if fault else capture.format(defects=options.width * options.height // 500)).split()
+            lens = [] if "--corners" in words else ["--corners", "40,41,42,44"]
+            verdict, found = judge(tool, ["--width", options.width, "--height", options.height, "--seed", options.seed, *lens, *words])
+            tried += 1
+            if verdict != expected or (check and check not in found):
+                wrong += 1
+                print(f"{capture}: {verdict} for {', '.join(found)}; expected {expected} for {check}", flush=True)
+    print(f"{tried} cases, {wrong} wrong")
     return wrong
 
 
@@ -125,14 +92,14 @@ def random_module(number):
                "--level", f"{draw.uniform(50, 85):.0f}", "--seed", number,
                "--colours", draw.choice(["62,100,100,70", "40,100,99,80", "90,100,100,50", "35,100,100,30"])]
     tilt = draw.choice([0, 0, 3, 6])
-    return options + (faults(f"{draw.choice(['uneven', 'uneven-rows', 'uneven-diagonal'])}={tilt}") if tilt else [])
+    return options + (["--fault", f"{draw.choice(['uneven', 'uneven-rows', 'uneven-diagonal'])}={tilt}"] if tilt else [])
 
 
-def try_modules(options, frame):
+def try_modules(options, tool):
     refused = warned = 0
     for number in range(options.seed, options.seed + options.modules):
         module = random_module(number)
-        verdict, found = judge(options.tool, frame, module)
+        verdict, found = judge(tool, module)
         if verdict != "pass":
             print(f"{' '.join(map(str, module))}: {verdict} for {', '.join(found)}", flush=True)
         refused += verdict not in ("pass", "warn")
@@ -141,33 +108,24 @@ def try_modules(options, frame):
     return refused + max(0, warned - options.modules // 10)
 
 
-def try_flat(tool, path):
-    if not path.exists():
-        print(f"{path} is missing: skipped")
-        return 77
-    came = run(tool, "check", path, "--pattern", "RGGB", "--black-level", "64", "--json")
-    document = json.loads(came.stdout)
-    print(document["verdict"], *(c["name"] for c in document["checks"] if c["verdict"] != "pass"))
-    return 0 if came.returncode == 0 and document["verdict"] == "pass" else 1
+def try_flat(options, tool):
+    if not options.flat.exists():
+        sys.exit(SKIPPED)
+    verdict, found = checked(tool, options.flat.resolve(), "--pattern", "RGGB", "--black-level", "64")
+    print(verdict, *found)
+    return verdict != "pass"
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--tool", type=lambda p: pathlib.Path(p).resolve(), required=True)
+    parser = options_with_tool(__doc__)
     parser.add_argument("--width", type=int, default=1600)
     parser.add_argument("--height", type=int, default=1200)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--modules", type=int, default=0)
     parser.add_argument("--flat", type=pathlib.Path)
     options = parser.parse_args()
-    if options.flat:
-        return try_flat(options.tool, options.flat)
-    with tempfile.TemporaryDirectory() as directory:
-        frame = pathlib.Path(directory, "flat.pgm")
-        wrong = try_modules(options, frame) if options.modules else try_cases(options, frame)
-    if not options.modules:
-        print(f"{len(CASES)} cases, {wrong} wrong")
-    return 1 if wrong else 0
+    with in_a_folder(options.tool) as tool:
+        return 1 if (try_flat if options.flat else try_modules if options.modules else try_cases)(options, tool) else 0
 
 
 if __name__ == "__main__":
