@@ -5,6 +5,8 @@
 #include <cmath>
 
 #include "calibration/inversion/matrix_inv_plain.h"
+#include "calibration/orvel_plain.h"
+#include "sampling/plain.h"
 
 namespace zerklsc::plain {
 namespace {
@@ -85,24 +87,10 @@ Matrix<double> basis(const std::vector<pix_point>& points, int nx, int ny, int s
     return b;
 }
 
-// The four planes of a frame, one after the other.
-std::vector<uint16_t> planes_of(const std::vector<uint16_t>& image, int width, int height) {
-    const size_t size = static_cast<size_t>(width / 2) * static_cast<size_t>(height / 2);
-    std::vector<uint16_t> samples(4 * size);
-    uint16_t* planes[4] = {&samples[0], &samples[size], &samples[2 * size], &samples[3 * size]};
-    bayer_split_channel(image.data(), planes, width, height);
-    return samples;
-}
-
 Matrix<float> targets(const uint16_t* plane, int pw, int ph, std::vector<pix_point> points,
                       const lsc2d_calib_param& param) {
     const imfilter_t filter = {param.filter_type, param.filter_radius, param.boundary_mode, nullptr};
-    pix_point* centre = nullptr;
-    int count = 0;
-    init_center_points(pw, ph, &centre, &count);
-    img_sample(plane, centre, count, pw, ph, &filter);
-    const float peak = centre[get_pixel_maximum(centre, count)].value;
-    release_center_points(centre);
+    const float peak = brightest_level(plane, pw, ph, filter);
     img_sample(plane, points.data(), static_cast<int>(points.size()), pw, ph, &filter);
     Matrix<float> t{points.size(), 1};
     for (size_t p = 0; p < points.size(); ++p)
@@ -129,7 +117,7 @@ std::vector<std::vector<uint16_t>> calibrate_beta(const std::vector<uint16_t>& i
     const Matrix<double> design = multiply<double, double>(basis(points, nx, ny, param.grid), tying);
     const Matrix<double> design_t = transpose(design);
     Matrix<double> inverse = multiply<double, double>(design_t, design);
-    const std::vector<uint16_t> planes = planes_of(image, width, height);
+    const std::vector<uint16_t> planes = planes_of(image.data(), width, height);
     std::vector<std::vector<uint16_t>> tables;
     if (matrix_inv(inverse.v.data(), static_cast<int>(inverse.rows)) != 0)
         return tables;

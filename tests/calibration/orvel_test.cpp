@@ -46,8 +46,7 @@ TEST(Orvel, EqualsThePlainForm) {
             ASSERT_EQ(lsc2d_calibration_orvel(raw.data(), c.width, c.height, tables.list, w, h, &param), 0);
             const size_t sample_bytes = static_cast<size_t>((w - 2) * (h - 2)) * sizeof(float);
             EXPECT_EQ(scope.leftovers(), std::vector<size_t>(4, sample_bytes)) << "left by intent";
-            ASSERT_TRUE(
-                zerklsc::plain::calibrate_orvel(raw.data(), c.width, c.height, plain.list, w, h, param));
+            zerklsc::plain::calibrate_orvel(raw.data(), c.width, c.height, plain.list, w, h, param);
             for (int k = 0; k < 4; ++k)
                 ASSERT_EQ(tables.table[k].copy(), plain.table[k].copy())
                     << c.width << 'x' << c.height << ' ' << k;

@@ -1,29 +1,17 @@
 #include "zerklsc.h"
 
-#include <cstdlib>
-
 #include <gtest/gtest.h>
 
 #include "sampling/brightest_level.h"
 #include "sampling/filters.h"
 #include "sampling/plain.h"
 #include "support/guarded.h"
+#include "support/instruction_sets.h"
 #include "support/random.h"
 
 namespace {
 
 using namespace zerklsc::testing;
-
-// The level of the brightest point of a plane, point by point in the plain form.
-uint16_t plain_brightest(const uint16_t* plane, int32_t w, int32_t h, const imfilter_t& filter) {
-    pix_point* points = nullptr;
-    int32_t count = 0;
-    EXPECT_EQ(init_center_points(w, h, &points, &count), 0);
-    EXPECT_TRUE(zerklsc::plain::sample_points(plane, points, count, w, h, filter));
-    const uint16_t level = points[get_pixel_maximum(points, count)].value;
-    release_center_points(points);
-    return level;
-}
 
 // Windows that share their columns, that stand apart or that reach over the edges, on every instruction set.
 TEST(BrightestLevel, EqualsThePlainForm) {
@@ -35,15 +23,13 @@ TEST(BrightestLevel, EqualsThePlainForm) {
         const zerklsc::CentreCluster cluster = zerklsc::centre_cluster(w, h);
         for (const int32_t r : {0, 1, 3, 6, 9, 21}) {
             for (const imfilter_t& filter : {box(r, ZERKLSC_BOUNDARY_CLAMP), gaussian(r, &sigma, 1)}) {
-                const uint16_t expected = plain_brightest(plane.data(), w, h, filter);
-                for (const char* const cpu : {"base", "neon", "avx2", "avx512"}) {
-                    setenv("ZERKLSC_CPU", cpu, 1);
+                const uint16_t expected = zerklsc::plain::brightest_level(plane.data(), w, h, filter);
+                on_each_instruction_set([&](const std::string& cpu) {
                     uint16_t level[4] = {};
-                    ASSERT_TRUE(zerklsc::brightest_levels(zerklsc::single_plane(plane.data(), w, h),
+                    EXPECT_TRUE(zerklsc::brightest_levels(zerklsc::single_plane(plane.data(), w, h),
                                                           zerklsc::make_window(filter), cluster, level));
-                    ASSERT_EQ(level[0], expected) << w << 'x' << h << " radius " << r << ' ' << cpu;
-                }
-                unsetenv("ZERKLSC_CPU");
+                    EXPECT_EQ(level[0], expected) << w << 'x' << h << " radius " << r << ' ' << cpu;
+                });
             }
         }
     }
@@ -61,7 +47,7 @@ TEST(BrightestLevel, WindowsOneSampleOverAnEdgeFollowTheBoundaryRule) {
             ASSERT_TRUE(zerklsc::brightest_levels(zerklsc::single_plane(plane.data(), w, h),
                                                   zerklsc::make_window(filter), zerklsc::centre_cluster(w, h),
                                                   level));
-            EXPECT_EQ(level[0], plain_brightest(plane.data(), w, h, filter)) << w << 'x' << h;
+            EXPECT_EQ(level[0], zerklsc::plain::brightest_level(plane.data(), w, h, filter)) << w << 'x' << h;
         }
     }
 }

@@ -1,12 +1,11 @@
 #include "zerklsc.h"
 
-#include <cstdlib>
-
 #include <gtest/gtest.h>
 
 #include "sampling/filters.h"
 #include "sampling/plain.h"
 #include "support/guarded.h"
+#include "support/instruction_sets.h"
 #include "support/random.h"
 
 namespace {
@@ -19,19 +18,17 @@ struct Case {
 
 void expect_plain_samples(uint16_t* plane, const Case& c, const imfilter_t& filter) {
     std::vector<float> plain(static_cast<size_t>(c.out_w * c.out_h));
-    ASSERT_TRUE(zerklsc::plain::sample_grid(plane, plain.data(), c.width, c.height, c.step_x, c.step_y,
-                                            c.out_w, c.out_h, filter));
-    for (const char* const cpu : {"base", "neon", "avx2", "avx512"}) {
-        setenv("ZERKLSC_CPU", cpu, 1);
+    zerklsc::plain::sample_grid(plane, plain.data(), c.width, c.height, c.step_x, c.step_y, c.out_w, c.out_h,
+                                filter);
+    on_each_instruction_set([&](const std::string& cpu) {
         Guarded<float> samples(plain.size());
-        ASSERT_EQ(img_sample_grid(plane, samples.data(), c.width, c.height, c.step_x, c.step_y, c.out_w,
+        EXPECT_EQ(img_sample_grid(plane, samples.data(), c.width, c.height, c.step_x, c.step_y, c.out_w,
                                   c.out_h, &filter),
                   0);
-        ASSERT_EQ(samples.copy(), plain)
+        EXPECT_EQ(samples.copy(), plain)
             << c.width << 'x' << c.height << " radius " << filter.filter_radius << cpu;
-        ASSERT_TRUE(samples.intact());
-    }
-    unsetenv("ZERKLSC_CPU");
+        EXPECT_TRUE(samples.intact());
+    });
 }
 
 // Planes against both guard pages, with windows over all edges, on every instruction set.
@@ -77,15 +74,13 @@ TEST(GridSampling, RefusalsWriteNothing) {
 // The largest radius that is taken, and sums of full-scale samples far beyond the 32 bits of a lane.
 TEST(GridSampling, LargestRadiusKeepsAConstant) {
     const std::vector<uint16_t> plane(2000 * 1500, uint16_t{65535});
-    for (const char* const cpu : {"base", "neon", "avx2", "avx512"}) {
-        setenv("ZERKLSC_CPU", cpu, 1);
+    on_each_instruction_set([&](const std::string& cpu) {
         for (const imfilter_t& filter : {box(11584, ZERKLSC_BOUNDARY_CLAMP), box(1499)}) {
             float sample = 0;
             EXPECT_EQ(img_sample_grid(plane.data(), &sample, 2000, 1500, 2, 1, 1, 1, &filter), 0);
             EXPECT_FLOAT_EQ(sample, 65535.0f) << cpu;
         }
-    }
-    unsetenv("ZERKLSC_CPU");
+    });
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 #include "sampling/window_sums.h"
 
-#include <cstdlib>
-
 #include <gtest/gtest.h>
 
 #include "sampling/filters.h"
 #include "support/allocations.h"
 #include "support/guarded.h"
+#include "support/instruction_sets.h"
 #include "support/random.h"
 
 namespace {
@@ -63,12 +62,10 @@ TEST(WindowSums, RowByRowEqualsTapByTap) {
                          k % 3 != 0 ? centres.back().y
                                     : static_cast<int32_t>(random.between(-beyond_y, h - 1 + beyond_y))});
                 const Window window = make_window(filter);
-                for (const char* const cpu : {"base", "neon", "avx2", "avx512"}) {
-                    setenv("ZERKLSC_CPU", cpu, 1);
+                on_each_instruction_set([&](const std::string&) {
                     expect_sums_of_taps(mosaic_planes(raw.data(), 2 * w, 2 * h), window, centres);
                     expect_sums_of_taps(single_plane(raw.data() + 3 * w * h, w, h), window, centres);
-                }
-                unsetenv("ZERKLSC_CPU");
+                });
                 if (HasFatalFailure())
                     return;
             }

@@ -29,4 +29,14 @@ inline std::vector<std::string> instruction_set_words() {
     return words;
 }
 
+// Calls call(word) with the library held to each of them.
+template <class Call>
+void on_each_instruction_set(const Call& call) {
+    for (const std::string& word : instruction_set_words()) {
+        setenv("ZERKLSC_CPU", word.c_str(), 1);
+        call(word);
+    }
+    unsetenv("ZERKLSC_CPU");
+}
+
 } // namespace zerklsc::testing

@@ -9,6 +9,7 @@
 #include "calibration/inversion/matrix_inv_plain.h"
 #include "support/allocations.h"
 #include "support/guarded.h"
+#include "support/instruction_sets.h"
 #include "support/random.h"
 
 namespace {
@@ -33,8 +34,7 @@ int mismatch(const std::vector<T>& a, int n) {
     std::vector<T> expected = a;
     const int status = zerklsc::plain::matrix_inv(expected.data(), n);
     int found = -1;
-    for (const char* const level : {"base", "neon", "avx2", "avx512"}) {
-        setenv("ZERKLSC_CPU", level, 1);
+    on_each_instruction_set([&](const std::string& level) {
         Guarded<T> actual(a, level[0] == 'a' ? Against::front : Against::back);
         const int actual_status = matrix_inv(actual.data(), n);
         const auto [at, other] = std::mismatch(actual.begin(), actual.end(), expected.begin(), same<T>);
@@ -42,8 +42,7 @@ int mismatch(const std::vector<T>& a, int n) {
             found = -2;
         else if (status == 0 && at != actual.end())
             found = static_cast<int>(at - actual.begin());
-    }
-    unsetenv("ZERKLSC_CPU");
+    });
     return found;
 }
 
