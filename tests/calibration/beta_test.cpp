@@ -7,8 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "calibration/beta_plain.h"
-#include "support/allocations.h"
-#include "support/guarded.h"
+#include "calibration/call.h"
 #include "support/random.h"
 
 namespace {
@@ -41,17 +40,12 @@ struct Outcome {
     bool clean;
 };
 
-constexpr uint16_t untouched = 0xBEEF;
-
 Outcome fit(const Samples& frame, const Geometry& g, int32_t nx, int32_t ny, Against side) {
     lsc2d_calib_param param = param_of(g);
     Guarded<uint16_t> image(frame, side);
-    const Samples blank(static_cast<size_t>(nx * ny), untouched);
-    Guarded<uint16_t> t0(blank, side), t1(blank, side), t2(blank, side), t3(blank, side);
-    uint16_t* tables[4] = {t0.data(), t1.data(), t2.data(), t3.data()};
-    const int32_t status = lsc2d_calibration_beta(image.data(), g.width, g.height, tables, nx, ny, &param);
-    const bool clean = t0.intact() && t1.intact() && t2.intact() && t3.intact() && image.copy() == frame;
-    return {status, {t0.copy(), t1.copy(), t2.copy(), t3.copy()}, clean};
+    Tables set(nx, ny, side);
+    const int32_t status = lsc2d_calibration_beta(image.data(), g.width, g.height, set.list, nx, ny, &param);
+    return {status, set.copy(), set.intact() && image.copy() == frame};
 }
 
 void nodes_of(const Geometry& g, int32_t& nx, int32_t& ny) {
@@ -147,7 +141,8 @@ TEST(SurfaceFit, SingularSystemIsReportedAndWritesNoTable) {
     const Outcome singular = fit(frame, g);
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Warning: singular matrix, no solution was found!\n");
     EXPECT_EQ(singular.status, -1);
-    EXPECT_EQ(singular.tables, std::vector<Samples>(4, Samples(singular.tables[0].size(), untouched)));
+    EXPECT_EQ(singular.tables,
+              std::vector<Samples>(4, Samples(singular.tables[0].size(), Tables::untouched)));
 }
 
 TEST(SurfaceFit, WhatCannotBeMeasuredIsRefused) {
@@ -163,7 +158,7 @@ TEST(SurfaceFit, WhatCannotBeMeasuredIsRefused) {
         const Outcome outcome = fit(frame, g, 10, 8, Against::back);
         EXPECT_EQ(outcome.status, -1) << g;
         EXPECT_TRUE(outcome.clean) << g;
-        EXPECT_EQ(outcome.tables, std::vector<Samples>(4, Samples(80, untouched))) << g;
+        EXPECT_EQ(outcome.tables, std::vector<Samples>(4, Samples(80, Tables::untouched))) << g;
     }
     Geometry g = geometries[0];
     EXPECT_EQ(fit(frame, g, 3, 8, Against::back).status, -1);

@@ -3,11 +3,11 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <numeric>
 
 #include <gtest/gtest.h>
 
-#include "calibration/tables.h"
+#include "calibration/call.h"
 #include "support/allocations.h"
 #include "support/random.h"
 
@@ -16,55 +16,16 @@ namespace {
 using namespace zerklsc::testing;
 using Samples = std::vector<uint16_t>;
 
-struct Geometry {
-    int32_t algorithm;
-    int width, height, grid; // of the frame
-    int32_t radius;
-};
-
-std::ostream& operator<<(std::ostream& to, const Geometry& g) {
-    return to << "algorithm " << g.algorithm << ", " << g.width << "x" << g.height << ", grid " << g.grid
-              << ", radius " << g.radius;
+uint32_t inner_nodes_at(const Call& call, size_t plane, uint16_t gain) {
+    const Samples table = call.tables->table[plane].copy();
+    uint32_t count = 0;
+    for (int32_t j = 1; j < call.table_h - 1; ++j)
+        for (int32_t i = 1; i < call.table_w - 1; ++i)
+            count += table[static_cast<size_t>(j * call.table_w + i)] == gain;
+    return count;
 }
 
-// A record whose tables and weights start out recognisable.
-struct Call {
-    int32_t table_w = 3, table_h = 3;
-    lsc2d_info info{};
-    std::unique_ptr<Tables> tables;
-
-    explicit Call(const Geometry& g, int32_t percent = 90) {
-        if (g.grid > 0)
-            lsc2d_table_size(g.width / 2, g.height / 2, g.grid, g.grid, &table_w, &table_h);
-        tables = std::make_unique<Tables>(table_w, table_h);
-        std::memset(&info, 0x5B, sizeof info);
-        info.width = static_cast<uint16_t>(g.width);
-        info.height = static_cast<uint16_t>(g.height);
-        std::copy_n(tables->list, 4, info.lsc_table);
-        info.grid = static_cast<uint16_t>(g.grid);
-        info.shading_percent = percent;
-        info.filter_radius = g.radius;
-        info.algorithm = g.algorithm;
-    }
-
-    bool same_as(const Call& other) const {
-        for (size_t c = 0; c < 4; ++c)
-            if (tables->table[c].copy() != other.tables->table[c].copy())
-                return false;
-        return std::memcmp(&info.weight, &other.info.weight, sizeof info.weight) == 0;
-    }
-
-    uint32_t inner_nodes_at(size_t plane, uint16_t gain) const {
-        const Samples table = tables->table[plane].copy();
-        uint32_t count = 0;
-        for (int32_t j = 1; j < table_h - 1; ++j)
-            for (int32_t i = 1; i < table_w - 1; ++i)
-                count += table[static_cast<size_t>(j * table_w + i)] == gain;
-        return count;
-    }
-};
-
-Samples noise(const Geometry& g, int64_t low, int64_t high) {
+Samples noise(const Case& g, int64_t low, int64_t high) {
     Random random(static_cast<uint64_t>(g.width * 1000 + g.height));
     Samples raw(static_cast<size_t>(g.width * g.height) + 1);
     for (uint16_t& v : raw)
@@ -72,7 +33,7 @@ Samples noise(const Geometry& g, int64_t low, int64_t high) {
     return raw;
 }
 
-Geometry random_geometry(Random& random) {
+Case random_case(Random& random) {
     const auto up_to = [&random](int64_t last) { return static_cast<int>(random.between(0, last)); };
     const int large = up_to(2) == 0 ? 60 : 0;
     return {up_to(4), large + up_to(140), large + up_to(130), up_to(up_to(2) == 0 ? 255 : 40),
@@ -88,7 +49,7 @@ TEST(CheckCalibration, AcceptsExactlyWhatTheCalibrationTakesAndTheIspReads) {
     Random random(17);
     int accepted[5] = {}, other_size = 0;
     for (int round = 0; round < 4000; ++round) {
-        const Geometry g = random_geometry(random);
+        const Case g = random_case(random);
         Call plain(g), silent(g);
         if (g.algorithm == ZERKLSC_ALGORITHM_BETA && plain.table_w * plain.table_h > 250)
             continue;
@@ -118,43 +79,69 @@ TEST(CheckCalibration, AcceptsExactlyWhatTheCalibrationTakesAndTheIspReads) {
     EXPECT_GT(other_size, 80);
 }
 
+// The wrapper, which says nothing, takes the same and what only the correction refuses. A frame of one level
+// needs no correction; nothing is written or left where a frame is refused.
 TEST(CheckCalibration, EachRefusalAndAdviceHasItsReason) {
     const struct {
         std::vector<int32_t> algorithms;
         int width, height, grid;
         int32_t radius;
         zerklsc_status expected;
+        bool by_the_correction = false;
     } cases[] = {
         {{0, 1, 2, 3, 4}, 250, 220, 16, 3, ZERKLSC_OK},
-        {{-1, 5, INT32_MIN}, 250, 220, 16, 3, ZERKLSC_UNKNOWN_ALGORITHM},
+        {{-1, 5, INT32_MIN, INT32_MAX}, 250, 220, 16, 3, ZERKLSC_UNKNOWN_ALGORITHM},
         {{0, 4}, 0, 220, 16, 3, ZERKLSC_EMPTY_FRAME},
+        {{0, 1, 2, 3, 4}, 0, 0, 16, 0, ZERKLSC_EMPTY_FRAME},
+        {{0, 1, 2, 3}, 1, 240, 16, 0, ZERKLSC_OTHER_TABLE_SIZE},
         {{0, 1, 2, 3, 4}, 250, 220, 0, 3, ZERKLSC_BAD_STEP},
-        {{0, 1, 2, 3, 4}, 1200, 1100, 256, 3, ZERKLSC_BAD_STEP}, // which methods 2 and 3 would take
-        {{3}, 250, 220, 7, 6, ZERKLSC_BAD_STEP},                 // an eighth of it is 0
-        {{3}, 62, 64, 110, 2, ZERKLSC_BAD_STEP},                 // its points leave the planes
-        {{0, 1, 2, 3}, 258, 220, 64, 3, ZERKLSC_OTHER_TABLE_SIZE},
-        {{0, 1, 2, 3}, 250, 258, 64, 3, ZERKLSC_OTHER_TABLE_SIZE},
+        {{0, 1, 4}, 1200, 1100, 256, 3, ZERKLSC_BAD_STEP},
+        {{2, 3}, 1200, 1100, 256, 3, ZERKLSC_BAD_STEP, true},
+        {{0, 1, 2}, 600, 604, 255, 2, ZERKLSC_STEP_NOT_SMOOTH},
+        {{4}, 600, 604, 255, 2, ZERKLSC_OK},
+        {{3}, 250, 220, 7, 6, ZERKLSC_BAD_STEP}, // an eighth of it is 0
+        {{3}, 62, 64, 110, 2, ZERKLSC_BAD_STEP}, // its points leave the planes
+        {{0, 1, 2, 3}, 258, 220, 64, 3, ZERKLSC_OTHER_TABLE_SIZE, true},
+        {{0, 1, 2, 3}, 250, 258, 64, 3, ZERKLSC_OTHER_TABLE_SIZE, true},
         {{4}, 258, 258, 64, 3, ZERKLSC_OK},
         {{0, 1, 2, 3, 4}, 250, 220, 16, -1, ZERKLSC_BAD_RADIUS},
+        {{0, 1, 2, 3, 4}, 250, 220, 16, INT32_MAX, ZERKLSC_BAD_RADIUS},
+        {{0, 1, 2, 4}, 240, 242, 16, 120, ZERKLSC_BAD_RADIUS},
+        {{0, 1, 2, 4}, 240, 242, 16, 119, ZERKLSC_OK},
         {{0, 1, 2, 4}, 250, 220, 16, 110, ZERKLSC_BAD_RADIUS},
         {{3}, 250, 220, 16, 400, ZERKLSC_BAD_RADIUS},
         {{2, 3, 4}, 30000, 30002, 255, 11585, ZERKLSC_BAD_RADIUS},
-        {{0}, 250, 96, 16, 3, ZERKLSC_PLANE_TOO_SMALL},
-        {{2, 3, 4}, 252, 16, 4, 3, ZERKLSC_PLANE_TOO_SMALL},
+        {{0}, 250, 96, 16, 3, ZERKLSC_PLANE_TOO_SMALL},  // no room for its corner blocks
+        {{0}, 98, 240, 16, 2, ZERKLSC_OTHER_TABLE_SIZE}, // likewise, but that is seen first
+        {{1}, 98, 240, 16, 2, ZERKLSC_OTHER_TABLE_SIZE, true},
+        {{0}, 100, 240, 16, 2, ZERKLSC_NARROW_FRAME},
+        {{2, 3, 4}, 252, 16, 4, 3, ZERKLSC_PLANE_TOO_SMALL}, // no room for a centre cluster
+        {{4}, 18, 240, 4, 2, ZERKLSC_PLANE_TOO_SMALL},
+        {{1}, 18, 240, 4, 2, ZERKLSC_OTHER_TABLE_SIZE, true},
+        {{2}, 20, 21, 4, 9, ZERKLSC_NARROW_FRAME},
+        {{4}, 20, 21, 4, 9, ZERKLSC_OK},
         {{4}, 250, 1, 4, 0, ZERKLSC_PLANE_TOO_SMALL},
         {{0, 1, 2, 4}, 250, 160, 80, 3, ZERKLSC_TOO_FEW_NODES},
+        {{1, 2, 4}, 60, 240, 30, 2, ZERKLSC_TOO_FEW_NODES},
+        {{1, 2}, 62, 240, 30, 2, ZERKLSC_OTHER_TABLE_SIZE, true},
+        {{4}, 62, 240, 30, 2, ZERKLSC_OK},
         {{3}, 24, 26, 8, 8, ZERKLSC_NO_SOLUTION}, // it has a single point
         {{0, 1, 2, 3}, 250, 220, 24, 3, ZERKLSC_STEP_NOT_SMOOTH},
         {{0, 1, 2, 3}, 126, 220, 16, 3, ZERKLSC_NARROW_FRAME},
         {{4}, 126, 220, 24, 3, ZERKLSC_OK},
     };
+    const Samples raw(1200 * 1100, 500);
     for (const auto& c : cases)
         for (const int32_t algorithm : c.algorithms) {
-            const Geometry g = {algorithm, c.width, c.height, c.grid, c.radius};
-            const Call call(g);
+            const Case g = {algorithm, c.width, c.height, c.grid, c.radius};
+            Call call(g, 100);
             const AllocationScope scope;
             EXPECT_EQ(zerklsc_check_calibration(&call.info), c.expected) << g;
             EXPECT_TRUE(scope.leftovers().empty()) << g;
+            const bool taken = c.by_the_correction || !ZERKLSC_REFUSED(c.expected);
+            EXPECT_EQ(lsc2d_calibration_wrapper(raw.data(), &call.info), taken ? 0 : -1) << g;
+            EXPECT_TRUE(taken ? call.tables->all(1023, 1025) : call.same_as(Call(g))) << g;
+            EXPECT_TRUE(taken || scope.leftovers().empty()) << g;
         }
     EXPECT_EQ(zerklsc_check_calibration(nullptr), ZERKLSC_NULL_POINTER);
 }
@@ -165,7 +152,7 @@ TEST(CheckCalibration, NamesASurfaceFitInWhichRoundingShows) {
     for (const int grid : {8, 16, 32})
         for (int width = 128; width < 300; width += 2 * grid)
             for (int32_t radius = 0; radius < grid; radius += 5) {
-                const Geometry g = {ZERKLSC_ALGORITHM_BETA, width + 10, width - grid, grid, radius};
+                const Case g = {ZERKLSC_ALGORITHM_BETA, width + 10, width - grid, grid, radius};
                 Call call(g);
                 call.info.shading_percent = 100;
                 const zerklsc_status advice = zerklsc_check_calibration(&call.info);
@@ -184,23 +171,25 @@ TEST(CheckCalibration, NamesASurfaceFitInWhichRoundingShows) {
 }
 
 TEST(Calibrate, MissingPointersAreNamedAndTheReportIsLeftAlone) {
-    const Geometry g = {2, 250, 220, 16, 3};
+    const Case g = {2, 250, 220, 16, 3};
     const Samples raw = noise(g, 300, 1000);
     zerklsc_report report{.clipped_samples = {7, 7, 7, 7}, .capped_nodes = {}, .dark_row_ends = 7};
     EXPECT_EQ(zerklsc_calibrate(raw.data(), nullptr, &report), ZERKLSC_NULL_POINTER);
+    EXPECT_EQ(lsc2d_calibration_wrapper(raw.data(), nullptr), -1);
     for (size_t missing = 0; missing <= 4; ++missing) {
         Call call(g);
         if (missing < 4)
             call.info.lsc_table[missing] = nullptr;
-        EXPECT_EQ(zerklsc_calibrate(missing < 4 ? raw.data() : nullptr, &call.info, &report),
-                  ZERKLSC_NULL_POINTER);
+        const uint16_t* const given = missing < 4 ? raw.data() : nullptr;
+        EXPECT_EQ(zerklsc_calibrate(given, &call.info, &report), ZERKLSC_NULL_POINTER);
+        EXPECT_EQ(lsc2d_calibration_wrapper(given, &call.info), -1);
         EXPECT_TRUE(call.tables->all_untouched()) << missing;
     }
     EXPECT_EQ(report.dark_row_ends, 7u);
 }
 
 // Clipped samples in three planes, a black patch of plane 1 around node (2, 3), and a right edge that fades.
-Samples faulty(const Geometry& g, uint32_t clipped[4]) {
+Samples faulty(const Case& g, uint32_t clipped[4]) {
     Samples raw(static_cast<size_t>(g.width * g.height));
     for (int y = 0; y < g.height; ++y)
         for (int x = 0; x < g.width; ++x) {
@@ -220,7 +209,7 @@ Samples faulty(const Geometry& g, uint32_t clipped[4]) {
 
 TEST(Calibrate, CountsWhatItClipsAndWhatItCaps) {
     for (int32_t algorithm = 0; algorithm <= 4; ++algorithm) {
-        const Geometry g = {algorithm, 204, 180, 16, 2};
+        const Case g = {algorithm, 204, 180, 16, 2};
         uint32_t clipped[4] = {};
         const Samples raw = faulty(g, clipped);
         Call call(g, 100);
@@ -229,7 +218,7 @@ TEST(Calibrate, CountsWhatItClipsAndWhatItCaps) {
         ASSERT_FALSE(ZERKLSC_REFUSED(zerklsc_calibrate(raw.data(), &call.info, &report))) << algorithm;
         for (size_t plane = 0; plane < 4; ++plane) {
             EXPECT_EQ(report.clipped_samples[plane], algorithm <= 1 ? clipped[plane] : 0u) << algorithm;
-            EXPECT_EQ(report.capped_nodes[plane], call.inner_nodes_at(plane, ZERKLSC_HIGHEST_GAIN))
+            EXPECT_EQ(report.capped_nodes[plane], inner_nodes_at(call, plane, ZERKLSC_HIGHEST_GAIN))
                 << algorithm;
         }
         // The fit smooths the patch.
@@ -238,6 +227,13 @@ TEST(Calibrate, CountsWhatItClipsAndWhatItCaps) {
             EXPECT_LT(report.capped_nodes[3], report.capped_nodes[1]) << algorithm;
         }
         EXPECT_EQ(report.dark_row_ends > 0, algorithm == 0) << algorithm;
+        ::testing::internal::CaptureStdout();
+        EXPECT_EQ(lsc2d_calibration_wrapper(raw.data(), &call.info), 0) << algorithm;
+        std::fflush(stdout);
+        const std::string printed = ::testing::internal::GetCapturedStdout();
+        const auto lines = std::count(printed.begin(), printed.end(), '\n');
+        const uint32_t clips = std::accumulate(report.clipped_samples, report.clipped_samples + 4, 0u);
+        EXPECT_EQ(lines, clips + report.dark_row_ends) << algorithm;
     }
 }
 

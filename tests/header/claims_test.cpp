@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "header/lens.h"
@@ -102,43 +100,6 @@ TEST(HeaderClaims, CorrectionReadsNoMoreOfTheRecordThanItSays) {
     }
 }
 
-TEST(HeaderClaims, AProductAbove16BitsComesOutAsWhatIsLeft) {
-    // Gain 16383 / 1024: 4096 gives 65532, which is limited; 4097 gives 65548, 12 more than 65536.
-    std::vector<uint16_t> frame(128 * 8, 4096), out(frame.size());
-    frame[5] = 4097;
-    Shading shading(128, 8, 4, ZERKLSC_ALGORITHM_ORVEL);
-    for (std::vector<uint16_t>& table : shading.tables)
-        std::fill(table.begin(), table.end(), uint16_t{16383});
-    EXPECT_EQ(lsc2d_correction_wrapper(frame.data(), out.data(), &shading.info), 0);
-    EXPECT_EQ(out[4], 1023);
-    EXPECT_EQ(out[5], 12);
-}
-
-TEST(HeaderClaims, APlaneWithoutACentreClusterStillHasAListToRelease) {
-    pix_point* points = nullptr;
-    int32_t count = -1;
-    AllocationScope scope;
-    ASSERT_EQ(init_center_points(9, 200, &points, &count), 0);
-    EXPECT_EQ(count, 0);
-    EXPECT_NE(points, nullptr);
-    release_center_points(points);
-    EXPECT_TRUE(scope.leftovers().empty());
-}
-
-TEST(HeaderClaims, TheGeneratorsPrintALineForEverySampleAbove1023) {
-    std::vector<uint16_t> frame(128 * 96, 500);
-    // Pattern 0: Gr R / B Gb.
-    frame[0] = 1024, frame[1] = 4095, frame[128] = 1023, frame[129] = 2000;
-    Shading shading(128, 96, 16, ZERKLSC_ALGORITHM_ORVEL_OTP);
-    ::testing::internal::CaptureStdout();
-    EXPECT_EQ(lsc2d_calibration_wrapper(frame.data(), &shading.info), 0);
-    std::fflush(stdout);
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(),
-              "Warning:Gr channel data of raw image maybe wrong \n"
-              "Warning:R channel data of raw image maybe wrong \n"
-              "Warning:Gb channel data of raw image maybe wrong \n");
-}
-
 TEST(HeaderClaims, SampledMethodsTakeAnyDepthAndNoneTakesTheBlackLevelOff) {
     const std::vector<uint16_t> flat = lens_frame(512, 384, 800);
     AllocationScope leftovers_are_meant;
@@ -220,9 +181,6 @@ TEST(HeaderClaims, WhatIsSaidNotToBeReadIsNotRead) {
     for (size_t c = 0; c < 4; ++c)
         EXPECT_EQ(plain.tables[c], other.tables[c]) << c;
 }
-
-// A table that rises as steeply as the stream can say, from gain 1.0 in the middle to the highest at both
-// ends.
 
 } // namespace
 } // namespace zerklsc::testing

@@ -41,37 +41,6 @@ TEST(HeaderClaims, ACropOrADestinationWithoutExtentGivesAConstantDirection) {
     }
 }
 
-TEST(HeaderClaims, AStreamMayStandAtAnyAddress) {
-    std::vector<uint16_t> tables[4];
-    std::vector<uint8_t> memory(1 + 3 * 9);
-    lsc_otp_info info{2, 5, 5, {}, memory.data() + 1, 0};
-    for (int c = 0; c < 4; ++c) {
-        tables[c].assign(25, 1024);
-        info.lsc_table[c] = tables[c].data();
-    }
-    ASSERT_EQ(lsc_compress(&info), 0);
-    for (std::vector<uint16_t>& table : tables)
-        std::fill(table.begin(), table.end(), uint16_t{0});
-    ASSERT_EQ(lsc_decompress(&info), 0);
-    for (const std::vector<uint16_t>& table : tables)
-        EXPECT_EQ(table, std::vector<uint16_t>(25, 1024));
-}
-
-TEST(HeaderClaims, AnOddCropExchangesPlanes) {
-    // A window of 6 x 4 at (1, 0), (0, 1) and (1, 1) of a frame that holds in each pixel the number of its
-    // plane.
-    for (const int from : {1, 2, 3}) {
-        std::vector<uint16_t> crop(6 * 4), planes(6 * 4);
-        for (int i = 0; i < 24; ++i)
-            crop[static_cast<size_t>(i)] =
-                static_cast<uint16_t>((i % 6 + from % 2) % 2 + 2 * ((i / 6 + from / 2) % 2));
-        uint16_t* list[4] = {&planes[0], &planes[6], &planes[12], &planes[18]};
-        bayer_split_channel(crop.data(), list, 6, 4);
-        for (size_t i = 0; i < 24; ++i)
-            EXPECT_EQ(planes[i], i / 6 ^ static_cast<size_t>(from)) << from;
-    }
-}
-
 TEST(HeaderClaims, ATableMayBeConvertedInItsOwnMemory) {
     std::vector<uint16_t> source(7 * 6), apart(12 * 10), in_place(12 * 10);
     for (size_t i = 0; i < source.size(); ++i)

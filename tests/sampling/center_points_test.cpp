@@ -24,6 +24,7 @@ TEST(CentrePoints, SpanATenthOfThePlaneToEachSide) {
         int32_t count = -1;
         ASSERT_EQ(init_center_points(c.width, c.height, &points, &count), 0);
         ASSERT_EQ(count, 4 * c.nx * c.ny) << c.width;
+        ASSERT_NE(points, nullptr) << "a list to release, with or without points";
         for (int32_t k = 0; k < count; ++k) {
             ASSERT_EQ(points[k].x, static_cast<int16_t>(position(c.width, c.nx, c.step, k % (2 * c.nx))))
                 << c.width << " point " << k;
