@@ -58,6 +58,42 @@ class Tiff:
         return bytes(self.data)
 
 
+def read_directories(data):
+    """Tags of the first directory, and of that below it where there is one: {tag: (type, bytes)}. They stand in order, each once,
+    at even places, and end within the data."""
+    order = {b"II": "<", b"MM": ">"}[data[:2]]
+    found, pointer = [], struct.unpack_from(order + "I", data, 4)[0]
+    while pointer:
+        assert pointer % 2 == 0
+        count = struct.unpack_from(order + "H", data, pointer)[0]
+        values = {}
+        for at in range(pointer + 2, pointer + 2 + 12 * count, 12):
+            tag, kind, number = struct.unpack_from(order + "HHI", data, at)
+            assert tag > max(values, default=0), tag
+            size = number * {1: 1, 2: 1, 3: 2, 4: 4, 5: 8, 7: 1, 10: 8}[kind]
+            where = at + 8 if size <= 4 else struct.unpack_from(order + "I", data, at + 8)[0]
+            values[tag] = (kind, data[where:where + size])
+            assert len(values[tag][1]) == size
+        assert struct.unpack_from(order + "I", data, pointer + 2 + 12 * count) == (0,)
+        found.append(values)
+        pointer = struct.unpack(order + "I", values[330][1])[0] if 330 in values else 0
+    return found
+
+
+def read_gain_maps(data):
+    """Of each opcode of the mosaic's list, which has nothing else: the words of its head, and the gains row by row."""
+    kind, opcodes = read_directories(data)[-1][51009]
+    assert kind == 7
+    maps, at = [], 4
+    while at < len(opcodes):
+        head = struct.unpack_from(">4I10I4dI", opcodes, at)
+        maps.append((head, struct.unpack_from(f">{head[12] * head[13]}f", opcodes, at + 92)))
+        assert head[:3] == (9, 0x01030000, 1) and head[3] == 76 + 4 * len(maps[-1][1]), head
+        at += 16 + head[3]
+    assert struct.unpack_from(">I", opcodes) == (len(maps),)
+    return maps
+
+
 def mosaic_tags(order, width, height, pattern, black, white, opcodes):
     tags = {254: (4, [0]), 256: (4, [width]), 257: (4, [height]), 258: (3, [16]), 262: (3, [32803]),
             277: (3, [1]), 284: (3, [1]), 33421: (3, [2, 2]), 33422: (1, [{"R": 0, "G": 1, "B": 2}[c] for c in pattern]),

@@ -58,9 +58,19 @@ def write_pgm(path, width, height, level, remarks="pattern=RGGB black=64 bits=10
         file.write(f"P5\n# zerklsc {remarks}\n{width} {height}\n{maxval}\n".encode() + samples.tobytes())
 
 
+def table_size(side, step):
+    """Nodes along a plane's side, border included."""
+    return -(-(side // 2) // step) + 3
+
+
+def node_place(plane, i, j, step, size):
+    """Of node (i, j), the border left out, in fractions of the raw frame from edge to edge."""
+    return (2 * step * i + plane % 2 + 0.5) / size[0], (2 * step * j + plane // 2 + 0.5) / size[1]
+
+
 def write_tables(path, size, step, pattern, gain, black=(60, 61, 62, 63), bits=10):
     """`gain(plane, i, j)` is that of node (i, j), the border left out, in units of 1/1024."""
-    columns, rows = ((side // 2 - 1) // step + 4 for side in size)
+    columns, rows = (table_size(side, step) for side in size)
     planes = [{"plane": p, "gains": [[round(gain(p, i - 1, j - 1)) for i in range(columns)] for j in range(rows)]} for p in range(4)]
     with open(path, "w") as file:
         json.dump({"format": "zerklsc-tables", "version": 1, "raw_size": size, "step": step, "table_size": [columns, rows],
@@ -71,6 +81,16 @@ def write_tables(path, size, step, pattern, gain, black=(60, 61, 62, 63), bits=1
 def read_tables(path):
     """A table file; the gains of plane p at row j and column i are tables["tables"][p]["gains"][j][i]."""
     return json.load(open(path))
+
+
+def nodes_of(tables, border=1):
+    """Colour, place and gain of every node but those of a border so wide."""
+    for entry in tables["tables"]:
+        gains = entry["gains"]
+        for j in range(border, len(gains) - border):
+            for i in range(border, len(gains[j]) - border):
+                u, v = node_place(entry["plane"], i - 1, j - 1, tables["step"], tables["raw_size"])
+                yield entry["colour"], u, v, gains[j][i]
 
 
 def read_png(path):

@@ -11,13 +11,10 @@ import json
 import random
 import sys
 
+from frames import table_size
+
 COLOURS = ("R", "Gr", "Gb", "B")
 CHECKS = ("clipping", "exposure", "noise", "corner", "gain", "fall-off", "shadow", "dust", "defects", "green-balance")
-
-
-def table_size(side, step):
-    """Nodes along a plane's side, border included."""
-    return -(-(side // 2) // step) + 3
 
 
 class Line:

@@ -8,10 +8,10 @@ import re
 import struct
 import sys
 
-from frames import write_tables
+from dng import read_directories, read_gain_maps
+from frames import node_place, read_tables, write_pgm, write_tables
 
-WIDTH, HEIGHT, STEP = 72, 52, 8
-COLUMNS, ROWS = 8, 7  # of the tables, border included
+SIZE, STEP, LEVEL = (72, 52), 8, 263
 COLOURS = ("B", "Gb", "Gr", "R")  # by plane
 BENDS = {"warm": {"R": (0.9, 0.5, 0.3), "Gr": (0.7, 0.6, 0.1), "Gb": (0.72, 0.4, 0.2), "B": (0.4, 0.8, 0.05)},
          "dim": {"R": (0.9, 0.5, 0.3), "Gr": (0.7, 0.6, 0.1), "Gb": (0.72, 0.4, 0.2), "B": (0.4, 0.8, 0.05)},
@@ -25,18 +25,12 @@ def gain(light, colour, u, v):
     return (0.85 if light == "dim" else 1.05) + a * (u - 0.3) ** 2 + b * (v - 0.6) ** 2 + c * u
 
 
-def node(light, plane, i, j):
-    u = (2 * STEP * (i - 1) + plane % 2 + 0.5) / WIDTH
-    v = (2 * STEP * (j - 1) + plane // 2 + 0.5) / HEIGHT
-    return round(1024 * gain(light, COLOURS[plane], u, v))
-
-
 def make():
     for light in BENDS:
-        write_tables(light + ".json", (WIDTH, HEIGHT), STEP, "BGGR", lambda p, i, j: node(light, p, i + 1, j + 1))
-    header = b"P5\n# zerklsc pattern=BGGR black=60,61,62,63 white=1000\n%d %d\n1023\n"
-    pathlib.Path("constant.pgm").write_bytes(header % (WIDTH, HEIGHT) + b"\1\7" * (WIDTH * HEIGHT))
-    pathlib.Path("small.pgm").write_bytes(header % (4, 2) + b"\1\7" * 8)
+        write_tables(light + ".json", SIZE, STEP, "BGGR",
+                     lambda p, i, j: 1024 * gain(light, COLOURS[p], *node_place(p, i, j, STEP, SIZE)))
+    for name, size in (("constant", SIZE), ("small", (4, 2))):
+        write_pgm(name + ".pgm", *size, lambda x, y: LEVEL, "pattern=BGGR black=60,61,62,63 white=1000")
 
 
 def expect(what, found, expected, tolerance=ROUNDING):
@@ -90,7 +84,7 @@ def check_android(name, light):
 
 
 def check_plain():
-    nodes = [node("warm", p, i, j) for p in range(4) for j in range(ROWS) for i in range(COLUMNS)]
+    nodes = [gain for entry in read_tables("warm.json")["tables"] for row in entry["gains"] for gain in row]
     c = pathlib.Path("warm.h").read_text()
     expect("c", [int(n) for n in re.findall(r"\d+", c[c.index("= {"):])], nodes, 0)
     lines = pathlib.Path("warm.csv").read_text().splitlines()
@@ -105,28 +99,15 @@ def check_plain():
 
 def check_dng():
     data = pathlib.Path("constant.dng").read_bytes()
-    tags = {}
-    for k in range(struct.unpack_from("<H", data, 8)[0]):
-        tag, kind, count, value = struct.unpack_from("<HHII", data, 10 + 12 * k)
-        tags[tag] = (kind, count, value)
-    assert list(tags) == sorted(tags)
-    print("last tag", max(tags), "samples", data[tags[273][2]:] == b"\7\1" * (WIDTH * HEIGHT))
-    opcodes = data[tags[51009][2]:][:tags[51009][1]]
-    assert struct.unpack_from(">I", opcodes) == (4,)
-    at = 4
-    for plane, colour in enumerate(COLOURS):
-        head = struct.unpack_from(">4I10I4dI", opcodes, at)
-        assert head[:3] == (9, 0x01030000, 1)
-        assert head[4:12] == (plane // 2, plane % 2, HEIGHT, WIDTH, 0, 1, 2, 2), head
+    tags = read_directories(data)[0]
+    at = struct.unpack("<I", tags[273][1])[0]
+    print("last tag", max(tags), "samples", data[at:] == struct.pack("<H", LEVEL) * (SIZE[0] * SIZE[1]))
+    for plane, (colour, (head, values)) in enumerate(zip(COLOURS, read_gain_maps(data), strict=True)):
         rows, columns = head[12:14]
+        assert head[4:12] == (plane // 2, plane % 2, SIZE[1], SIZE[0], 0, 1, 2, 2), head
         assert head[14:] == (1 / (rows - 1), 1 / (columns - 1), 0, 0, 1), head
-        at += 16
-        values = struct.unpack_from(f">{rows * columns}f", opcodes, at + 76)
-        assert head[3] == 76 + 4 * len(values)
-        at += head[3]
         us, vs = [i / (columns - 1) for i in range(columns)], [j / (rows - 1) for j in range(rows)]
         expect(f"dng {colour}, {columns} x {rows} points", values, surface("warm", colour, us, vs))
-    assert at == len(opcodes)
 
 
 if sys.argv[1] == "make":

@@ -1,14 +1,12 @@
 """Gains of a known radial form, 1 + sum of k_i r^(2 i + 2), as tables and as a tuning file of its own making."""
-import json
 import math
 import pathlib
 import re
 import sys
 
-from frames import write_tables
+from frames import node_place, nodes_of, read_tables, write_tables
 
 WIDTH, HEIGHT, STEP = 176, 104, 8
-COLUMNS, ROWS = 14, 10  # of the tables, border included
 COLOURS = ("B", "Gb", "Gr", "R")  # by plane
 # cx, cy, k0 to k4
 FORMS = {"R": (0.47, 0.54, 0.9, 0.35, -0.2, 0.11, -0.03), "Gr": (0.53, 0.45, 0.7, 0.2, 0.1, -0.06, 0.02),
@@ -30,12 +28,9 @@ def steep(form, u, v):
     return 1 + 3.2 * (radial(form, u, v) - 1)
 
 
-def place(plane, i, j):
-    return (2 * STEP * i + plane % 2 + 0.5) / WIDTH, (2 * STEP * j + plane // 2 + 0.5) / HEIGHT
-
-
 def make_tables(name, surface):
-    write_tables(name, (WIDTH, HEIGHT), STEP, "BGGR", lambda p, i, j: 1024 * surface(FORMS[COLOURS[p]], *place(p, i, j)), [0] * 4)
+    write_tables(name, (WIDTH, HEIGHT), STEP, "BGGR",
+                 lambda p, i, j: 1024 * surface(FORMS[COLOURS[p]], *node_place(p, i, j, STEP, (WIDTH, HEIGHT))), [0] * 4)
 
 
 def make():
@@ -58,13 +53,7 @@ def make():
 
 def check_tables(name):
     """Directly evaluated, so that all nodes but the border are right to the last unit, beyond the frame too."""
-    worst = 0
-    for p, entry in enumerate(json.loads(pathlib.Path(name).read_text())["tables"]):
-        assert entry["colour"] == COLOURS[p]
-        for j in range(1, ROWS - 1):
-            for i in range(1, COLUMNS - 1):
-                expected = 1024 * radial(FORMS[COLOURS[p]], *place(p, i - 1, j - 1))
-                worst = max(worst, abs(entry["gains"][j][i] - expected))
+    worst = max(abs(gain - 1024 * radial(FORMS[colour], u, v)) for colour, u, v, gain in nodes_of(read_tables(name)))
     print(name, "as expected" if worst < 0.51 else f"off by {worst}")
 
 

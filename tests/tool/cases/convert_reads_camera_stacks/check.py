@@ -11,10 +11,9 @@ import re
 import sys
 
 from dng import gain_map, make_dng, opcode_list
-from frames import write_tables
+from frames import node_place, nodes_of, read_tables, write_pgm, write_tables
 
 WIDTH, HEIGHT, STEP = 72, 52, 8
-COLUMNS, ROWS = 8, 7  # of the tables, border included
 COLOURS = ("B", "Gb", "Gr", "R")  # by plane
 BENDS = {2856: {"R": (0.9, 0.5, 0.3), "Gr": (0.7, 0.6, 0.1), "Gb": (0.72, 0.4, 0.2), "B": (0.4, 0.8, 0.05)},
          5000: {"R": (0.2, 0.9, 0.4), "Gr": (0.5, 0.3, 0.2), "Gb": (0.6, 0.35, 0.1), "B": (0.8, 0.7, 0.2)}}
@@ -29,11 +28,6 @@ def gain(light, colour, u, v):
 
 def green(light, u, v):
     return (gain(light, "Gr", u, v) + gain(light, "Gb", u, v)) / 2
-
-
-def place(plane, i, j, step=STEP, width=WIDTH, height=HEIGHT):
-    """Of node (i, j), border left out."""
-    return (2 * step * i + plane % 2 + 0.5) / width, (2 * step * j + plane // 2 + 0.5) / height
 
 
 def grid(columns, rows, surface, first=(0, 0), spacing=None):
@@ -83,26 +77,24 @@ def make_dngs():
 
 
 def make_tables():
-    write_tables("tables.json", (WIDTH, HEIGHT), STEP, "BGGR", lambda p, i, j: 1024 * gain(5000, COLOURS[p], *place(p, i, j)))
-    pathlib.Path("constant.pgm").write_bytes(b"P5\n# zerklsc pattern=BGGR black=60,61,62,63 white=1000\n%d %d\n1023\n"
-                                             % (WIDTH, HEIGHT) + b"\1\7" * (WIDTH * HEIGHT))
+    write_tables("tables.json", (WIDTH, HEIGHT), STEP, "BGGR",
+                 lambda p, i, j: 1024 * gain(5000, COLOURS[p], *node_place(p, i, j, STEP, (WIDTH, HEIGHT))))
+    write_pgm("constant.pgm", WIDTH, HEIGHT, lambda x, y: 263, "pattern=BGGR black=60,61,62,63 white=1000")
 
 
 def compare(name, surface, near, far, fitted=False):
     """Every node of the table file `name`, in units of 1/1024: within `near` in the frame, within `far` beyond it in one
     direction, and in both within what that is again. The border counts where all are alike. `fitted` allows each
     colour a factor."""
-    tables = json.loads(pathlib.Path(name).read_text())
-    width, height = tables["raw_size"]
+    tables = read_tables(name)
+    nodes = list(nodes_of(tables, 0 if near == far else 1))
+    factors = dict.fromkeys(COLOURS, 1024)
+    if fitted:
+        factors = {colour: value / surface(colour, u, v) for colour, u, v, value in reversed(nodes) if u > 0.1 and v > 0.1}
     worst = {"inside": 0, "beyond": 0, "corner": 0}
-    for p, entry in enumerate(tables["tables"]):
-        gains, border = entry["gains"], 0 if near == far else 1
-        places = [(i, j, *place(p, i - 1, j - 1, tables["step"], width, height))
-                  for j in range(border, len(gains) - border) for i in range(border, len(gains[0]) - border)]
-        factor = gains[2][2] / surface(entry["colour"], *place(p, 1, 1, tables["step"], width, height)) if fitted else 1024
-        for i, j, u, v in places:
-            where = ("inside", "beyond", "corner")[(u > 1) + (v > 1)]
-            worst[where] = max(worst[where], abs(gains[j][i] - factor * surface(entry["colour"], u, v)))
+    for colour, u, v, value in nodes:
+        where = ("inside", "beyond", "corner")[(u > 1) + (v > 1)]
+        worst[where] = max(worst[where], abs(value - factors[colour] * surface(colour, u, v)))
     limits = {"inside": near, "beyond": far, "corner": far * FAR / NEAR ** 0.5}
     fits = all(worst[where] <= limits[where] for where in worst)
     about = {key: tables[key] for key in ("raw_size", "step", "table_size", "bayer_pattern", "black_level", "bit_depth")}
@@ -120,9 +112,9 @@ def check_there_and_back():
     relative = lambda colour, u, v: green(5000, u, v) if colour[0] == "G" else light(colour, u, v)
     compare("back_alsc.json", relative, 2 * ((2 * there + decimals) * NEAR + 0.5), 2 * (2 * there + decimals) * FAR * 1.25 + 1,
             fitted=True)
-    original = json.loads(pathlib.Path("tables.json").read_text())
+    original = read_tables("tables.json")
     for name in ("back_text.json", "back_json.json"):
-        back = json.loads(pathlib.Path(name).read_text())
+        back = read_tables(name)
         same = all(a["gains"] == b["gains"] for a, b in zip(original["tables"], back["tables"]))
         print(name, "the same" if same and all(original[k] == back[k] for k in ("raw_size", "step", "black_level", "bit_depth",
                                                                                "bayer_pattern")) else "another")
