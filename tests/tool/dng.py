@@ -158,7 +158,7 @@ def make_dng(width, height, pattern, sample, opcodes=None, order="<", below=Fals
               50708: (2, b"Some Camera\0"), 50721: (10, XYZ_TO_SRGB),
               50728: (5, [(1, 1)] * 3), 50778: (3, [21])}
     if not below:
-        return tiff.finish(tiff.directory({**tags, **camera}))
+        return tiff.finish(tiff.directory({**camera, **tags}))
     mosaic = tiff.directory(tags)
     preview = tiff.add(bytes(range(12)))
     below = {} if below == "next" else {330: (4, [mosaic])}

@@ -1,6 +1,7 @@
 """Reads and writes what the tool makes, by means of its own: frames, tables and pictures as lists of numbers."""
 import array
 import json
+import re
 import struct
 import sys
 import zlib
@@ -24,27 +25,14 @@ class Frame:
 
 def read_pgm(path):
     data = open(path, "rb").read()
-    words, remarks, at = [], {}, 0
-    while len(words) < 4:
-        while data[at:at + 1].isspace():
-            at += 1
-        if data[at:at + 1] == b"#":
-            end = data.index(b"\n", at)
-            comment = data[at + 1:end].decode().split()
-            if comment[:1] == ["zerklsc"]:
-                remarks.update(word.split("=") for word in comment[1:])
-            at = end
-        else:
-            end = at
-            while not data[end:end + 1].isspace():
-                end += 1
-            words.append(data[at:end])
-            at = end
-    assert words[0] == b"P5", words
-    samples = array.array("H", data[at + 1:])
+    head = re.match(rb"P5\n((?:#.*\n)*)(\d+) (\d+)\n(\d+)\n", data)
+    remarks = {}
+    for comment in re.findall("# zerklsc (.*)", head[1].decode()):
+        remarks.update(word.split("=") for word in comment.split())
+    samples = array.array("H", data[head.end():])
     if sys.byteorder == "little":
         samples.byteswap()
-    width, height, maxval = (int(word) for word in words[1:])
+    width, height, maxval = map(int, head.groups()[1:])
     assert len(samples) == width * height, (len(samples), width, height)
     return Frame(width, height, maxval, samples, remarks)
 

@@ -2,9 +2,11 @@
 import pathlib
 import struct
 
+from frames import read_pgm
+
 WIDTH, HEIGHT = 124, 96
-samples = struct.unpack(f">{WIDTH * HEIGHT}H", pathlib.Path("flat.pgm").read_bytes()[-2 * WIDTH * HEIGHT:])
-rows = [samples[y * WIDTH:(y + 1) * WIDTH] for y in range(HEIGHT)]
+flat = read_pgm("flat.pgm")
+rows = [flat.samples[y * WIDTH:(y + 1) * WIDTH] for y in range(HEIGHT)]
 # All four low bits differ from sample to sample.
 deep = [[min(4 * v + (x + 3 * y) % 4, 4095) for x, v in enumerate(row)] for y, row in enumerate(rows)]
 shallow = [[v // 5 + 50 for v in row] for row in rows]
