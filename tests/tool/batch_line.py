@@ -7,14 +7,12 @@
 
 --full-disk ends with 77 where no file system can be mounted, not even by a user of a name space of its own.
 """
-import argparse
 import base64
 import contextlib
 import csv
 import hashlib
 import json
 import os
-import pathlib
 import pty
 import random
 import re
@@ -26,40 +24,39 @@ import sys
 import tempfile
 import time
 
+from tool import SKIPPED, Tool, options_with_tool
+
 CAPTURES = 8
 # Small frames, and a grid that the stream holds.
 FRAME = ["--width", "64", "--height", "48"]
 
 
-class Line:
+class Line(Tool):
     """A folder with a manifest of modules that share a few captures."""
 
     def __init__(self, tool, folder, modules):
-        self.tool, self.folder = str(tool), pathlib.Path(folder)
+        super().__init__(tool, folder)
         for i in range(CAPTURES):
-            self.call("simulate", "--quiet", *FRAME, "--seed", str(i), "-o", f"c{i}.pgm")
-        self.write([[f"M{i:05}", f"c{i * i % CAPTURES}.pgm", ""] for i in range(modules)])
+            self.run("simulate", "--quiet", *FRAME, "--seed", i, "-o", f"c{i}.pgm")
+        self.modules = [f"M{i:05}" for i in range(modules)]
+        self.rows = [[serial, f"c{i * i % CAPTURES}.pgm", ""] for i, serial in enumerate(self.modules)]
+        self.write_manifest("lot.csv", self.rows)
 
-    def call(self, *words, **more):
-        return subprocess.run([self.tool, *words], cwd=self.folder, capture_output=True, text=True, check=False, **more)
-
-    def write(self, rows, name="lot.csv"):
-        self.modules = [row[0] for row in rows]
+    def write_manifest(self, name, rows):
         with open(self.folder / name, "w", newline="") as file:
-            csv.writer(file).writerows([["serial", "files", "preset"]] + rows)
+            csv.writer(file).writerows([["serial", "files", "preset"], *rows])
 
-    def popen(self, *words):
-        return subprocess.Popen([self.tool, "batch", *words], cwd=self.folder, stderr=subprocess.PIPE,
-                                stdout=subprocess.DEVNULL, text=True)
+    def popen(self, *words, stderr=subprocess.PIPE):
+        return subprocess.Popen([self.path, "batch", *words], cwd=self.folder, stderr=stderr, stdout=subprocess.DEVNULL, text=True)
 
     def batch(self, output, *words, manifest="lot.csv", **more):
         return self.call("batch", manifest, "-o", output, *words, **more)
 
-    def read(self, name):
-        return (self.folder / name).read_bytes()
-
     def results(self, name):
         return [json.loads(line) for line in self.read(name).splitlines()]
+
+    def digest(self, name):
+        return hashlib.sha256(self.read(name)).hexdigest()
 
 
 def expect(condition, *what):
@@ -74,6 +71,21 @@ def expect_call(done, code, *texts):
     expect(len(done.stderr.splitlines()) == len(texts), "more lines than expected:", done.stderr)
 
 
+def expect_files(line, results, *folders):
+    """Each result's outputs are whole, in their folders."""
+    for result in results:
+        for file, folder in zip(result["outputs"], folders, strict=True):
+            expect(line.digest(f"{folder}/{file['file']}") == file["sha256"], file)
+
+
+def expect_goes_on(line, name, whole, *words):
+    """Whole lines stand there, and the same command makes the others."""
+    part = line.read(name)
+    expect(0 < len(part) < len(whole) and part.endswith(b"\n") and whole.startswith(part), "not whole lines")
+    expect_call(line.batch(name, *words), 0)
+    expect(line.read(name) == whole, "other results when", name, "went on")
+
+
 def test_workers_and_shards(line):
     """The same bytes from any number of workers; shards hold every module once, by a hash that this computes too."""
     for jobs in ("1", "2", "5"):
@@ -81,11 +93,9 @@ def test_workers_and_shards(line):
         expect(line.read(f"jobs{jobs}") == line.read("jobs1"), "other results with", jobs, "workers")
     results = line.results("jobs1")
     expect([result["serial"] for result in results] == line.modules, "not in the order of the manifest")
+    expect_files(line, results, "t5", "s5")
     for result in results:
-        for file, folder in zip(result["outputs"], ("t5", "s5")):
-            expect(hashlib.sha256(line.read(f"{folder}/{file['file']}")).hexdigest() == file["sha256"], file)
-        captured = hashlib.sha256(line.read(result["inputs"][0]["file"])).hexdigest()
-        expect(result["inputs"][0]["sha256"] == captured, result["inputs"])
+        expect(result["inputs"][0]["sha256"] == line.digest(result["inputs"][0]["file"]), result["inputs"])
         tables = json.loads(line.read(f"t5/{result['outputs'][0]['file']}"))
         expect([result["grid"]["width"], result["grid"]["height"]] == tables["table_size"], result["grid"])
         expect([result["grid"][key] for key in ("step", "algorithm", "filter_radius", "shading_percent")]
@@ -109,12 +119,10 @@ def test_faults(line):
     expect_call(line.batch("whole"), 0)
     good = line.read("whole").splitlines(True)
     (line.folder / "dark.toml").write_text("level = 1\n[batch]\nlimit = [\"exposure=99,98\"]\nmax-flatness = 0.001\n")
-    rows = [[serial, f"c{i * i % CAPTURES}.pgm", ""] for i, serial in enumerate(line.modules)]
+    rows = list(line.rows)
     rows[2:2] = [["GONE", "gone.pgm", ""], ["M00000", "c1.pgm", ""], ["QUOTES", "a.pgm", "", "more"], ["", "c1.pgm", ""],
                  ["PRESET", "c1.pgm", "gone.toml"], ["UNEVEN", "c1.pgm", "dark.toml"]]
-    serials = line.modules
-    line.write(rows, "faults.csv")
-    line.modules = serials
+    line.write_manifest("faults.csv", rows)
     done = line.batch("faults", manifest="faults.csv")
     expect_call(done, 3, "faults.csv:4: GONE: error: gone.pgm: cannot be read: No such file",
                 "faults.csv:5: M00000: error: the serial stands in an earlier line",
@@ -129,18 +137,15 @@ def test_faults(line):
     # Taken up when it is done, it says the same.
     expect_call(line.batch("faults", manifest="faults.csv"), 3, "faults.csv:7:", "faults: 0 flat fields refused, 4 modules")
     expect(line.read("faults") == b"".join(came), "a finished batch was changed")
-    line.write([rows[0], rows[7]], "fail.csv")
-    line.modules = serials
+    line.write_manifest("fail.csv", [rows[0], rows[7]])
     expect_call(line.batch("fail", manifest="fail.csv"), 1, "UNEVEN: fail", "fail: 1 modules failed a limit")
 
 
 def test_capture_that_vanishes(line):
     """One that is there when it is hashed and gone when it is read; the pipe behind it stops the batch in between."""
-    (line.folder / "first.pgm").write_bytes(line.read("c1.pgm"))
+    line.write("first.pgm", line.read("c1.pgm"))
     os.mkfifo(line.folder / "pipe")
-    modules = line.modules
-    line.write([["FIRST", "c2.pgm", ""], ["GONE", "first.pgm;pipe", ""], ["LAST", "c3.pgm", ""]], "vanishing.csv")
-    line.modules = modules
+    line.write_manifest("vanishing.csv", [["FIRST", "c2.pgm", ""], ["GONE", "first.pgm;pipe", ""], ["LAST", "c3.pgm", ""]])
     with line.popen("vanishing.csv", "-o", "vanished", "--jobs", "2") as running:
         with open(line.folder / "pipe", "wb"):
             (line.folder / "first.pgm").unlink()
@@ -150,8 +155,7 @@ def test_capture_that_vanishes(line):
     results = line.results("vanished")
     verdicts = [result["verdict"] for result in results]
     expect([verdict == "error" for verdict in verdicts] == [False, True, False], verdicts)
-    digest = hashlib.sha256(line.read("c1.pgm")).hexdigest()
-    expect(results[1]["inputs"][0] == {"file": "first.pgm", "sha256": digest}, results[1]["inputs"])
+    expect(results[1]["inputs"][0] == {"file": "first.pgm", "sha256": line.digest("c1.pgm")}, results[1]["inputs"])
 
 
 def test_full_disk(line):
@@ -159,32 +163,26 @@ def test_full_disk(line):
     mounted = ("mkdir -p full && mount -t tmpfs -o size=96k none full || exit 77; tool=$0 kept=$1; shift; "
                '"$tool" batch lot.csv -o full/results "$@"; code=$?; cp -r full "$kept"; exit $code')
     def on_a_small_disk(kept, *words):
-        return subprocess.run(["unshare", "--map-root-user", "--mount", "sh", "-c", mounted, line.tool, kept, *words],
+        return subprocess.run(["unshare", "--map-root-user", "--mount", "sh", "-c", mounted, line.path, kept, *words],
                               cwd=line.folder, capture_output=True, text=True, check=False)
     if not shutil.which("unshare") or on_a_small_disk("trial", "--help").returncode == 77:
         print("no file system can be mounted here")
-        sys.exit(77)
+        sys.exit(SKIPPED)
     files = ("--tables", "full/t", "--streams", "full/s", "--no-gains")
     for kept, what, words in (("lines", "full/results", ()), ("files", "full/t/M00", files)):
         expect_call(line.batch("whole", *words), 0)
-        expect_call(on_a_small_disk(kept, *words), 4, f"{what}")
-        part, whole = line.read(f"{kept}/results"), line.read("whole")
-        expect(0 < len(part) < len(whole) and part.endswith(b"\n") and whole.startswith(part), "not whole lines")
+        expect_call(on_a_small_disk(kept, *words), 4, what)
         if words:
-            for result in line.results(f"{kept}/results"):
-                for file, folder in zip(result["outputs"], "ts"):
-                    hashed = hashlib.sha256(line.read(f"{kept}/{folder}/{file['file']}")).hexdigest()
-                    expect(hashed == file["sha256"], file)
+            expect_files(line, line.results(f"{kept}/results"), f"{kept}/t", f"{kept}/s")
             expect(not list(line.folder.glob(f"{kept}/*/.*")), "half-written files were left")
-        expect_call(line.batch(f"{kept}/results", *words), 0)
-        expect(line.read(f"{kept}/results") == whole, "other results after a full disk")
+        expect_goes_on(line, f"{kept}/results", line.read("whole"), *words)
         (line.folder / "whole").unlink()
 
 
 def on_terminal(line, *words, meanwhile=lambda: None):
     """What a batch writes to a terminal, and its exit code."""
     terminal, end = pty.openpty()
-    running = subprocess.Popen([line.tool, "batch", *words], cwd=line.folder, stderr=end, stdout=subprocess.DEVNULL)
+    running = line.popen(*words, stderr=end)
     os.close(end)
     meanwhile()
     shown = b""
@@ -197,11 +195,9 @@ def on_terminal(line, *words, meanwhile=lambda: None):
 
 def test_estimate(line):
     """One module in two seconds or more, which a pipe holds up: half a module a second at most, and the others to come."""
-    (line.folder / "held.pgm").write_bytes(line.read("c1.pgm"))
+    line.write("held.pgm", line.read("c1.pgm"))
     os.mkfifo(line.folder / "held")
-    modules = line.modules
-    line.write([["HELD", "held.pgm;held", ""], *([f"N{k:02}", "c2.pgm", ""] for k in range(9))], "held.csv")
-    line.modules = modules
+    line.write_manifest("held.csv", [["HELD", "held.pgm;held", ""], *([f"N{k:02}", "c2.pgm", ""] for k in range(9))])
 
     def hold_up():
         with open(line.folder / "held", "wb"):
@@ -231,7 +227,7 @@ def test_progress(line):
 
 def test_what_stops_a_batch(line):
     whole = line.read("whole")
-    (line.folder / "file").write_text("something of the user's\n")
+    line.write("file", "something of the user's\n")
     expect_call(line.batch("results", "--tables", "file"), 4, "file: cannot be made: Not a directory")
     expect_call(line.batch("file"), 3, "file: holds no results of zerklsc batch")
     expect_call(line.batch("/dev/full"), 2, "/dev/full: is no regular file")
@@ -239,15 +235,13 @@ def test_what_stops_a_batch(line):
     expect_call(line.batch("results", manifest="gone.csv"), 4, "gone.csv: cannot be read")
     expect_call(line.batch("whole", "--step", "2"), 3, "whole:1: was made with other options")
     expect_call(line.batch("whole", "--shard", "2/2"), 3, "whole:3: is of M00002, but lot.csv:5 is M00003")
-    expect((line.folder / "file").read_text() == "something of the user's\n", "a file of the user's was changed")
+    expect(line.read("file") == b"something of the user's\n", "a file of the user's was changed")
     # A full disk leaves whole lines, and the same command goes on.
     limit = len(whole) // 2
     full = line.batch("whole2", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
     expect_call(full, 4, "whole2: cannot be written: File too large")
-    part = line.read("whole2")
-    expect(0 < len(part) <= limit and part.endswith(b"\n") and whole.startswith(part), "not the whole lines that fit")
-    expect_call(line.batch("whole2"), 0)
-    expect(line.read("whole2") == whole, "other results after a full disk")
+    expect(len(line.read("whole2")) <= limit, "more than fits")
+    expect_goes_on(line, "whole2", whole)
 
 
 def test_torn_ends(line):
@@ -255,11 +249,11 @@ def test_torn_ends(line):
     whole = line.read("whole")
     lines = whole.splitlines(True)
     for torn in (whole[:-1], whole[:-300], whole[:7], lines[0] + bytes(5000), lines[0] + bytes(99) + b"\n" + lines[1]):
-        (line.folder / "torn").write_bytes(torn)
+        line.write("torn", torn)
         expect_call(line.batch("torn"), 0, "are torn, as by a kill")
         expect(line.read("torn") == whole, "other results after a torn end")
     damaged = lines[0] + b"x" + b"".join(lines[1:])
-    (line.folder / "torn").write_bytes(damaged)
+    line.write("torn", damaged)
     expect_call(line.batch("torn"), 3, "torn:2: is damaged, and more than 64 lines follow")
     expect(line.read("torn") == damaged, "a damaged file was changed")
 
@@ -287,30 +281,26 @@ def test_kills(line, kills):
     chance = random.Random(7)
     killed = 0
     for _ in range(kills):
-        running = subprocess.Popen([line.tool, "batch", "lot.csv", "-o", "killed", *outputs], cwd=line.folder,
-                                   stderr=subprocess.DEVNULL)
+        running = line.popen("lot.csv", "-o", "killed", *outputs, stderr=subprocess.DEVNULL)
         time.sleep(chance.uniform(0, 2 * duration / kills))
         running.kill()
         killed += running.wait() == -signal.SIGKILL
         # No line without its files, at any time.
-        for text in line.read("killed").splitlines(True)[-50:] if (line.folder / "killed").exists() else []:
-            if text.endswith(b"\n"):
-                for file, folder in zip(json.loads(text)["outputs"], ("kt", "ks")):
-                    expect(hashlib.sha256(line.read(f"{folder}/{file['file']}")).hexdigest() == file["sha256"], file)
+        written = line.read("killed").splitlines(True)[-50:] if (line.folder / "killed").exists() else []
+        expect_files(line, [json.loads(text) for text in written if text.endswith(b"\n")], "kt", "ks")
     done = line.batch("killed", *outputs)
     expect(done.returncode == 0, done.stderr)
     expect(line.read("killed") == line.read("undisturbed"), "other results after kills")
     expect([r["serial"] for r in line.results("killed")] == line.modules, "a module is missing, or there twice")
     for ours, theirs in (("kt", "ut"), ("ks", "us")):
-        names = sorted(name for name in os.listdir(line.folder / theirs))
+        names = sorted(os.listdir(line.folder / theirs))
         expect(sorted(n for n in os.listdir(line.folder / ours) if not n.startswith(".")) == names, "other files")
         expect(all(line.read(f"{ours}/{n}") == line.read(f"{theirs}/{n}") for n in names), "other bytes in", ours)
     print(f"{killed} of {kills} runs killed over {len(line.modules)} modules ({duration:.1f} s undisturbed)")
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--tool", type=lambda p: pathlib.Path(p).resolve(), required=True)
+    parser = options_with_tool(__doc__)
     parser.add_argument("--modules", type=int)
     parser.add_argument("--full-disk", action="store_true")
     parser.add_argument("--kills", type=int, default=10)

@@ -8,7 +8,6 @@ the last that the process does; a killer comes at random moments; an input is wr
 takes numbers gets what is none. Whatever happens, each output is the old one or the new one as a whole, the exit code is
 right, one line says why, no temporary file stays, and the same command does its work afterwards.
 """
-import argparse
 import errno
 import json
 import os
@@ -18,8 +17,9 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
+
+from tool import in_a_folder, options_with_tool
 
 # The commands, and their outputs; a letter is a file in the folder of outputs.
 WRITERS = {
@@ -179,47 +179,41 @@ def numeric_options(tree, path=()):
         yield from numeric_options(command, (*path, command["name"]))
 
 
-def try_hostile_numbers(options, folder):
+def try_hostile_numbers(tool):
     words = {**READERS, **{name: words for name, (words, _) in WRITERS.items()}}
-    tree = subprocess.run([options.tool, "--option-tree"], capture_output=True, text=True, check=True).stdout
-    for command, option, kind in numeric_options(json.loads(tree)):
+    for command, option, kind in numeric_options(json.loads(tool.run("--option-tree").stdout)):
         for number in HOSTILE:
             value = PREFIXES.get(kind, "") + ("/" if "/" in kind else ",").join([number] * (kind.count(",") + kind.count("/") + 1))
-            done = subprocess.run([options.tool, *words[command].split(), option, value], cwd=folder, stdin=subprocess.DEVNULL,
-                                  capture_output=True, text=True, check=False, timeout=300)
+            done = tool.call(*words[command].split(), option, value, stdin=subprocess.DEVNULL, timeout=300)
             if done.returncode != 2 or len(done.stderr.splitlines()) != 1 or option.lstrip("-") not in done.stderr:
                 faults.append(f"{command} {option} '{value}' ends with {done.returncode}: {done.stderr}")
                 print(faults[-1], flush=True)
 
 
-def make_inputs(options, folder):
-    def call(*words):
-        subprocess.run([options.tool, *words, "--quiet"], cwd=folder, check=True)
-    call("simulate", "--width", "128", "--height", "96", "-o", "flat.pgm")
-    call("calibrate", "flat.pgm", "--step", "16", "--radius", "4", "-o", "tables.json")
-    call("convert", "tables.json", "--raw", "flat.pgm", "-o", "camera.dng")
-    call("otp", "encode", "tables.json", "--container", "--force", "-o", "module.otp")
-    (folder / "lot.csv").write_text("serial,files\n" + "".join(f"M{i},flat.pgm\n" for i in range(3)))
-    call("batch", "lot.csv", "-o", "results.jsonl")
+def make_inputs(tool):
+    tool.run("simulate", "--width", "128", "--height", "96", "-o", "flat.pgm")
+    tool.run("calibrate", "flat.pgm", "--step", "16", "--radius", "4", "-o", "tables.json")
+    tool.run("convert", "tables.json", "--raw", "flat.pgm", "-o", "camera.dng")
+    tool.run("otp", "encode", "tables.json", "--container", "--force", "-o", "module.otp")
+    tool.write("lot.csv", "serial,files\n" + "".join(f"M{i},flat.pgm\n" for i in range(3)))
+    tool.run("batch", "lot.csv", "-o", "results.jsonl")
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--tool", type=lambda p: pathlib.Path(p).resolve(), required=True)
+    parser = options_with_tool(__doc__)
     parser.add_argument("--shim", type=lambda p: pathlib.Path(p).resolve(), required=True)
     parser.add_argument("--kills", type=int, default=10)
     parser.add_argument("--commands", nargs="*", default=[*WRITERS, "numbers"])
     options = parser.parse_args()
     random.seed(options.kills)
-    with tempfile.TemporaryDirectory() as top:
-        folder = pathlib.Path(top)
-        make_inputs(options, folder)
+    with in_a_folder(options.tool) as tool:
+        make_inputs(tool)
         for name in options.commands:
             if name == "numbers":
-                (folder / "out").mkdir(exist_ok=True)
-                try_hostile_numbers(options, folder)
+                (tool.folder / "out").mkdir(exist_ok=True)
+                try_hostile_numbers(tool)
                 continue
-            case = Case(options, folder, name)
+            case = Case(options, tool.folder, name)
             case.try_failures()
             case.try_halves()
             case.try_kills()
