@@ -93,12 +93,10 @@ std::vector<TiffDirectory> TiffFile::directories() {
     std::vector<TiffDirectory> found;
     std::vector<uint64_t> pointers{header_pointer};
     for (size_t i = 0; i < pointers.size() && i < most_directories; ++i) {
-        found.push_back(directory(pointers[i]));
-        const TiffDirectory& last = found.back();
-        if (last.entries.empty()) {
-            found.pop_back();
+        const TiffDirectory last = directory(pointers[i]);
+        if (last.entries.empty())
             continue;
-        }
+        found.push_back(last);
         const uint64_t next = last.entries.back().at + 12;
         if (next + 4 <= file_.size().value_or(0))
             pointers.push_back(next);
