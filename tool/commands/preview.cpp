@@ -1,6 +1,7 @@
 // zerklsc preview: a picture of what the lens does to a frame, and of what a correction leaves
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -47,14 +48,14 @@ struct Sheet {
 };
 
 // The frame in its corrected form, as the tables or another program make it, or nothing.
-std::optional<RawFrame> corrected_frame(const Options& options, const GainTables& tables,
-                                        const RawFrame& frame, Sheet& sheet, std::string& how) {
+std::optional<RawFrame> corrected_frame(const Options& options, const GainTables& tables, RawFrame frame,
+                                        Sheet& sheet, std::string& how) {
     if (!options.tables.empty()) {
         const Isp isp = isp_of_option(options.isp, tables);
         how = fmt::format("after {}", name_of(isp));
         sheet.heading.push_back(
             fmt::format("corrected with {} as the {} ISP does", input_name(options.tables), name_of(isp)));
-        return correct_capture(frame, tables, input_name(options.tables), isp);
+        return correct_capture(std::move(frame), tables, input_name(options.tables), isp);
     }
     if (options.corrected.empty())
         return {};
@@ -92,9 +93,8 @@ void finish(Report& report, Sheet& sheet, bool clipped) {
 
 Sheet make_sheet(const Options& options, Report& report) {
     const GainTables tables = options.tables.empty() ? GainTables() : read_whole_gains(options.tables);
-    const RawFrame frame = options.tables.empty()
-                               ? read_raw(options.raw, UnknownBlack::take_0)
-                               : read_raw_for(options.raw, tables, input_name(options.tables));
+    RawFrame frame = options.tables.empty() ? read_raw(options.raw, UnknownBlack::take_0)
+                                            : read_raw_for(options.raw, tables, input_name(options.tables));
     add_frame(report, frame);
     const PanelSize size = panel_size(frame.width, frame.height);
     const Shown before = show(frame, size);
@@ -103,7 +103,7 @@ Sheet make_sheet(const Options& options, Report& report) {
     Sheet sheet{{describe(frame)}, {illumination_row("before: relative illumination", before, low)}};
     sheet.heading[0].pop_back();
     std::string how;
-    const auto corrected = corrected_frame(options, tables, frame, sheet, how);
+    const auto corrected = corrected_frame(options, tables, std::move(frame), sheet, how);
     const Shown after = corrected ? show(*corrected, size) : Shown();
     if (!options.tables.empty())
         sheet.rows.push_back(gain_row(tables, size));

@@ -5,13 +5,11 @@
 
 namespace zerklsc::tool {
 
-RawFrame correct_capture(const RawFrame& frame, const GainTables& tables, const std::string& tables_name,
-                         Isp isp) {
-    RawFrame corrected = frame;
-    scale_to_10_bits(corrected);
-    subtract_black(corrected, BlackLevel(*corrected.black));
-    correct(corrected, tables, tables_name, isp);
-    return corrected;
+RawFrame correct_capture(RawFrame frame, const GainTables& tables, const std::string& tables_name, Isp isp) {
+    scale_to_10_bits(frame);
+    subtract_black(frame, BlackLevel(*frame.black));
+    correct(frame, tables, tables_name, isp);
+    return frame;
 }
 
 FrameLevels predict_levels(const RawFrame& frame, const GainTables& tables, const std::string& tables_name,

@@ -8,8 +8,7 @@ namespace zerklsc::tool {
 
 // The frame after `isp` has corrected it with the tables, 10 bits deep, its black level taken off. `frame`
 // still holds its black level, which is known; deeper samples are scaled to 10 bits, as the ISP sees them.
-RawFrame correct_capture(const RawFrame& frame, const GainTables& tables, const std::string& tables_name,
-                         Isp isp);
+RawFrame correct_capture(RawFrame frame, const GainTables& tables, const std::string& tables_name, Isp isp);
 
 // The levels of its planes.
 FrameLevels predict_levels(const RawFrame& frame, const GainTables& tables, const std::string& tables_name,

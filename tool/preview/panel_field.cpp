@@ -40,20 +40,30 @@ bool any_clipped(const RawFrame& frame, int plane, const SamplesUnder& under) {
     return false;
 }
 
-// Replaces each value by the mean over a window that is cut off at the edges.
-PanelField smoothed(const PanelField& field, int radius) {
-    PanelField result = field;
+// Values that lie `stride` apart.
+struct Line {
+    double* values;
+    int count, stride;
+};
+
+// Replaces each value by the mean over a window that is cut off at the ends.
+void smooth(Line line, int radius) {
+    std::vector<double> sums{0}; // of so many values from the beginning
+    for (int i = 0; i < line.count; ++i)
+        sums.push_back(sums.back() + line.values[static_cast<ptrdiff_t>(i) * line.stride]);
+    for (int i = 0; i < line.count; ++i) {
+        const int begin = std::max(i - radius, 0), end = std::min(i + radius + 1, line.count);
+        const double sum = sums[static_cast<size_t>(end)] - sums[static_cast<size_t>(begin)];
+        line.values[static_cast<ptrdiff_t>(i) * line.stride] = sum / (end - begin);
+    }
+}
+
+void smooth(PanelField& field, int radius) {
     for (int y = 0; y < field.height; ++y)
-        for (int x = 0; x < field.width; ++x) {
-            const int x0 = std::max(x - radius, 0), x1 = std::min(x + radius + 1, field.width);
-            const int y0 = std::max(y - radius, 0), y1 = std::min(y + radius + 1, field.height);
-            double sum = 0;
-            for (int j = y0; j < y1; ++j)
-                for (int i = x0; i < x1; ++i)
-                    sum += field.at(i, j);
-            result.values[static_cast<size_t>(y * field.width + x)] = sum / ((x1 - x0) * (y1 - y0));
-        }
-    return result;
+        smooth({&field.values[static_cast<size_t>(y) * static_cast<size_t>(field.width)], field.width, 1},
+               radius);
+    for (int x = 0; x < field.width; ++x)
+        smooth({&field.values[static_cast<size_t>(x)], field.height, field.width}, radius);
 }
 
 // Between the values of `at(i, j)` around (u, v).
@@ -92,8 +102,9 @@ PanelField brightness_field(const RawFrame& frame, int plane, int black, PanelSi
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x)
             field.values.push_back(mean_of(frame, plane, SamplesUnder(frame, size, x, y), black));
-    constexpr int radius = 3;
-    return smoothed(smoothed(field, radius), radius);
+    for (int round = 0; round < 2; ++round)
+        smooth(field, 3);
+    return field;
 }
 
 std::vector<bool> clipped_places(const RawFrame& frame, int plane, PanelSize size) {

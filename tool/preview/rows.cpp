@@ -75,8 +75,9 @@ Shown show(const RawFrame& frame, PanelSize size) {
         const int plane = plane_of_colour(shown.pattern, all_colours[i]);
         const int black = (*frame.black)[static_cast<size_t>(plane)];
         shown.brightness[i] = brightness_field(frame, plane, black, size);
-        shown.clipped[i] = clipped_places(frame, plane, size);
         shown.clipped_fraction[i] = clipped_fraction(frame, plane);
+        if (shown.clipped_fraction[i] > 0)
+            shown.clipped[i] = clipped_places(frame, plane, size);
     }
     return shown;
 }

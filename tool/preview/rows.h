@@ -37,8 +37,8 @@ std::string beyond_scale_text(const PanelRow& row);
 struct Shown {
     BayerPattern pattern;
     FrameLevels levels;
-    std::array<PanelField, 4> brightness; // by colour, as what follows
-    std::array<std::vector<bool>, 4> clipped;
+    std::array<PanelField, 4> brightness;     // by colour, as what follows
+    std::array<std::vector<bool>, 4> clipped; // empty where no sample is
     std::array<double, 4> clipped_fraction;
 
     bool any_clipped() const;
