@@ -7,18 +7,15 @@ and what follows for a year of a line and an archive. Prints a section of Markdo
 --renew writes the section in the place of the one with the same heading. Takes about six minutes.
 """
 import argparse
-import contextlib
 import csv
-import os
 import pathlib
-import platform
 import re
 import shutil
 import subprocess
 import sys
 import tempfile
-import textwrap
-import time
+
+from measured import Run, figures, machine, paragraph, renew, table
 
 HEADING = "## What it costs"
 TESTS = pathlib.Path(__file__).resolve().parent.parent / "tests" / "tool"
@@ -28,20 +25,6 @@ YEAR, ARCHIVE = 10_000_000, 100_000_000
 NIGHT = 8 * 3600
 PARTS = (("libzerklsc", "the library"), ("zerklsc", "the tool"), ("libnettle", "hashes of the captures"),
          ("[kernel", "the kernel"), ("", "libc, libm and others"))
-
-
-class Run:
-    """A command that has ended: its time, its processor time, the largest memory."""
-
-    def __init__(self, *words, into=subprocess.DEVNULL):
-        begun = time.monotonic()
-        process = subprocess.Popen([str(word) for word in words], stdout=into)
-        _, status, usage = os.wait4(process.pid, 0)
-        if status != 0:
-            sys.exit(f"line_cost.py: failed: {words}")
-        self.seconds = time.monotonic() - begun
-        self.processor = usage.ru_utime + usage.ru_stime
-        self.megabytes = usage.ru_maxrss / 1024
 
 
 class Line:
@@ -67,20 +50,6 @@ class Line:
     def taken_up(self):
         """The last batch again: all is there already."""
         return Run(self.tool, "batch", "-q", self.folder / "lot.csv", "-o", self.folder / "results.jsonl")
-
-
-def table(heads, rows):
-    lines = [heads, ["---"] * len(heads), *rows]
-    return "".join(f"| {' | '.join(str(cell) for cell in line)} |\n" for line in lines) + "\n"
-
-
-def paragraph(text):
-    return textwrap.fill(text, 120, break_on_hyphens=False) + "\n\n"
-
-
-def figures(value):
-    """Three digits that count."""
-    return f"{value:.0f}" if value >= 100 else f"{value:.3g}"
 
 
 def batch_table(line, counts):
@@ -185,20 +154,6 @@ def section(tool, counts, results):
     return text + lots + projection(seconds, line_bytes, summary)
 
 
-def machine():
-    name = platform.processor() or platform.machine()
-    with contextlib.suppress(OSError):
-        name = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())[1]
-    return f"{name}, {len(os.sched_getaffinity(0))} processors, Linux {platform.release().split('-')[0]}"
-
-
-def renew(document, text):
-    before, heading, after = document.read_text().partition(HEADING + "\n")
-    if not heading:
-        sys.exit(f"line_cost.py: {document}: has no heading {HEADING!r}")
-    document.write_text(before + text + after[after.index("\n## ") + 1:])
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--tool", required=True, type=lambda path: pathlib.Path(path).resolve())
@@ -209,7 +164,7 @@ def main():
     text = section(options.tool, options.modules, options.results)
     print(text, end="")
     if options.renew:
-        renew(options.renew, text)
+        renew(options.renew, HEADING, text)
 
 
 if __name__ == "__main__":
