@@ -31,7 +31,7 @@ CHANGES = [
     (r" < ", " <= "), (r" <= ", " < "), (r" > ", " >= "), (r" >= ", " > "), (r" == ", " != "), (r" != ", " == "),
     (r" \+ ", " - "), (r" - ", " + "), (r" \* ", " / "), (r" / ", " * "), (r" && ", " || "), (r" \|\| ", " && "),
     (r"\bstd::min\b", "std::max"), (r"\bstd::max\b", "std::min"), (r"\btrue\b", "false"), (r"\bfalse\b", "true"),
-    (r"\b1\b", "2"), (r"\b2\b", "3"), (r"\b0\b", "1"), (r"\b0\.5\b", "0.25"),
+    (r"(?<![.\w])1\b", "2"), (r"(?<![.\w])2\b", "3"), (r"(?<![.\w])0\b(?!\.5)", "1"), (r"\b0\.5\b", "0.25"),
 ]
 # A whole statement that does something: a call or an assignment.
 STATEMENT = re.compile(r"^ +[\w.:>\-\[\]]+(\(.*\)| [+\-*/|&]?= .*);$")
@@ -90,7 +90,7 @@ class Tests:
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.running.add(test.pid)
         try:
-            code = test.wait(timeout=times * (60 + 10 * self.seconds[name] if name in self.seconds else 600))
+            code = test.wait(timeout=times * (20 + 10 * self.seconds[name] if name in self.seconds else 600))
         except subprocess.TimeoutExpired:
             return "hangs"
         finally:
