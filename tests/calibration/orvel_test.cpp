@@ -53,20 +53,6 @@ TEST(Orvel, EqualsThePlainForm) {
     }
 }
 
-TEST(Orvel, BlackAndBrightNodesKeepTheirGains) {
-    std::vector<uint16_t> raw(80 * 80, uint16_t{50});
-    raw[0] = 0;
-    raw[20 * 80 + 20] = 100;
-    Tables tables(7, 7);
-    const lsc2d_calib_param param = usual(10, 0);
-    const AllocationScope scope;
-    ASSERT_EQ(lsc2d_calibration_orvel(raw.data(), 80, 80, tables.list, 7, 7, &param), 0);
-    EXPECT_EQ(tables.table[0][1 * 7 + 1], 50 * 1024) << "a black node gets the reference level";
-    EXPECT_EQ(tables.table[0][2 * 7 + 2], 512) << "a node brighter than the centre";
-    EXPECT_EQ(tables.table[0][2 * 7 + 3], 1024);
-    EXPECT_EQ(tables.table[1][2 * 7 + 2], 1024) << "the other channels are their own";
-}
-
 TEST(Orvel, RefusalsWriteAndLeaveNothing) {
     std::vector<uint16_t> raw(80 * 80, uint16_t{50});
     const struct {

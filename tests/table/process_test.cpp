@@ -56,35 +56,27 @@ TEST(Preproc, BuildsEachChannelFromItsOwnNodesOrWritesNothing) {
     }
 }
 
-TEST(Postproc, FullStrengthLeavesOnlyTheLimitAndAnotherSizeIsLeftAlone) {
-    Guarded<uint16_t> all(140);
-    Channels set(all);
-    for (size_t n = 0; n < 140; ++n)
-        all[n] = static_cast<uint16_t>(n * 450);
-    const lsc2d_calib_param param = params(10), no_step = params(0);
-    const std::vector<uint16_t> before = all.copy();
-    const int32_t sizes[][2] = {{8, 5}, {6, 5}, {7, 4}, {7, 6}};
-    for (const auto& [w, h] : sizes)
-        EXPECT_EQ(lsc2d_table_postproc(set.table, 40, 20, w, h, &param), -1);
-    EXPECT_EQ(lsc2d_table_postproc(set.table, 40, 20, 7, 5, &no_step), -1);
-    EXPECT_EQ(all.copy(), before);
-    EXPECT_EQ(lsc2d_table_postproc(set.table, 40, 20, 7, 5, &param), 0);
-    for (size_t n = 0; n < 140; ++n)
-        ASSERT_EQ(all[n], std::min<size_t>(n * 450, 16383));
-}
-
 // The square-root model on a plane of 40 x 20, in double precision: node (i, j) of the table stands one step
-// before node (i, j) of the grid.
-TEST(Postproc, EveryChannelIsShadedAsStronglyAsAsked) {
-    for (const int32_t percent : {35, 80}) {
-        Guarded<uint16_t> all(std::vector<uint16_t>(140, uint16_t{9000}), Against::back);
+// before node (i, j) of the grid. The limit comes after it.
+TEST(Postproc, ShadesEveryChannelAsStronglyAsAskedAndLimitsItAndLeavesAnotherSizeAlone) {
+    for (const int32_t percent : {35, 80, 100}) {
+        Guarded<uint16_t> all(140);
         Channels set(all);
-        const lsc2d_calib_param param = params(10, percent);
-        ASSERT_EQ(lsc2d_table_postproc(set.table, 40, 20, 7, 5, &param), 0);
+        for (size_t n = 0; n < 140; ++n)
+            all[n] = static_cast<uint16_t>(n * 450);
+        const lsc2d_calib_param param = params(10, percent), no_step = params(0, percent);
+        const std::vector<uint16_t> before = all.copy();
+        const int32_t sizes[][2] = {{8, 5}, {6, 5}, {7, 4}, {7, 6}};
+        for (const auto& [w, h] : sizes)
+            EXPECT_EQ(lsc2d_table_postproc(set.table, 40, 20, w, h, &param), -1);
+        EXPECT_EQ(lsc2d_table_postproc(set.table, 40, 20, 7, 5, &no_step), -1);
+        EXPECT_EQ(all.copy(), before);
+        EXPECT_EQ(lsc2d_table_postproc(set.table, 40, 20, 7, 5, &param), 0);
         for (int n = 0; n < 140; ++n) {
             const double dx = (n % 7 - 1) * 10 - 20, dy = (n % 35 / 7 - 1) * 10 - 10, share = percent / 100.0;
             const double square = 1 + (dx * dx + dy * dy) / 500 * (share * share - 1);
-            ASSERT_NEAR(all[static_cast<size_t>(n)], square < 0 ? 0 : 9000 * std::sqrt(square), 0.6) << n;
+            const double gain = square < 0 ? 0 : std::min(n * 450 * std::sqrt(square), 16383.0);
+            ASSERT_NEAR(all[static_cast<size_t>(n)], gain, percent == 100 ? 0 : 0.6) << n;
         }
     }
 }

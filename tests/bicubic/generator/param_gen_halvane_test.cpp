@@ -83,17 +83,9 @@ TEST(Halvane, ExtendedNodeThatIsNotAboveZeroWarnsOncePerRowAndColour) {
     EXPECT_EQ(field.gain(0, field.grid_w - 1, 0), 16383);
 }
 
-TEST(Halvane, SharesTheMessagesOfTheTypesAndRefusesSmallImages) {
+TEST(Halvane, SharesTheMessagesOfTheTypes) {
     FlatField field(100, 100, 10, 4);
     EXPECT_EQ(field.run(halvane), "not support isp type!\nnot support isp type!\n");
-    FlatField narrow(99, 100, 10), low(100, 99, 10);
-    for (FlatField* small : {&narrow, &low}) {
-        small->sample(0, 0) = 2000;
-        small->param.corner_ratio = 5.0;
-        EXPECT_EQ(small->run(halvane, -1), "");
-        EXPECT_TRUE(small->all_tables_are(untouched));
-        EXPECT_EQ(small->param.corner_ratio, 5.0);
-    }
 }
 
 } // namespace

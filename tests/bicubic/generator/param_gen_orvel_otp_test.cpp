@@ -98,31 +98,6 @@ TEST(OrvelOtp, TargetIsACapThroughTheGbPeakAndTheShareOfItAtTheCorners) {
         }
 }
 
-TEST(OrvelOtp, RefusesBeforeAnythingIsPrintedOrWritten) {
-    FlatField field(64, 48, 8, 0);
-    field.sample(3, 3) = 2000;
-    isp_param_tag bad[10];
-    std::fill_n(bad, 10, field.param);
-    bad[0].bayer_pattern = 4;
-    bad[1].grid = 0x300;
-    bad[2].grid = 30; // 3 x 2 nodes
-    bad[3].filter_radius = 24;
-    bad[4].filter_radius = -1;
-    bad[5].filter_radius = INT32_MIN;
-    bad[6].filter_radius = INT32_MAX;
-    bad[7].lsc_table[2] = nullptr;
-    bad[8].width = 40; // with 20: 2 x 3 nodes
-    bad[8].grid = 20;
-    bad[9].height = 0;
-    for (const isp_param_tag& param : bad) {
-        field.param = param;
-        EXPECT_EQ(field.run(orvel, -1), "") << &param - bad;
-    }
-    EXPECT_EQ(orvel(nullptr, &field.param), -1);
-    EXPECT_EQ(orvel(field.raw.data(), nullptr), -1);
-    EXPECT_TRUE(field.all_tables_are(untouched));
-}
-
 TEST(OrvelOtp, FrameCorrectedWithItsOwnTablesIsFlat) {
     FlatField field(416, 320, 16);
     field.paint([](int x, int y) { // a corner keeps 0.59 of the centre

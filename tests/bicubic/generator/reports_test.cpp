@@ -92,26 +92,34 @@ TEST(Reports, CountWhatIsPrintedAndLeaveTheSameTables) {
     EXPECT_TRUE(all.capped_nodes[1] > 100 && all.dark_row_ends > 100);
 }
 
-TEST(Reports, EachRefusalHasItsStatusAndWritesNothing) {
+TEST(Reports, EachRefusalHasItsStatusAndWritesAndPrintsNothing) {
     const struct {
         int width, height, step, isp_type, pattern, margin;
         zerklsc_status orvel, halvane;
     } cases[] = {{120, 104, 8, 3, 4, 3, ZERKLSC_UNKNOWN_PATTERN, ZERKLSC_UNKNOWN_PATTERN},
                  {120, 104, 512, 3, 0, 3, ZERKLSC_BAD_STEP, ZERKLSC_BAD_STEP},
                  {120, 104, 8, 3, 0, 52, ZERKLSC_BAD_RADIUS, ZERKLSC_BAD_RADIUS},
+                 {104, 120, 8, 3, 0, 52, ZERKLSC_BAD_RADIUS, ZERKLSC_BAD_RADIUS},
                  {120, 104, 8, 3, 0, -1, ZERKLSC_BAD_RADIUS, ZERKLSC_BAD_RADIUS},
+                 {120, 104, 8, 3, 0, INT32_MIN, ZERKLSC_BAD_RADIUS, ZERKLSC_BAD_RADIUS},
+                 {120, 104, 8, 3, 0, INT32_MAX, ZERKLSC_BAD_RADIUS, ZERKLSC_BAD_RADIUS},
                  {120, 104, 52, 2, 0, 3, ZERKLSC_TOO_FEW_NODES, ZERKLSC_TOO_FEW_NODES},
+                 {104, 120, 52, 2, 0, 3, ZERKLSC_TOO_FEW_NODES, ZERKLSC_TOO_FEW_NODES},
                  {120, 104, 8, 4, 0, 3, ZERKLSC_UNKNOWN_ISP, ZERKLSC_UNKNOWN_ISP},
-                 {98, 104, 8, 3, 0, 3, ZERKLSC_OK, ZERKLSC_PLANE_TOO_SMALL},
-                 {104, 98, 8, 0, 0, 3, ZERKLSC_OK, ZERKLSC_PLANE_TOO_SMALL}};
+                 {99, 104, 8, 3, 0, 3, ZERKLSC_OK, ZERKLSC_PLANE_TOO_SMALL},
+                 {104, 99, 8, 0, 0, 3, ZERKLSC_OK, ZERKLSC_PLANE_TOO_SMALL}};
     for (const auto& c : cases)
         for (const Pair& generator : generators) {
             const zerklsc_status status = &generator == generators ? c.orvel : c.halvane;
             FlatField field(c.width, c.height, 8, c.isp_type);
+            field.sample(3, 3) = 2000; // of which a generator that begins prints a line
             field.param.grid = static_cast<uint16_t>(c.step);
             field.param.bayer_pattern = static_cast<uint8_t>(c.pattern);
             field.param.filter_radius = c.margin;
             field.param.corner_ratio = 5.0;
+            if (status != ZERKLSC_OK && status != ZERKLSC_UNKNOWN_ISP) { // that type is done with gains of 0
+                EXPECT_EQ(field.run(generator.prints, -1), "") << &c - cases;
+            }
             zerklsc_report report{.clipped_samples = {7, 7, 7, 7}, .capped_nodes = {}, .dark_row_ends = 7};
             EXPECT_EQ(generator.reports(field.raw.data(), &field.param, &report), status) << &c - cases;
             EXPECT_EQ(field.all_tables_are(untouched), status != ZERKLSC_OK) << &c - cases;
@@ -125,8 +133,11 @@ TEST(Reports, MissingPointersAreNamedAndTheReportMayBeMissing) {
         FlatField field(120, 104, 8);
         EXPECT_EQ(generator.reports(nullptr, &field.param, nullptr), ZERKLSC_NULL_POINTER);
         EXPECT_EQ(generator.reports(field.raw.data(), nullptr, nullptr), ZERKLSC_NULL_POINTER);
+        EXPECT_EQ(generator.prints(nullptr, &field.param), -1);
+        EXPECT_EQ(generator.prints(field.raw.data(), nullptr), -1);
         EXPECT_EQ(generator.reports(field.raw.data(), &field.param, nullptr), ZERKLSC_OK);
         field.param.lsc_table[2] = nullptr;
+        EXPECT_EQ(generator.prints(field.raw.data(), &field.param), -1);
         EXPECT_EQ(generator.reports(field.raw.data(), &field.param, nullptr), ZERKLSC_NULL_POINTER);
     }
 }
