@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 
 #include "header/lens.h"
 #include "support/allocations.h"
@@ -84,22 +82,6 @@ TEST(HeaderClaims, ThePercentageMeansThreeThings) {
     EXPECT_NEAR(corner_gain(0, 0), 1024, 150);
 }
 
-TEST(HeaderClaims, CorrectionReadsNoMoreOfTheRecordThanItSays) {
-    std::vector<uint16_t> frame = lens_frame(200, 120, 700), expected(frame.size()), out(frame.size());
-    for (const int algorithm : {2, 4}) {
-        Shading shading(200, 120, 16, algorithm);
-        std::fill(shading.tables[1].begin(), shading.tables[1].end(), uint16_t{1400});
-        ASSERT_EQ(lsc2d_correction_wrapper(frame.data(), expected.data(), &shading.info), 0);
-        shading.info.filter_radius = -7;
-        shading.info.shading_percent = 12345;
-        std::memset(&shading.info.weight, 0x5a, sizeof shading.info.weight);
-        const lsc2d_info before = shading.info;
-        ASSERT_EQ(lsc2d_correction_wrapper(frame.data(), out.data(), &shading.info), 0);
-        EXPECT_EQ(out, expected) << algorithm;
-        EXPECT_EQ(std::memcmp(&before.weight, &shading.info.weight, sizeof before.weight), 0);
-    }
-}
-
 TEST(HeaderClaims, SampledMethodsTakeAnyDepthAndNoneTakesTheBlackLevelOff) {
     const std::vector<uint16_t> flat = lens_frame(512, 384, 800);
     AllocationScope leftovers_are_meant;
@@ -142,23 +124,6 @@ TEST(HeaderClaims, MethodsOfTheGeneratorsAssumePatternZero) {
     EXPECT_EQ(lsc2d_calibration_wrapper(frame.data(), &shading.info), 0);
     EXPECT_EQ(shading.tables[0], front_end(0)); // and method 0 leaves them so
     EXPECT_NE(shading.tables[0], front_end(1));
-}
-
-TEST(HeaderClaims, AConstantPlaneGivesItsLevelOrTheNumberBesideIt) {
-    int beside = 0;
-    for (const int level : {1, 3, 700, 1023, 65535})
-        for (int radius = 0; radius <= 40; ++radius) {
-            const std::vector<uint16_t> plane(82 * 82, static_cast<uint16_t>(level));
-            const imfilter_t box{ZERKLSC_FILTER_BOX, radius, ZERKLSC_BOUNDARY_CLAMP, nullptr};
-            const float exact = static_cast<float>(level);
-            float sample = 0;
-            ASSERT_EQ(img_sample_grid(plane.data(), &sample, 82, 82, 8, 8, 1, 1, &box), 0);
-            EXPECT_TRUE(sample == exact || sample == std::nextafter(exact, 0.0f)
-                        || sample == std::nextafter(exact, 1e9f))
-                << level << ' ' << radius;
-            beside += sample != exact;
-        }
-    EXPECT_GT(beside, 0);
 }
 
 TEST(HeaderClaims, WhatIsSaidNotToBeReadIsNotRead) {

@@ -55,22 +55,6 @@ TEST(GridSampling, EqualsThePlainFormToTheBit) {
     }
 }
 
-TEST(GridSampling, RefusalsWriteNothing) {
-    const std::vector<uint16_t> plane(20 * 12, uint16_t{100});
-    float sample = 7;
-    for (const imfilter_t& filter : refused_filters())
-        EXPECT_EQ(img_sample_grid(plane.data(), &sample, 20, 12, 1, 1, 1, 1, &filter), -1)
-            << filter.filter_type << ' ' << filter.filter_radius << ' ' << filter.boundary_mode;
-    const imfilter_t clamped = box(0, ZERKLSC_BOUNDARY_CLAMP);
-    for (const auto& [w, h] : {std::pair{0, 5}, std::pair{5, 0}, std::pair{-4, 4}})
-        EXPECT_EQ(img_sample_grid(plane.data(), &sample, w, h, 1, 1, 1, 1, &clamped), -1);
-    const imfilter_t too_wide = box(12);
-    for (const auto& [w, h] : {std::pair{0, 1}, std::pair{1, 0}, std::pair{1, -1}})
-        for (const imfilter_t& filter : {clamped, too_wide})
-            EXPECT_EQ(img_sample_grid(plane.data(), &sample, 20, 12, 1, 1, w, h, &filter), 0) << "no node";
-    EXPECT_EQ(sample, 7);
-}
-
 // The largest radius that is taken, and sums of full-scale samples far beyond the 32 bits of a lane.
 TEST(GridSampling, LargestRadiusKeepsAConstant) {
     const std::vector<uint16_t> plane(2000 * 1500, uint16_t{65535});

@@ -41,36 +41,4 @@ TEST(Measurement, GainIsBrightestCentreOverNodeAndSamplesAreLeft) {
     EXPECT_EQ(correction.copy(), otp.copy());
 }
 
-TEST(Measurement, NoRoomForACentreClusterIsRefused) {
-    const std::vector<uint16_t> plane(20 * 20, uint16_t{100});
-    const imfilter_t filter = box(0);
-    const AllocationScope scope;
-    for (const auto& [w, h] : {std::pair{9, 20}, std::pair{20, 9}, std::pair{1, 1}}) {
-        float gain = 7;
-        EXPECT_EQ(calc_otp_table(plane.data(), &gain, w, h, 10, 10, 1, 1, 0), -1) << w;
-        EXPECT_EQ(calc_correction_table(plane.data(), &gain, w, h, 10, 10, 1, 1, &filter), -1) << w;
-        EXPECT_EQ(gain, 7.0f);
-    }
-    EXPECT_TRUE(scope.leftovers().empty());
-    float gain = 7;
-    EXPECT_EQ(calc_otp_table(plane.data(), &gain, 10, 10, 10, 10, 1, 1, 0), 0)
-        << "the smallest plane with one";
-}
-
-TEST(Measurement, RefusalsWriteAndLeaveNothing) {
-    const std::vector<uint16_t> plane(20 * 12, uint16_t{100});
-    float gain = 7;
-    const std::vector<imfilter_t> filters = refused_filters();
-    const AllocationScope scope;
-    for (const imfilter_t& filter : filters)
-        EXPECT_EQ(calc_correction_table(plane.data(), &gain, 20, 12, 10, 6, 1, 1, &filter), -1);
-    EXPECT_EQ(calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, 1, 1, 12), -1);
-    for (const auto& [columns, rows] : {std::pair{-2, 2}, std::pair{2, -2}, std::pair{0, -1}})
-        EXPECT_EQ(calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, columns, rows, 1), -1) << rows;
-    for (const auto& [columns, rows] : {std::pair{0, 2}, std::pair{2, 0}})
-        EXPECT_EQ(calc_otp_table(plane.data(), &gain, 20, 12, 10, 6, columns, rows, 1), 0) << rows;
-    EXPECT_TRUE(scope.leftovers().empty());
-    EXPECT_EQ(gain, 7.0f);
-}
-
 } // namespace

@@ -44,15 +44,4 @@ TEST(PointSampling, EqualsThePlainFormAsLongAsItsTapsFit) {
     }
 }
 
-TEST(PointSampling, RefusalsLeaveTheValues) {
-    const std::vector<uint16_t> plane(20 * 12, uint16_t{100});
-    pix_point point = {10, 0, 5};
-    for (const imfilter_t& filter : refused_filters())
-        EXPECT_EQ(img_sample(plane.data(), &point, 1, 20, 12, &filter), -1) << filter.filter_radius;
-    const imfilter_t filter = box(3);
-    const AllocationScope scope(0);
-    EXPECT_EQ(img_sample(plane.data(), &point, 1, 20, 12, &filter), -1);
-    EXPECT_EQ(point.value, 5);
-}
-
 } // namespace

@@ -9,8 +9,9 @@ namespace {
 
 using namespace zerklsc::testing;
 
-// Every width around the vectors, odd sizes, with no sample read or written beyond the buffers.
-TEST(Split, PlaneIsNamedByTheParityOfColumnAndRow) {
+// Every width around the vectors, odd sizes, with no sample read or written beyond the buffers. Merging
+// undoes it and leaves the odd last column and row.
+TEST(SplitAndMerge, PlaneIsNamedByTheParityOfColumnAndRow) {
     Random random(1);
     for (const Against side : {Against::front, Against::back}) {
         for (int32_t width = 0; width <= 67; ++width) {
@@ -28,11 +29,20 @@ TEST(Split, PlaneIsNamedByTheParityOfColumnAndRow) {
                         << width << 'x' << height << " at " << x << ',' << y;
             }
             ASSERT_TRUE(split.intact()) << width;
+            const std::vector<uint16_t> frame = raw.copy();
+            std::fill(raw.begin(), raw.end(), uint16_t{77});
+            EXPECT_EQ(bayer_merge_channel(raw.data(), planes, width, height),
+                      (height < 2 ? width : height) / 2);
+            for (size_t i = 0; i < w * h; ++i) {
+                const bool merged = i % w < w / 2 * 2 && i / w < h / 2 * 2;
+                ASSERT_EQ(raw[i], merged ? frame[i] : 77) << width << 'x' << height;
+            }
+            ASSERT_TRUE(raw.intact());
         }
     }
 }
 
-TEST(Split, SizesWithoutAPlaneTouchNothing) {
+TEST(SplitAndMerge, SizesWithoutAPlaneTouchNothing) {
     uint16_t* planes[4] = {};
     for (const int32_t none : {INT32_MIN, -5, 0, 1}) {
         bayer_split_channel(nullptr, planes, none, 8);
