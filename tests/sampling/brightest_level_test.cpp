@@ -14,15 +14,19 @@ namespace {
 using namespace zerklsc::testing;
 
 // Windows that share their columns, that stand apart or that reach over the edges, on every instruction set.
+// Those of radius 6 reach one sample over the edge where 14 x 17 and 17 x 14 samples are brightest.
 TEST(BrightestLevel, EqualsThePlainForm) {
     Random random(9);
     float sigma = 1.5f;
     for (const auto& [w, h] :
-         {std::pair{10, 10}, std::pair{14, 17}, std::pair{61, 44}, std::pair{350, 280}}) {
+         {std::pair{10, 10}, std::pair{14, 17}, std::pair{17, 14}, std::pair{61, 44}, std::pair{350, 280}}) {
         Guarded<uint16_t> plane(random_samples(random, static_cast<size_t>(w * h)), Against::back);
+        for (int32_t k = 0; k < w * h && w + h == 31; ++k)
+            plane[static_cast<size_t>(k)] = static_cast<uint16_t>(2000 * (k % w) + 1500 * (k / w));
         const zerklsc::CentreCluster cluster = zerklsc::centre_cluster(w, h);
         for (const int32_t r : {0, 1, 3, 6, 9, 21}) {
-            for (const imfilter_t& filter : {box(r, ZERKLSC_BOUNDARY_CLAMP), gaussian(r, &sigma, 1)}) {
+            for (const imfilter_t& filter :
+                 {box(r, ZERKLSC_BOUNDARY_CLAMP), box(std::min(r, 6)), gaussian(r, &sigma, 1)}) {
                 const uint16_t expected = zerklsc::plain::brightest_level(plane.data(), w, h, filter);
                 on_each_instruction_set([&](const std::string& cpu) {
                     uint16_t level[4] = {};
@@ -31,23 +35,6 @@ TEST(BrightestLevel, EqualsThePlainForm) {
                     EXPECT_EQ(level[0], expected) << w << 'x' << h << " radius " << r << ' ' << cpu;
                 });
             }
-        }
-    }
-}
-
-// The window around the last point reaches one sample over the right edge, or over the bottom edge, which is
-// where the plane is brightest.
-TEST(BrightestLevel, WindowsOneSampleOverAnEdgeFollowTheBoundaryRule) {
-    for (const auto& [w, h] : {std::pair{14, 17}, std::pair{17, 14}}) {
-        std::vector<uint16_t> plane(static_cast<size_t>(w * h));
-        for (int32_t k = 0; k < w * h; ++k)
-            plane[static_cast<size_t>(k)] = static_cast<uint16_t>(2000 * (k % w) + 1500 * (k / w));
-        for (const imfilter_t& filter : {box(6), box(6, ZERKLSC_BOUNDARY_CLAMP)}) {
-            uint16_t level[4] = {};
-            ASSERT_TRUE(zerklsc::brightest_levels(zerklsc::single_plane(plane.data(), w, h),
-                                                  zerklsc::make_window(filter), zerklsc::centre_cluster(w, h),
-                                                  level));
-            EXPECT_EQ(level[0], zerklsc::plain::brightest_level(plane.data(), w, h, filter)) << w << 'x' << h;
         }
     }
 }

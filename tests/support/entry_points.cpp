@@ -136,12 +136,15 @@ int64_t sampled_memory(const W& b) {
     return 20 * b.n() + 4 * b.e() + 4 * b.w + 40 * b.r + 128 + shared;
 }
 
+int64_t inversion_memory(int64_t n, int64_t element) {
+    const int64_t group = 256 / element, rows = (n + 3) / 4 * 4, columns = (n + group - 1) / group * group;
+    return rows * columns * element * 1009 / 1000 + (26 * rows + 24 * columns) * element + 16 * n + 64;
+}
+
 // A raster has fewer lines than 16 to a cell at either end, 4 to each in between, and the centre.
 int64_t fit_memory(const W& b) {
-    const int64_t m = b.n(), rows = (m + 3) / 4 * 4, columns = (m + 31) / 32 * 32,
-                  lines = 64 + 4 * (b.tw + b.th);
-    const int64_t inversion = (rows * columns * 1009 / 1000 + 26 * rows + 24 * columns) * 8 + 16 * m + 64;
-    return 8 * m * m + 48 * m + inversion + 64 * lines;
+    const int64_t m = b.n(), lines = 64 + 4 * (b.tw + b.th);
+    return 8 * m * m + 48 * m + inversion_memory(m, 8) + 64 * lines;
 }
 
 int64_t generator_memory(const W& b) {
@@ -216,8 +219,10 @@ constexpr EntryPoint all[] = {
      [](W& b) { return lsc2d_calibration_beta(b.raw, b.width, b.height, b.out_tables, b.tw, b.th, b.param); },
      taken, fit_memory, 2},
     {"meshgrid", meshes},
-    {"_Z10matrix_invIfEiPT_i", [](W& b) { return matrix_inv(b.matrix, 40); }, taken},
-    {"_Z10matrix_invIdEiPT_i", [](W& b) { return matrix_inv(b.wide_matrix, 40); }, taken},
+    {"_Z10matrix_invIfEiPT_i", [](W& b) { return matrix_inv(b.matrix, b.order); }, taken,
+     [](const W& b) { return inversion_memory(b.order, 4); }, 1.03},
+    {"_Z10matrix_invIdEiPT_i", [](W& b) { return matrix_inv(b.wide_matrix, b.order); }, taken,
+     [](const W& b) { return inversion_memory(b.order, 8); }, 1.03},
     {"_Z10load_tablePKcPti", [](W& b) { return load_table("/dev/null", b.out_tables[0], 4); }},
     {"lsc_table_ftoi", [](W& b) { return lsc_table_ftoi(b.floats, b.out_tables[0], b.tw, b.th), 0; }},
     {"lsc_table_itof", [](W& b) { return lsc_table_itof(b.tables[0], b.out_floats, b.tw, b.th), 0; }},
@@ -322,6 +327,7 @@ Workbench::Workbench(uint64_t seed, const Geometry& g)
     Random random(seed);
     lsc2d_grid_samples(w, h, s, s, &gw, &gh);
     lsc2d_table_size(w, h, s, s, &tw, &th);
+    order = 8 * gw + 1;
     raw = read.put(noise<uint16_t>(random, width * height, 300, g.brightest));
     frame = written.put(noise<uint16_t>(random, width * height, 300, 1000));
     for (size_t k = 0; k < 4; ++k) {
@@ -334,8 +340,8 @@ Workbench::Workbench(uint64_t seed, const Geometry& g)
     }
     floats = read.put(noise<float>(random, e(), 1, 2));
     out_floats = written.put(noise<float>(random, e(), 1, 2));
-    matrix = written.put(noise<float>(random, 40 * 40, -0.5, 0.5));
-    wide_matrix = written.put(noise<double>(random, 40 * 40, -0.5, 0.5));
+    matrix = written.put(noise<float>(random, order * order, -0.5, 0.5));
+    wide_matrix = written.put(noise<double>(random, order * order, -0.5, 0.5));
     stream = read.put(noise<uint8_t>(random, 3 * n(), 0, 256));
     out_stream = written.put(noise<uint8_t>(random, 3 * n(), 0, 256));
     mask = written.put(std::vector<int32_t>(static_cast<size_t>((2 * r + 1) * (2 * r + 1))));

@@ -35,6 +35,7 @@ struct Workbench {
     uint16_t width, height; // of the frame
     int32_t s, r;           // step and radius
     int32_t w = width / 2, h = height / 2, gw, gh, tw, th;
+    int32_t order; // of the matrices
     bool shares_rows;
     Arena read, written;
     uint16_t *raw, *frame, *planes[4], *out_planes[4], *tables[4], *out_tables[4];

@@ -98,18 +98,6 @@ class Correction : public ::testing::Test {
             ASSERT_NO_FATAL_FAILURE(compare(CorrectionModel(vessal2, width, height, step, random)));
     }
 
-    // Samples of 100 under tables whose node i holds the gain gain(i); the model is checked with it.
-    template <class Gain>
-    std::vector<uint16_t> flat(bool vessal2, size_t width, size_t height, const Gain& gain) {
-        CorrectionModel model(vessal2, width, height, 16, random);
-        std::fill(model.in.begin(), model.in.end(), uint16_t{100});
-        for (auto& table : model.tables)
-            for (size_t i = 0; i < table.size(); ++i)
-                table[i] = static_cast<uint16_t>(1024 * gain(i, model.table_w));
-        compare(model);
-        return model.corrected();
-    }
-
     static std::vector<std::string> all_forms() {
         std::vector<std::string> words = instruction_set_words();
         words.insert(words.end(), {"plain", "wide"});
@@ -140,27 +128,6 @@ TEST_F(Correction, LongRowsAreTheModel) {
     for (size_t width : {257u, 1030u, 2051u})
         for (size_t step : {1u, 2u, 3u, 4u, 7u, 8u, 16u})
             ASSERT_NO_FATAL_FAILURE(compare(width, 4 * step + 2, step));
-}
-
-TEST_F(Correction, LastHalfColumnTakesPhaseOneOfItsCell) {
-    for (bool vessal2 : {false, true}) {
-        const auto out =
-            flat(vessal2, 2 * 65, 4, [](size_t i, size_t row_length) { return 1 + i % row_length; });
-        // The ramp is 6.0 at the node and 1/16 more at phase 1. The tvessa2 ISP has no column 7: it reads 1.0
-        // from the next row, so that the gain is 5 * -28 + 6 * 1014 + 7 * 40 + 1 * -2 = 6222.
-        EXPECT_EQ(out[126], 594);
-        EXPECT_EQ(out[128], vessal2 ? 606 : 608);
-        EXPECT_EQ(out[129], out[128]);
-    }
-}
-
-TEST_F(Correction, LastHalfRowTakesItOnlyInRefilledColumns) {
-    for (bool vessal2 : {false, true}) {
-        const auto out =
-            flat(vessal2, 160, 2 * 17, [](size_t i, size_t row_length) { return 1 + i / row_length; });
-        EXPECT_EQ(out[33 * 160], 300);       // phase 0 of the cell below node row 2
-        EXPECT_EQ(out[33 * 160 + 159], 206); // phase 1 of the cell below node row 1
-    }
 }
 
 TEST_F(Correction, EverySampleIsCopiedAndLimitedAtOrBelowUnity) {

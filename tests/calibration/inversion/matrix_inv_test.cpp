@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "calibration/inversion/matrix_inv_plain.h"
-#include "support/allocations.h"
 #include "support/guarded.h"
 #include "support/instruction_sets.h"
 #include "support/random.h"
@@ -121,21 +120,6 @@ TYPED_TEST(MatrixInv, SingularMatricesAreRefusedEmptyOnesAreNot) {
     EXPECT_EQ(matrix_inv(&tiny, 1), -1);
     EXPECT_EQ(matrix_inv<T>(nullptr, 0), 0);
     EXPECT_EQ(matrix_inv<T>(nullptr, -3), 0);
-}
-
-// The formula of the manual, with no more than rounding to spare.
-TYPED_TEST(MatrixInv, TakesTheMemoryThatTheManualStates) {
-    constexpr int elements = 256 / int{sizeof(TypeParam)};
-    Random random(5);
-    for (const int n : {1, 30, 97, 258}) {
-        std::vector<TypeParam> a = random_matrix<TypeParam>(random, n);
-        const double r = (n + 3) / 4 * 4, c = (n + elements - 1) / elements * elements;
-        const double stated = (1.009 * r * c + 26 * r + 24 * c) * sizeof(TypeParam) + 16 * n + 64;
-        const AllocationScope scope;
-        EXPECT_EQ(matrix_inv(a.data(), n), 0) << n;
-        EXPECT_LE(static_cast<double>(scope.peak_bytes()), stated) << n;
-        EXPECT_GT(static_cast<double>(scope.peak_bytes()), 0.97 * stated) << n;
-    }
 }
 
 } // namespace
