@@ -6,7 +6,6 @@
 Needs root, and Debian's slurm-wlm and munge; ends with 77 and a line that says why where such a Slurm cannot run. All
 that it starts it ends, by process id.
 """
-import argparse
 import contextlib
 import csv
 import os
@@ -19,9 +18,11 @@ import sys
 import tempfile
 import time
 
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "tool"))
+from tool import SKIPPED, options_with_tool
+
 MODULES, SHARDS = 240, 4
 LONGEST = 300  # seconds, for all of it
-SKIPPED = 77
 CAPTURES = 8
 SCRIPTS = pathlib.Path(__file__).resolve().parents[2] / "scale" / "slurm"
 CONF = """\
@@ -69,20 +70,28 @@ def output_of(*words):
     return subprocess.run(words, capture_output=True, text=True, check=True).stdout
 
 
-def end(pid, with_signal=signal.SIGTERM):
-    try:
-        os.kill(pid, with_signal)
-    except ProcessLookupError:
-        return
-    wait_for(f"the end of process {pid}", lambda: not pathlib.Path(f"/proc/{pid}/cmdline").exists()
-             or not pathlib.Path(f"/proc/{pid}/cmdline").read_bytes())
+def processes(variable):
+    """All whose environment began with `variable`, a name with its value."""
+    found = set()
+    for proc in pathlib.Path("/proc").glob("[0-9]*"):
+        with contextlib.suppress(OSError):
+            if variable.encode() in (proc / "environ").read_bytes().split(b"\0"):
+                found.add(int(proc.name))
+    return found
 
 
-def pid_in(path):
-    try:
-        return int(pathlib.Path(path).read_text())
-    except (OSError, ValueError):
-        return None
+def words_of(pid):
+    """Its command line; nothing when it has ended."""
+    with contextlib.suppress(OSError):
+        return pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().split(b"\0")[:-1]
+    return []
+
+
+def kill(pids):
+    for pid in pids:
+        with contextlib.suppress(ProcessLookupError):
+            os.kill(pid, signal.SIGKILL)
+    wait_for("the end of what was killed", lambda: not any(map(words_of, pids)))
 
 
 def start(*words):
@@ -103,6 +112,7 @@ class Cluster:
         conf = folder / "slurm.conf"
         conf.write_text(CONF.format(host=socket.gethostname().split(".")[0], folder=folder))
         os.environ["SLURM_CONF"] = str(conf)
+        self.mark = f"SLURM_CONF={conf}"
 
     def __enter__(self):
         try:
@@ -118,13 +128,9 @@ class Cluster:
         return self
 
     def __exit__(self, *_):
-        """The jobs, the daemons, and what they leave behind, which all have the name of the configuration."""
-        subprocess.run(["scancel", "--user=root"], capture_output=True, timeout=30, check=False)
-        for name in ("slurmd-n1", "slurmd-n2", "ctld", "munge"):
-            if pid := pid_in(self.folder / f"{name}.pid"):
-                end(pid)
-        for pid in processes_with(f"SLURM_CONF={os.environ['SLURM_CONF']}") - {os.getpid()}:
-            end(pid, signal.SIGKILL)
+        """The daemons and their jobs all have the name of the configuration, and a job may just have begun."""
+        while left := processes(self.mark) - {os.getpid()}:
+            kill(left)
 
     @staticmethod
     def states():
@@ -133,23 +139,10 @@ class Cluster:
 
     def lose(self, node):
         """What the loss of a machine ends: slurmd, and everything that runs for it."""
-        daemon = pid_in(self.folder / f"slurmd-{node}.pid")
-        job = processes_with(f"SLURMD_NODENAME={node}")
-        steps = {parent_of(pid) for pid in job} - job
-        assert job, f"nothing runs on {node}"
-        for pid in (daemon, *steps, *job):
-            end(pid, signal.SIGKILL)
-        (self.folder / f"slurmd-{node}.pid").unlink(missing_ok=True)
-
-
-def processes_with(variable):
-    """Their numbers; `variable` is a name with its value."""
-    found = set()
-    for proc in pathlib.Path("/proc").iterdir():
-        with contextlib.suppress(OSError):
-            if proc.name.isdigit() and variable.encode() in (proc / "environ").read_bytes().split(b"\0"):
-                found.add(int(proc.name))
-    return found
+        daemon = {pid for pid in processes(self.mark) if words_of(pid)[-2:] == [b"-N", node.encode()]}
+        job = processes(f"SLURMD_NODENAME={node}")
+        assert daemon and job, f"nothing runs on {node}"
+        kill((daemon | {parent_of(pid) for pid in job} | job) - {1})
 
 
 def parent_of(pid):
@@ -162,8 +155,8 @@ def lines_in(path):
 
 def tasks():
     """State, node and number of each task of a shard that has not ended."""
-    text = output_of("squeue", "--noheader", "--array", "--name=zerklsc-shard", "--format=%T|%N|%i")
-    return [line.split("|") for line in text.splitlines()]
+    listed = output_of("squeue", "--noheader", "--array", "--name=zerklsc-shard", "--format=%T|%N|%i")
+    return [line.split("|") for line in listed.splitlines()]
 
 
 def make_lot(folder):
@@ -232,10 +225,7 @@ def run():
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--tool", required=True, type=pathlib.Path)
-    options = parser.parse_args()
-    os.environ["PATH"] = f"{options.tool.resolve().parent}:{os.environ['PATH']}:/usr/sbin"
+    os.environ["PATH"] = f"{options_with_tool(__doc__).parse_args().tool.parent}:{os.environ['PATH']}:/usr/sbin"
     signal.signal(signal.SIGALRM, too_late)
     signal.alarm(LONGEST)
     try:
