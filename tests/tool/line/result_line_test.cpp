@@ -54,20 +54,9 @@ std::string changed(const std::string& from, const std::string& to) {
     return text.replace(text.find(from), from.size(), to);
 }
 
-TEST(ResultLine, IsWrittenAsDocumented) {
+TEST(ResultLine, IsWrittenAndReadAsDocumented) {
     EXPECT_EQ(text_of(full_result()), full_text);
-}
-
-TEST(ResultLine, IsReadAsItIsWritten) {
-    const ResultLine read = result_line_of(full_text, "x:1");
-    EXPECT_EQ(read.serial, "A\"17");
-    EXPECT_EQ(read.illuminant, std::nullopt);
-    EXPECT_EQ(read.verdict, ModuleVerdict::warn);
-    EXPECT_EQ(read.frame->pattern, BayerPattern::gbrg);
-    EXPECT_EQ(read.checks[1].verdict, Verdict::refuse);
-    EXPECT_EQ(read.numbers.corner, std::nullopt);
-    EXPECT_EQ((*read.gains)[0], (std::vector<uint16_t>{1024, 1025, 1279, 1280, 0, 65535}));
-    EXPECT_EQ(text_of(read), full_text);
+    EXPECT_EQ(text_of(result_line_of(full_text, "x:1")), full_text);
 }
 
 TEST(ResultLine, OfAModuleThatCouldNotBeReadHasNulls) {
@@ -97,6 +86,8 @@ TEST(ResultLine, RefusesWhatIsTornOrWrong) {
         {"[64,65,66,67]", "[64,65,66]"},
         {"\"Gr\":0.25,", ""},
         {"\"width\":3", "\"width\":4"}, // one gain in six too few
+        {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUA"},
+        {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAP/*"},
         {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAP/="},
         {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAP/ "},
         {"AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAA=="},
@@ -107,7 +98,6 @@ TEST(ResultLine, RefusesWhatIsTornOrWrong) {
     EXPECT_NO_THROW(result_line_of(changed("\"serial\"", "\"later\":1,\"serial\""), "x:1"));
 }
 
-} // namespace
 // However the same line is written, it says the same.
 TEST(ResultLine, GainsAreReadWhereverTheyStand) {
     const ResultLine read = result_line_of(full_text, "x:1");
@@ -124,8 +114,7 @@ TEST(ResultLine, GainsAreReadWhereverTheyStand) {
     deeper.insert(deeper.rfind(",\"gains\":"), ",\"gains\":null,\"x\":{\"y\":1");
     deeper.insert(deeper.rfind(",\"tool\""), "}");
     EXPECT_EQ(result_line_of(deeper, "x:1").gains, std::nullopt);
-    EXPECT_THROW(result_line_of(changed("AAQBBP8EAAUAAP//", "AAQBBP8EAAUA"), "x:1"), Failure);
-    EXPECT_THROW(result_line_of(changed("AAQBBP8EAAUAAP//", "AAQBBP8EAAUAAP/*"), "x:1"), Failure);
 }
 
+} // namespace
 } // namespace zerklsc::tool
