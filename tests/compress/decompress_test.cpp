@@ -31,30 +31,6 @@ TEST(Decompress, EqualsItsSeparatePassesForAnyBytes) {
     }
 }
 
-// The fields have one sign per role, so that no gain leaves 0..65535 on the way, and no lower half is
-// lowered.
-TEST(Decompress, GainsAreTheQuantisedOnesAndCompressToTheSameStream) {
-    Random random(5);
-    for (int i = 0; i < 400; ++i) {
-        const int w = 1 + i % 9, h = w % 2 + 2 * static_cast<int>(random.between(1, 4)), mode = i / 4 % 2;
-        OtpSet set(w, h, i % 4, mode);
-        std::vector<int16_t> base(static_cast<size_t>(w * h)), less(base);
-        for (size_t n = 0; n < base.size(); ++n) {
-            base[n] = static_cast<int16_t>(random.between(0, mode == 1 ? 7 : 31));
-            less[n] = static_cast<int16_t>(random.between(mode == 1 ? -4 : -16, 0));
-        }
-        store_data(set.stream.data(), base.data(), less.data(), less.data(), less.data(), w, h,
-                   set.info.precision_mode);
-        const std::vector<uint8_t> stream = set.stream.copy();
-        lsc_decompress(&set.info);
-        const int half = mode == 1 ? 32 : 8;
-        for (uint16_t& gain : set.gains)
-            gain = static_cast<uint16_t>(gain + random.between(-half, half - 1));
-        lsc_compress(&set.info);
-        ASSERT_EQ(set.stream.copy(), stream) << w << " x " << h;
-    }
-}
-
 TEST(Decompress, UnknownModeLeavesUnityOffsetUnshiftedAndUnknownPatternTheInnerNodes) {
     OtpSet mode(9, 3, 1, 2), pattern(9, 4, 4, 0);
     for (int n = 0; n < 4 * 36; ++n)

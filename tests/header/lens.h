@@ -39,8 +39,6 @@ struct Shading {
         }
     }
 
-    size_t inner_nodes() const { return static_cast<size_t>((table_w - 2) * (table_h - 2)); }
-
     // The gain of the inner node (i, j) of plane 0.
     int gain(int i, int j) const { return tables[0][static_cast<size_t>((j + 1) * table_w + i + 1)]; }
 };
