@@ -87,5 +87,4 @@ int __open_2(const char* path, int flags) {
     }
 
 FAULTY_TRANSFER(write, (int fd, const void* bytes, size_t size), fd, bytes, size)
-FAULTY_TRANSFER(read, (int fd, void* bytes, size_t size), fd, bytes, size)
 FAULTY_TRANSFER(pread, (int fd, void* bytes, size_t size, off_t at), fd, bytes, size, at)

@@ -6,21 +6,10 @@ Ends with 77 where Chromium and its driver are missing."""
 import pathlib
 
 from lot import lines_of, results
-from page_checks import check_cells, check_drawn, check_legend, check_page, paths_of, tool_and_browser
+from page_checks import BARS, LINES, check_cells, check_drawn, check_legend, check_page, paths_of, tool_and_browser
 from tool import options_with_tool
 
 TITLES = "return [...document.querySelectorAll('.chart h3')].map(title => title.textContent)"
-# For each chart, how many of its pixels have some colour at all.
-DRAWN = """
-return [...document.querySelectorAll('.chart canvas')].map(canvas => {
-    const pixels = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
-    let count = 0;
-    for (let i = 0; i < pixels.length; i += 4)
-        count += pixels[i + 3] > 200 && Math.max(pixels[i], pixels[i + 1], pixels[i + 2])
-                 - Math.min(pixels[i], pixels[i + 1], pixels[i + 2]) > 60;
-    return count;
-});"""
-
 
 def shown_as(path, _):
     return (100, 5.1e-3) if path.endswith(("yield", "usual_spread", "widest_spread")) else (1, 5.1e-5)
@@ -43,7 +32,7 @@ def check_charts(browser, document):
     titles = browser.run(TITLES)
     assert titles[:3] == ["Corner gain", "Optical centre", "Yield"], titles
     assert [title.split(", ")[0] for title in titles[3:]] == [entry["name"] for entry in document["histograms"]]
-    check_drawn(browser, DRAWN, lambda counts: len(counts) == len(titles) and all(count > 100 for count in counts))
+    check_drawn(browser, LINES + BARS, lambda counts: len(counts) == len(titles) and all(sum(chart) > 100 for chart in counts))
 
 
 def check_legends(browser, document):

@@ -14,6 +14,23 @@ IMAGES = "return [...document.images].map(image => [image.naturalWidth, image.al
 LEGEND = "return [...document.querySelectorAll('%s .chart')[%d].querySelectorAll('.u-value')].map(v => v.textContent)"
 
 
+LINES, BARS = ["r", "gr", "gb", "b"], ["good", "doubt", "bad"]
+# For each chart, how many of its pixels are near each of the style's colours.
+DRAWN = """
+const style = getComputedStyle(document.documentElement);
+const colours = %s.map(name => style.getPropertyValue('--' + name).trim())
+    .map(text => [1, 3, 5].map(at => parseInt(text.slice(at, at + 2), 16)));
+return [...document.querySelectorAll('.chart canvas')].map(canvas => {
+    const pixels = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
+    return colours.map(colour => {
+        let count = 0;
+        for (let i = 0; i < pixels.length; i += 4)
+            count += pixels[i + 3] > 200 && colour.every((value, k) => Math.abs(pixels[i + k] - value) < 12);
+        return count;
+    });
+});"""
+
+
 @contextlib.contextmanager
 def tool_and_browser(options):
     if not available():
@@ -71,10 +88,10 @@ def check_legend(browser, section, number, wanted, off):
         assert text == "–" if value is None else abs(number_of(text) - value) < off, (text, wanted)
 
 
-def check_drawn(browser, script, is_drawn):
+def check_drawn(browser, colours, is_drawn):
     """The browser draws when it has the time: a slow machine is given ten seconds."""
     for _ in range(100):
-        counts = browser.run(script)
+        counts = browser.run(DRAWN % colours)
         if is_drawn(counts):
             return
         time.sleep(0.1)

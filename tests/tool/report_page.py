@@ -2,23 +2,8 @@
 
   report_page.py --tool build/release/tool/zerklsc
 Ends with 77 where Chromium and its driver are missing."""
-from page_checks import TAB, check_cells, check_drawn, check_legend, check_page, paths_of, tool_and_browser
+from page_checks import LINES, TAB, check_cells, check_drawn, check_legend, check_page, paths_of, tool_and_browser
 from tool import options_with_tool
-
-# For each chart, how many of its pixels are near the colour of each channel's line.
-COUNT_LINES = """
-const style = getComputedStyle(document.documentElement);
-const colours = ['r', 'gr', 'gb', 'b'].map(name => style.getPropertyValue('--' + name).trim())
-    .map(text => [1, 3, 5].map(at => parseInt(text.slice(at, at + 2), 16)));
-return [...document.querySelectorAll('.chart canvas')].map(canvas => {
-    const pixels = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
-    return colours.map(colour => {
-        let count = 0;
-        for (let i = 0; i < pixels.length; i += 4)
-            count += pixels[i + 3] > 200 && colour.every((value, k) => Math.abs(pixels[i + k] - value) < 12);
-        return count;
-    });
-});"""
 
 
 def shown_as(path, value):
@@ -43,8 +28,7 @@ def check_numbers(browser, document):
 
 
 def check_charts(browser):
-    check_drawn(browser, COUNT_LINES,
-                lambda counts: len(counts) == 8 and all(count > 20 for chart in counts for count in chart))
+    check_drawn(browser, LINES, lambda counts: len(counts) == 8 and all(count > 20 for chart in counts for count in chart))
 
 
 def check_keyboard(browser, document):

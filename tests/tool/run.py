@@ -20,6 +20,8 @@ import subprocess
 import sys
 import tempfile
 
+DEFAULTS = {"exit": "0\n", "stdout": "", "stderr": "", "files": ""}
+
 
 def run_case(case, tool):
     with tempfile.TemporaryDirectory() as top:
@@ -37,24 +39,18 @@ def run_case(case, tool):
             "files": "".join(f"{name}\n" for name in files)}
 
 
-def expected_of(case):
-    defaults = {"exit": "0\n", "stdout": "", "stderr": "", "files": ""}
-    return {name: (case / name).read_text() if (case / name).exists() else default
-            for name, default in defaults.items()}
-
-
 def renew(case, came):
     for name, text in came.items():
-        path = case / name
-        if text == ("0\n" if name == "exit" else ""):
-            path.unlink(missing_ok=True)
+        if text == DEFAULTS[name]:
+            (case / name).unlink(missing_ok=True)
         else:
-            path.write_text(text)
+            (case / name).write_text(text)
 
 
 def compare(case, came):
     same = True
-    for name, expected in expected_of(case).items():
+    for name, default in DEFAULTS.items():
+        expected = (case / name).read_text() if (case / name).exists() else default
         if came[name] != expected:
             same = False
             lines = difflib.unified_diff(expected.splitlines(True), came[name].splitlines(True),
