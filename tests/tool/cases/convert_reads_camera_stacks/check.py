@@ -51,14 +51,15 @@ def make_rkisp1():
     pathlib.Path("tuning.yaml").write_text("\n".join(lines) + "\n...\n")
 
 
-def make_alsc():
+def make_alsc(name, columns, rows):
     """Luminance that bends more than a single light's, and a list of each ratio in an order of its own."""
-    centres = {"first": (1 / 32, 1 / 24), "spacing": (1 / 16, 1 / 12)}
-    ratios = {c: [{"ct": light, "table": grid(16, 12, lambda u, v: gain(light, c, u, v) / green(5000, u, v), **centres)}
-                  for light in lights] for c, lights in (("R", (2856, 5000)), ("B", (5000, 2856)))}
+    def centres(surface):
+        return grid(columns, rows, surface, (0.5 / columns, 0.5 / rows), (1 / columns, 1 / rows))
+    ratios = {c: [{"ct": light, "table": centres(lambda u, v: gain(light, c, u, v) / green(5000, u, v))} for light in lights]
+              for c, lights in (("R", (2856, 5000)), ("B", (5000, 2856)))}
     alsc = {"luminance_strength": 0.7, "calibrations_Cr": ratios["R"], "calibrations_Cb": ratios["B"],
-            "luminance_lut": grid(16, 12, lambda u, v: green(5000, u, v), **centres)}
-    pathlib.Path("alsc.json").write_text(json.dumps({"version": 2.0, "algorithms": [{"rpi.agc": {}}, {"rpi.alsc": alsc}]}))
+            "luminance_lut": centres(lambda u, v: green(5000, u, v))}
+    pathlib.Path(name).write_text(json.dumps({"version": 2.0, "algorithms": [{"rpi.agc": {}}, {"rpi.alsc": alsc}]}))
 
 
 def make_dngs():
@@ -108,8 +109,8 @@ def check_same():
 def check():
     compare("rkisp1.json", lambda colour, u, v: gain(2856, colour, u, v), 0.5 * NEAR + 0.5, 0.5 * FAR * 1.25 + 0.5)
     exact = 0.51
-    compare("alsc_back.json", lambda colour, u, v: green(5000, u, v) if colour[0] == "G" else gain(5000, colour, u, v), exact,
-            exact)
+    for name in ("alsc_back.json", "large_back.json"):
+        compare(name, lambda colour, u, v: green(5000, u, v) if colour[0] == "G" else gain(5000, colour, u, v), exact, exact)
     compare("dng.json", lambda colour, u, v: gain(5000, colour, u, v), exact, exact)
     compare("half.json", lambda colour, u, v: gain(2856, "R", 0, v), exact, exact)
     compare("own_step.json", lambda colour, u, v: gain(5000, colour, u, v), exact, exact)
@@ -120,7 +121,8 @@ def check():
 
 if sys.argv[1] == "make":
     make_rkisp1()
-    make_alsc()
+    make_alsc("alsc.json", 16, 12)
+    make_alsc("large.json", 32, 32)
     make_dngs()
     make_tables()
 else:
