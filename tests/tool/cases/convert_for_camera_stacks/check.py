@@ -100,6 +100,9 @@ def check_plain():
 def check_dng():
     data = pathlib.Path("constant.dng").read_bytes()
     tags = read_directories(data)[0]
+    camera = {271: b"Unknown\0", 272: b"Bayer sensor\0", 50708: b"Unknown Bayer sensor\0", 50706: bytes([1, 4, 0, 0]),
+              50707: bytes([1, 3, 0, 0]), 50728: struct.pack("<6I", *[10000] * 6), 50778: struct.pack("<H", 21)}
+    assert {number: tags[number][1] for number in camera} == camera
     at = struct.unpack("<I", tags[273][1])[0]
     print("last tag", max(tags), "samples", data[at:] == struct.pack("<H", LEVEL) * (SIZE[0] * SIZE[1]))
     for plane, (colour, (head, values)) in enumerate(zip(COLOURS, read_gain_maps(data), strict=True)):
