@@ -39,6 +39,7 @@ TEST(Orvel, EqualsThePlainForm) {
             Guarded<uint16_t> raw(random_samples(random, static_cast<size_t>(c.width * c.height), spread),
                                   side);
             lsc2d_calib_param param = usual(c.grid, c.radius);
+            param.shading_type = 77, param.shading_percent = 5; // are not read
             param.boundary_mode = spread == Spread::low;
             param.border_aux = spread == Spread::high ? 0 : spread == Spread::any ? 1 : 7;
             Tables tables(w, h, side), plain(w, h);

@@ -126,27 +126,6 @@ TEST(HeaderClaims, MethodsOfTheGeneratorsAssumePatternZero) {
     EXPECT_NE(shading.tables[0], front_end(1));
 }
 
-TEST(HeaderClaims, WhatIsSaidNotToBeReadIsNotRead) {
-    std::vector<uint16_t> flat = lens_frame(160, 120, 700);
-    Shading plain(160, 120, 16, 2), other(160, 120, 16, 2);
-    AllocationScope leftovers_are_meant;
-    lsc2d_calib_param param;
-    lsc2d_calib_param_default(&param, 16, 3, 100);
-    EXPECT_EQ(lsc2d_calibration_orvel(flat.data(), 160, 120, plain.info.lsc_table, plain.table_w,
-                                      plain.table_h, &param),
-              0);
-    param.shading_type = 77, param.shading_percent = 5;
-    EXPECT_EQ(lsc2d_calibration_orvel(flat.data(), 160, 120, other.info.lsc_table, plain.table_w,
-                                      plain.table_h, &param),
-              0);
-    for (const int reserved : {0, -1}) {
-        const shading_t model{ZERKLSC_SHADING_LINEAR, 80, reserved};
-        apply_shading_table((reserved ? other : plain).tables[1].data(), 80, 60, 16, 16, 7, 6, &model);
-    }
-    for (size_t c = 0; c < 4; ++c)
-        EXPECT_EQ(plain.tables[c], other.tables[c]) << c;
-}
-
 // 7 x 6 entries that rise by 37 to the right and by 11 downwards.
 std::vector<uint16_t> source_table() {
     std::vector<uint16_t> table;

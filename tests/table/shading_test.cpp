@@ -22,7 +22,7 @@ double model(int32_t type, int32_t percent, int x, int y) {
 TEST(Shading, TheFloatTableHasNoBorderAndStaysInsideThePlane) {
     for (const int32_t type : {0, 1, 2, 3})
         for (const int32_t percent : {80, 100, 120}) {
-            const shading_t shading{type, percent, 0};
+            const shading_t shading{type, percent, percent - 100}; // the last is not read
             Guarded<uint16_t> table(std::vector<uint16_t>(11 * 8, 4096), Against::back);
             Guarded<float> factors(11 * 8);
             apply_shading_table(table.data(), 160, 100, 20, 24, 11, 8, &shading);

@@ -18,6 +18,10 @@ constexpr uint16_t untouched = 0xBEEF;
 // Which record pointer the corrections read a plane through, (x & 1) + 2 * (y & 1).
 constexpr size_t pointer_of_plane[4] = {0, 2, 1, 3};
 
+// By Bayer pattern and plane.
+constexpr const char* colours[4][4] = {
+    {"Gr", "R", "B", "Gb"}, {"R", "Gr", "Gb", "B"}, {"B", "Gb", "Gr", "R"}, {"Gb", "B", "R", "Gr"}};
+
 inline int plane_at(int x, int y) {
     return (x & 1) + 2 * (y & 1);
 }

@@ -19,8 +19,6 @@ TEST(OrvelOtp, FlatFieldHasUnityGainWhateverItsOddLastColumnAndRowHold) {
 }
 
 TEST(OrvelOtp, EveryPatternNamesTheColoursAndReachesTheTablesThatTheCorrectionsRead) {
-    const char* const colours[4][4] = {
-        {"Gr", "R", "B", "Gb"}, {"R", "Gr", "Gb", "B"}, {"B", "Gb", "Gr", "R"}, {"Gb", "B", "R", "Gr"}};
     for (uint8_t pattern = 0; pattern < 4; ++pattern) {
         FlatField field(80, 64, 8);
         field.param.bayer_pattern = pattern;

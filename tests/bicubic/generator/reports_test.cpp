@@ -24,12 +24,6 @@ uint32_t lines_with(const std::string& text, const std::string& words) {
     return lines;
 }
 
-// The colours of planes 0 to 3.
-const char* const colours[4][4] = {{"Gr ", "R ", "B ", "Gb "},
-                                   {"R ", "Gr ", "Gb ", "B "},
-                                   {"B ", "Gb ", "Gr ", "R "},
-                                   {"Gb ", "B ", "R ", "Gr "}};
-
 // Bright and black samples, and a right edge so dark that its continuation falls below 0.
 void paint_faults(FlatField& field, Random& random) {
     field.paint([&](int x, int y) {
@@ -71,7 +65,7 @@ void compare(const Pair& generator, int round, zerklsc_report& all) {
     constexpr int highest[4] = {1024, 4095, 16383, 16383}; // by ISP type
     for (int plane = 0; plane < 4; ++plane) {
         const size_t c = static_cast<size_t>(plane);
-        const std::string line = std::string("Warning:") + colours[silent.param.bayer_pattern][plane];
+        const std::string line = std::string("Warning:") + colours[silent.param.bayer_pattern][plane] + " ";
         EXPECT_EQ(silent.tables[c]->copy(), printed.tables[c]->copy());
         EXPECT_EQ(report.clipped_samples[c], lines_with(text, line));
         EXPECT_EQ(report.capped_nodes[c], printed.nodes_at(plane, highest[silent.param.isp_type])) << plane;

@@ -53,23 +53,21 @@ std::vector<T> random_matrix(Random& random, int n) {
     return a;
 }
 
-TYPED_TEST(MatrixInv, InvertsByHand) {
-    using T = TypeParam;
-    const struct {
-        int n;
-        std::vector<T> a, inverse;
-    } cases[] = {
-        {1, {4}, {0.25}},
-        {2, {2, 1, 1, 1}, {1, -1, -1, 2}},
-        {2, {0, 1, 4, 0}, {0, 0.25, 1, 0}},
-        {3, {0, 0, 8, 2, 0, 0, 0, 4, 0}, {0, 0.5, 0, 0, 0, 0.25, 0.125, 0, 0}},
-        {3, {2, -1, 0, -1, 2, -1, 0, -1, 2}, {0.75, 0.5, 0.25, 0.5, 1, 0.5, 0.25, 0.5, 0.75}},
-    };
-    for (const auto& c : cases) {
-        std::vector<T> a = c.a;
-        ASSERT_EQ(matrix_inv(a.data(), c.n), 0);
-        for (size_t i = 0; i < a.size(); ++i)
-            EXPECT_NEAR(a[i], c.inverse[i], 4 * std::numeric_limits<T>::epsilon()) << c.n << " " << i;
+TYPED_TEST(MatrixInv, TimesTheMatrixIsOne) {
+    Random random(5);
+    for (size_t n = 1; n <= 12; ++n) {
+        std::vector<TypeParam> a = random_matrix<TypeParam>(random, static_cast<int>(n));
+        for (size_t i = 0; i < n; ++i) // large enough for a good condition, and not where the search begins
+            a[i * n + (i + 1) % n] += static_cast<TypeParam>(2 * n);
+        std::vector<TypeParam> inverse = a;
+        ASSERT_EQ(matrix_inv(inverse.data(), static_cast<int>(n)), 0);
+        for (size_t k = 0; k < n * n; ++k) {
+            double sum = 0;
+            for (size_t l = 0; l < n; ++l)
+                sum += static_cast<double>(a[k / n * n + l]) * static_cast<double>(inverse[l * n + k % n]);
+            EXPECT_NEAR(sum, k / n == k % n,
+                        64 * static_cast<double>(std::numeric_limits<TypeParam>::epsilon()));
+        }
     }
 }
 
