@@ -7,7 +7,6 @@ Needs root, and Debian's slurm-wlm and munge; ends with 77 and a line that says 
 that it starts it ends, by process id.
 """
 import contextlib
-import csv
 import os
 import pathlib
 import shutil
@@ -19,11 +18,11 @@ import tempfile
 import time
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "tool"))
+from batch_line import Line, expect_call
 from tool import SKIPPED, options_with_tool
 
 MODULES, SHARDS = 240, 4
 LONGEST = 300  # seconds, for all of it
-CAPTURES = 8
 SCRIPTS = pathlib.Path(__file__).resolve().parents[2] / "scale" / "slurm"
 CONF = """\
 ClusterName=test
@@ -159,16 +158,6 @@ def tasks():
     return [line.split("|") for line in listed.splitlines()]
 
 
-def make_lot(folder):
-    for i in range(CAPTURES):
-        subprocess.run(["zerklsc", "simulate", "-q", "--width", "640", "--height", "480", "--seed", str(i),
-                        "--centre", f"{46 + i * i % 9},{45 + i % 8}", "-o", f"c{i}.pgm"], cwd=folder, check=True)
-    with open(folder / "lot.csv", "w", newline="") as file:
-        writer = csv.writer(file)
-        writer.writerow(["serial", "files"])
-        writer.writerows([f"M{i:04}", f"c{i * i % CAPTURES}.pgm"] for i in range(MODULES))
-
-
 def run_lost(cluster, folder):
     merge = output_of(SCRIPTS / "lot", folder / "lot.csv", folder / "results", str(SHARDS)).strip()
     running = wait_for("a shard on n2", lambda: [task for task in tasks() if task[:2] == ["RUNNING", "n2"]])
@@ -187,20 +176,16 @@ def run_lost(cluster, folder):
     print(f"n2 was lost when its shard was at {left} modules; another node went on")
 
 
-def compare(folder):
-    alone = folder / "alone"
-    alone.mkdir()
-    subprocess.run(["zerklsc", "batch", "-q", folder / "lot.csv", "-o", "results.jsonl"], cwd=alone, check=True)
-    with open(alone / "lot.json", "wb") as document:
-        subprocess.run(["zerklsc", "lot", "results.jsonl", "--golden", "golden.json", "-o", "lot.html", "--json"],
-                       cwd=alone, check=True, stdout=document)
-    results = folder / "results"
-    shards = [path.read_bytes().splitlines() for path in sorted(results.glob("shard-*.jsonl"))]
+def compare(line):
+    expect_call(line.batch("results.jsonl", "-q"), 0)
+    document = line.run("lot", "results.jsonl", "--golden", "golden.json", "-o", "lot.html", "--json").stdout
+    line.write("lot.json", document)
+    shards = [path.read_bytes().splitlines() for path in sorted(line.folder.glob("results/shard-*.jsonl"))]
     assert len(shards) == SHARDS and all(shards)
-    whole = (alone / "results.jsonl").read_bytes().splitlines()
+    whole = line.read("results.jsonl").splitlines()
     assert len(whole) == MODULES and sorted(sum(shards, [])) == sorted(whole), "the results differ"
     for name in ("golden.json", "lot.html", "lot.json"):
-        assert (results / name).read_bytes() == (alone / name).read_bytes(), f"{name} differs"
+        assert line.read(f"results/{name}") == line.read(name), f"{name} differs"
     print(f"{MODULES} modules: results, golden tables, page and document as from one process")
 
 
@@ -215,22 +200,22 @@ def check_machine():
         raise CannotRun(f"{', '.join(missing)} not installed")
 
 
-def run():
+def run(tool):
     with tempfile.TemporaryDirectory() as name:
-        folder = pathlib.Path(name)
-        make_lot(folder)
-        with Cluster(folder) as cluster:
-            run_lost(cluster, folder)
-        compare(folder)
+        line = Line(tool, name, MODULES, 640, 480)
+        with Cluster(line.folder) as cluster:
+            run_lost(cluster, line.folder)
+        compare(line)
 
 
 def main():
-    os.environ["PATH"] = f"{options_with_tool(__doc__).parse_args().tool.parent}:{os.environ['PATH']}:/usr/sbin"
+    tool = options_with_tool(__doc__).parse_args().tool
+    os.environ["PATH"] = f"{tool.parent}:{os.environ['PATH']}:/usr/sbin"
     signal.signal(signal.SIGALRM, too_late)
     signal.alarm(LONGEST)
     try:
         check_machine()
-        run()
+        run(tool)
     except CannotRun as reason:
         print(f"slurm.py: skipped: {reason}")
         sys.exit(SKIPPED)

@@ -27,17 +27,16 @@ import time
 from tool import SKIPPED, Tool, options_with_tool
 
 CAPTURES = 8
-# Small frames, and a grid that the stream holds.
-FRAME = ["--width", "64", "--height", "48"]
 
 
 class Line(Tool):
     """A folder with a manifest of modules that share a few captures."""
 
-    def __init__(self, tool, folder, modules):
+    def __init__(self, tool, folder, modules, width=64, height=48):
+        """The usual frames are small, and their grid is one that the stream holds."""
         super().__init__(tool, folder)
         for i in range(CAPTURES):
-            self.run("simulate", "--quiet", *FRAME, "--seed", i, "-o", f"c{i}.pgm")
+            self.run("simulate", "--quiet", "--width", width, "--height", height, "--seed", i, "-o", f"c{i}.pgm")
         self.modules = [f"M{i:05}" for i in range(modules)]
         self.rows = [[serial, f"c{i * i % CAPTURES}.pgm", ""] for i, serial in enumerate(self.modules)]
         self.write_manifest("lot.csv", self.rows)
