@@ -6,10 +6,8 @@ namespace {
 
 lsc2d_grid take_grid(zerklsc::fuzz::Input& input) {
     lsc2d_grid grid{};
-    grid.step_x = input.number();
-    grid.step_y = input.number();
-    grid.grid_w = input.number();
-    grid.grid_h = input.number();
+    for (int32_t* field : {&grid.step_x, &grid.step_y, &grid.grid_w, &grid.grid_h})
+        *field = input.number();
     return grid;
 }
 

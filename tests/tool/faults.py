@@ -51,10 +51,10 @@ faults = []
 class Case:
     """A folder with inputs, in which one command runs again and again."""
 
-    def __init__(self, options, folder, name):
-        self.options, self.folder, self.name = options, folder, name
+    def __init__(self, options, tool, name):
+        self.options, self.tool, self.folder, self.name = options, tool, tool.folder, name
         self.words, self.outputs = WRITERS[name][0].split(), WRITERS[name][1].split()
-        self.out, self.runs = folder / "out", 0
+        self.out, self.runs = tool.folder / "out", 0
         self.fresh()
         self.before = self.content()
         started = time.monotonic()
@@ -87,8 +87,7 @@ class Case:
         told, tell = os.pipe()
         shim = {"LD_PRELOAD": str(self.options.shim), "FAULT_ACTION": action, "FAULT_CALL": call, "FAULT_AT": str(at),
                 "FAULT_ERRNO": str(number), "FAULT_FILE": file, "FAULT_TOLD": str(tell)} if action else {}
-        done = subprocess.run([self.options.tool, *self.words], cwd=self.folder, env={**os.environ, **shim}, pass_fds=[tell],
-                              capture_output=True, text=True, check=False, timeout=300)
+        done = self.tool.call(*self.words, env={**os.environ, **shim}, pass_fds=[tell], timeout=300)
         os.close(tell)
         with os.fdopen(told, "rb") as pipe:
             reached = pipe.read() != b""
@@ -213,7 +212,7 @@ def main():
                 (tool.folder / "out").mkdir(exist_ok=True)
                 try_hostile_numbers(tool)
                 continue
-            case = Case(options, tool.folder, name)
+            case = Case(options, tool, name)
             case.try_failures()
             case.try_halves()
             case.try_kills()

@@ -56,10 +56,7 @@ TEST(OtpContainer, HoldsTheBytesOfTheFormat) {
     const std::string bytes = encode_otp_container(small_container());
     EXPECT_EQ(bytes, with_checksum(small_bytes()));
     EXPECT_EQ(bytes.substr(bytes.size() - 4), "\xEC\xF4\xA0\x4A");
-    const OtpContainer read = decode_otp_container(bytes, "m");
-    EXPECT_EQ(read.serial, "A-17");
-    EXPECT_EQ(read.stream, small_container().stream);
-    EXPECT_EQ(encode_otp_container(read), bytes);
+    EXPECT_EQ(encode_otp_container(decode_otp_container(bytes, "m")), bytes);
 }
 
 TEST(OtpContainer, FindsEveryFlippedBit) {
