@@ -97,29 +97,7 @@ def read_png(path, most=None):
         at += 12 + length
     width, height, depth, colours, _, _, interlaced = header
     assert (depth, colours, interlaced) == (8, 2, 0), header
-    raw, rows, above = zlib.decompress(packed), [], bytes(3 * width)
-    for y in range(height if most is None else most):
-        start = y * (3 * width + 1)
-        above = unfiltered(raw[start], bytearray(raw[start + 1:start + 1 + 3 * width]), above)
-        rows.append([tuple(above[3 * x:3 * x + 3]) for x in range(width)])
-    return rows
-
-
-def unfiltered(kind, row, above):
-    """A row whose bytes are kept as differences to what the filter of that kind makes of their neighbours."""
-    if kind == 0:
-        return row
-    if kind == 2:
-        return bytes([value + up & 255 for value, up in zip(row, above)])
-    for i, up in enumerate(above):
-        left, corner = (row[i - 3], above[i - 3]) if i >= 3 else (0, 0)
-        row[i] = row[i] + (left if kind == 1 else (left + up) // 2 if kind == 3 else paeth(left, up, corner)) & 255
-    return row
-
-
-def paeth(left, up, corner):
-    """The neighbour that is nearest to left + up - corner."""
-    to_left, to_up, to_corner = abs(up - corner), abs(left - corner), abs(left + up - 2 * corner)
-    if to_left <= to_up and to_left <= to_corner:
-        return left
-    return up if to_up <= to_corner else corner
+    raw, stride = zlib.decompress(packed), 3 * width + 1
+    lines = [raw[y * stride:(y + 1) * stride] for y in range(height)]
+    assert len(raw) == height * stride and all(line[0] == 0 for line in lines)
+    return [[tuple(line[at:at + 3]) for at in range(1, stride, 3)] for line in lines]

@@ -5,7 +5,6 @@ Rounding by half a unit becomes more between nodes: the weights of the cubic add
 so to 1.25 ** 2 in two directions. Beyond the last node it becomes 3 * 1 + 3 * 1.25 + 1.25 = 8 times more in a direction.
 """
 import json
-import math
 import pathlib
 import re
 import sys
