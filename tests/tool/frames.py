@@ -81,8 +81,8 @@ def nodes_of(tables, border=1):
                 yield entry["colour"], u, v, gains[j][i]
 
 
-def read_png(path, most=None):
-    """Rows of (red, green, blue); the first ones alone, for reading takes long."""
+def read_png(path):
+    """Rows of (red, green, blue), which the tool writes without filters."""
     data = open(path, "rb").read()
     assert data[:8] == b"\x89PNG\r\n\x1a\n"
     at, packed, header = 8, b"", None
