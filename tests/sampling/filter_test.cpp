@@ -35,7 +35,9 @@ TEST(Filter, CoversStrideManyRowsOfTheGivenColumns) {
                  {3, 2500, box(2)},
                  {2, 700, gaussian(40, &broad)},
                  {4, 9, gaussian(150, &wide)}};
-    for (const auto& [s1, s2, filter] : cases) {
+    for (const auto& c : cases) {
+        const int32_t s1 = c.s1, s2 = c.s2;
+        const imfilter_t& filter = c.filter;
         const size_t margin = static_cast<size_t>(filter.filter_radius * (s1 + 1));
         const size_t size = static_cast<size_t>((s1 - 1) * s1 + s2);
         Guarded<uint16_t> src(random_samples(random, 2 * margin + size, Spread::high), Against::back),

@@ -45,10 +45,11 @@ void expect_sums_of_taps(const PlaneSet& planes, const Window& window,
 TEST(WindowSums, RowByRowEqualsTapByTap) {
     Random random(31);
     float sigma = 3.0f;
-    for (const auto& [w, h] : {std::pair{1, 1}, std::pair{2, 9}, std::pair{23, 6}, std::pair{37, 41}})
+    for (const auto& size : {std::pair{1, 1}, std::pair{2, 9}, std::pair{23, 6}, std::pair{37, 41}})
         for (const int32_t r : {0, 1, 4, 8, 19})
             for (const imfilter_t& filter : {box(r, ZERKLSC_BOUNDARY_CLAMP), gaussian(r, &sigma, 1), box(r),
                                              gaussian(r, &sigma, ZERKLSC_BOUNDARY_MIRROR)}) {
+                const int32_t w = size.first, h = size.second;
                 const bool clamp = filter.boundary_mode == ZERKLSC_BOUNDARY_CLAMP;
                 if (!clamp && r >= std::min(w, h))
                     continue;
