@@ -77,7 +77,6 @@ bool ProgressLine::is_due() {
 
 void ProgressLine::show(const std::string& text) {
     std::fputs(("\r\033[K" + one_line(text)).c_str(), stderr);
-    std::fflush(stderr);
     shown_ = true;
     last_ = std::chrono::steady_clock::now();
 }
@@ -88,10 +87,8 @@ void ProgressLine::clear() {
 }
 
 Progress::Progress(const std::string& activity) : shown_(!quiet && isatty(STDERR_FILENO) == 1) {
-    if (shown_) {
+    if (shown_)
         std::fputs((one_line(activity) + " ...").c_str(), stderr);
-        std::fflush(stderr);
-    }
 }
 
 Progress::~Progress() {
