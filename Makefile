@@ -1,7 +1,7 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test fuzz coverage test-targets test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages test-faults
+.PHONY: help demo test fuzz coverage test-targets test-memory test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages test-faults
 
 help:
 	@echo "make demo           install what is missing, build, calibrate and correct a simulated module, show the result"
@@ -9,6 +9,7 @@ help:
 	@echo "make fuzz           run every fuzz target for a minute; SECONDS=600 for ten"
 	@echo "make coverage       build once more, and tell which share of the branches the tests take"
 	@echo "make test-targets   run the tests and compare stored answers on every processor that Debian cross-compiles for"
+	@echo "make test-memory    look at every exported function with MemorySanitizer and with valgrind, in about five minutes"
 	@echo "make test-verdicts  try every verdict of the check command at 13 megapixels"
 	@echo "make test-kills     kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
 	@echo "make test-faults    kill every command that writes at 300 random moments, and fail each of its system calls"
@@ -55,6 +56,15 @@ test-targets: packages
 	    cmake --preset "$$preset" > /dev/null; cmake --build --preset "$$preset"; ctest --preset "$$preset" -j "$$(nproc)"; done
 	@QEMU_CPU=cortex-a15,neon=off ctest --preset arm -j "$$(nproc)"
 	@tests/answers/everywhere.sh
+
+test-memory: packages
+	@cmake/install-packages.sh ci memory
+	@cmake --preset msan > /dev/null
+	@cmake --build --preset msan
+	@ctest --preset msan
+	@cmake --preset release > /dev/null
+	@cmake --build --preset release --target zerklsc_answers
+	@valgrind --quiet --error-exitcode=1 build/release/tests/answers/zerklsc_answers tests/answers/answers.txt
 
 test-verdicts: configured
 	@cmake --build --preset release --target zerklsc_tool

@@ -3,6 +3,7 @@
 #   build    the library, the tool and the tests
 #   ci       sanitizers with a second compiler, cross compilers and emulators, a browser for the report
 #   targets  a linker for all of them
+#   memory   what looks at memory from outside a program
 #   coverage what counts the branches that the tests take
 #   lint     what looks at the sources: formatting, faults, scripts, the reference of the header
 #   package  Debian's tools for packages
@@ -16,12 +17,13 @@ packages_of() {
     ci) echo clang libclang-rt-14-dev abigail-tools darktable libimage-exiftool-perl chromium chromium-driver googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu ;;
     targets) echo lld ;;
+    memory) echo valgrind ;;
     coverage) echo gcovr ;;
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev linux-perf ;;
     slurm) echo slurm-wlm munge ;;
-    *) echo "install-packages.sh: unknown step '$1' (build, ci, targets, coverage, lint, package, bench or slurm)" >&2 && exit 2 ;;
+    *) echo "install-packages.sh: unknown step '$1' (build, ci, targets, memory, coverage, lint, package, bench or slurm)" >&2 && exit 2 ;;
     esac
 }
 

@@ -4,7 +4,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -28,11 +28,14 @@ std::vector<std::string> answers() {
     return lines;
 }
 
+// By C's streams: MemorySanitizer knows what they write, but not what the C++ library's do.
 std::vector<std::string> lines_of(const char* path) {
-    std::ifstream file(path);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);)
-        lines.push_back(line);
+    std::FILE* const file = std::fopen(path, "r");
+    for (char line[1024]; file != nullptr && std::fgets(line, sizeof line, file) != nullptr;)
+        lines.emplace_back(line, std::strcspn(line, "\n"));
+    if (file != nullptr)
+        std::fclose(file);
     return lines;
 }
 
