@@ -31,8 +31,7 @@ struct Options {
 void bring_to_10_bits(RawFrame& frame, bool scale) {
     if (frame.bits > isp_bits && !scale)
         data_failure("{}: has {}-bit samples, and the ISP corrects 10-bit samples: pass --scale to correct "
-                     "them scaled "
-                     "to 10 bits",
+                     "them scaled to 10 bits",
                      frame.name, frame.bits);
     scale_to_10_bits(frame);
 }

@@ -37,8 +37,7 @@ void check_tvessa2(const RawFrame& frame, const GainTables& tables, const std::s
     if (!tvessa2_reads_rows(w, tables.step))
         data_failure(
             "{}: step {} leaves one column of the {} samples of a plane beyond the last whole cell, where "
-            "the "
-            "tvessa2 ISP reads the tables one node short per row: calibrate with step {}, or correct as "
+            "the tvessa2 ISP reads the tables one node short per row: calibrate with step {}, or correct as "
             "the vessal2 ISP does",
             tables_name, tables.step, w, nearest_steps(w, tables.step));
     if (tvessa2_phases % tables.step != 0)
@@ -64,8 +63,7 @@ Isp isp_of_algorithm(int algorithm) {
 void correct(RawFrame& frame, GainTables tables, const std::string& tables_name, Isp isp) {
     if (frame.width != tables.raw_width || frame.height != tables.raw_height)
         data_failure("{}: is for frames of {} x {}, but {} is {} x {}: calibrate at that size, or carry the "
-                     "tables over "
-                     "with zerklsc resample",
+                     "tables over with zerklsc resample",
                      tables_name, tables.raw_width, tables.raw_height, frame.name, frame.width, frame.height);
     if (isp == Isp::tvessa2)
         check_tvessa2(frame, tables, tables_name);
