@@ -6,6 +6,7 @@ import json
 import pathlib
 import re
 import struct
+import subprocess
 import sys
 
 from dng import read_directories, read_gain_maps
@@ -86,6 +87,7 @@ def check_android(name, light):
 def check_plain():
     nodes = [gain for entry in read_tables("warm.json")["tables"] for row in entry["gains"] for gain in row]
     c = pathlib.Path("warm.h").read_text()
+    subprocess.run(["c++", "-x", "c++", "-std=c++20", "-fsyntax-only", "warm.h"], check=True)
     expect("c", [int(n) for n in re.findall(r"\d+", c[c.index("= {"):])], nodes, 0)
     lines = pathlib.Path("warm.csv").read_text().splitlines()
     print(lines[0], lines[10])
