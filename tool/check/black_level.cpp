@@ -24,7 +24,7 @@ struct Estimate {
 
 // How far the stated level lies outside of what the noise allows; nothing when the noise does not end at a
 // level.
-std::optional<Estimate> estimate(const std::vector<NoisePoint>& curve, double stated) {
+std::optional<Estimate> estimate(const std::vector<NoisePoint>& curve, double stated, Pixels pixels) {
     const auto line = fit_noise_line(curve);
     if (!line || line->misfit > largest_misfit)
         return {};
@@ -40,7 +40,7 @@ std::optional<Estimate> estimate(const std::vector<NoisePoint>& curve, double st
         estimate.off = 0;
     // Pixels of unequal response bend the curve, which looks like a higher black level. When a curve that
     // ends at the stated level fits as well, that is the simpler explanation.
-    if (estimate.off < 0
+    if (pixels == Pixels::unequal && estimate.off < 0
         && fits_as_well(fit_noise_parabola(curve, stated).misfit, line->misfit, curve.size()))
         estimate.off = 0;
     return estimate;
@@ -49,16 +49,16 @@ std::optional<Estimate> estimate(const std::vector<NoisePoint>& curve, double st
 // The planes of a sensor share one curve, which together reaches further; where their gains differ, each has
 // its own.
 std::optional<Estimate> estimate(const FlatCapture& capture,
-                                 const std::array<std::vector<NoisePoint>, 4>& curves) {
+                                 const std::array<std::vector<NoisePoint>, 4>& curves, Pixels pixels) {
     std::vector<NoisePoint> all;
     for (size_t plane = 0; plane < 4; ++plane)
         for (const NoisePoint& p : curves[plane])
             all.push_back({p.level - capture.black[plane] + capture.black[0], p.variance});
     if (const auto together = fit_noise_line(all); together && together->misfit < 0.04)
-        return estimate(all, capture.black[0]);
+        return estimate(all, capture.black[0], pixels);
     std::vector<Estimate> each;
     for (size_t plane = 0; plane < 4; ++plane)
-        if (const auto one = estimate(curves[plane], capture.black[plane]))
+        if (const auto one = estimate(curves[plane], capture.black[plane], pixels))
             each.push_back(*one);
     if (each.empty())
         return {};
@@ -72,11 +72,12 @@ void check_black_level(const Judgement& judgement) {
     std::array<std::vector<NoisePoint>, 4> curves;
     for (size_t plane = 0; plane < 4; ++plane)
         curves[plane] = judgement.analysis.planes[plane].noise;
-    judge_black_level(judgement, curves);
+    judge_black_level(judgement, curves, Pixels::unequal);
 }
 
-void judge_black_level(const Judgement& judgement, const std::array<std::vector<NoisePoint>, 4>& curves) {
-    const auto found = estimate(judgement.capture, curves);
+void judge_black_level(const Judgement& judgement, const std::array<std::vector<NoisePoint>, 4>& curves,
+                       Pixels pixels) {
+    const auto found = estimate(judgement.capture, curves, pixels);
     // A processed capture has no such curve, and says nothing about its black level.
     if (!found) {
         judgement.findings.push_back(judgement.limits.not_judged(

@@ -41,8 +41,11 @@ void check_light(const Judgement& judgement);
 void check_scene(const Judgement& judgement);
 void check_defects(const Judgement& judgement, const Outliers& outliers);
 void check_black_level(const Judgement& judgement);
+// Whether a noise curve holds how unequal the pixels are; the difference of two captures does not.
+enum class Pixels { unequal, cancelled };
 // The same by the curves of the planes.
-void judge_black_level(const Judgement& judgement, const std::array<std::vector<NoisePoint>, 4>& curves);
+void judge_black_level(const Judgement& judgement, const std::array<std::vector<NoisePoint>, 4>& curves,
+                       Pixels pixels);
 void check_colours(const Judgement& judgement);
 void check_grid(const Judgement& judgement);
 

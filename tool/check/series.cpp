@@ -101,7 +101,7 @@ void check_black_level_of_pair(const Judgement& judgement, const CheckedFlat& ot
         curves[plane] =
             photon_transfer(judgement.analysis.tiles.planes[plane], noise.planes[plane], noise.side);
     std::erase_if(judgement.findings, [](const Finding& f) { return f.name == "black-level"; });
-    judge_black_level(judgement, curves);
+    judge_black_level(judgement, curves, Pixels::cancelled);
 }
 
 } // namespace zerklsc::tool
