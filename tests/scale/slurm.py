@@ -141,7 +141,9 @@ class Cluster:
         daemon = {pid for pid in processes(self.mark) if words_of(pid)[-2:] == [b"-N", node.encode()]}
         job = processes(f"SLURMD_NODENAME={node}")
         assert daemon and job, f"nothing runs on {node}"
-        kill((daemon | {parent_of(pid) for pid in job} | job) - {1})
+        # In this order: a step that saw its job end would report it, and the job would not be queued again.
+        for ended in daemon, {parent_of(pid) for pid in job} - job - {1}, job:
+            kill(ended)
 
 
 def parent_of(pid):
