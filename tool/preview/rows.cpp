@@ -53,7 +53,9 @@ Panel colour_panel(const Shown& shown, Colour colour, const char* when, PanelSiz
 double PanelRow::beyond_scale() const {
     size_t beyond = 0, all = 0;
     for (const Panel& panel : panels) {
-        const auto outside = [this](double v) { return v < low || v > high; };
+        // The brightest place may come out one rounding above 100 %.
+        const double slack = 1e-9 * (high - low);
+        const auto outside = [&](double v) { return v < low - slack || v > high + slack; };
         beyond += static_cast<size_t>(std::ranges::count_if(panel.field.values, outside));
         all += panel.field.values.size();
     }
