@@ -14,11 +14,9 @@ int32_t records(W& b) {
     int32_t* const sizes = b.written.put(std::vector<int32_t>(4));
     lsc2d_grid_samples(b.w, b.h, b.s, b.s, &sizes[0], &sizes[1]);
     lsc2d_table_size(b.w, b.h, b.s, b.s, &sizes[2], &sizes[3]);
-    isp_param_tag* const isp = b.written.put(isp_param_tag{});
-    lsc2d_info* const info = b.written.put(lsc2d_info{});
-    lsc2d_info_to_isp_param(b.info(2, b.tables), isp);
-    isp_param_to_lsc2d_info(info, b.isp(b.tables));
-    return isp->grid + info->shading_percent;
+    lsc2d_info_to_isp_param(b.info(2, b.tables), b.out_isp);
+    isp_param_to_lsc2d_info(b.out_info, b.isp(b.tables));
+    return 0;
 }
 
 int32_t black_level(W& b) {
@@ -258,7 +256,10 @@ constexpr EntryPoint all[] = {
      "get_cubic_coef",
      weights},
     {"bicubic_lnc_correction_vessaL2",
-     [](W& b) { return bicubic_lnc_correction_vessaL2(b.raw, b.frame, b.written.put(*b.isp(b.tables))); }},
+     [](W& b) {
+         *b.out_isp = *b.isp(b.tables);
+         return bicubic_lnc_correction_vessaL2(b.raw, b.frame, b.out_isp);
+     }},
     {"bicubic_lnc_correction_vessaL2_core",
      [](W& b) { return bicubic_lnc_correction_vessaL2_core(b.raw, b.frame, b.isp(b.tables)); }},
     {"bicubic_lnc_correction_tvessa2",
@@ -307,6 +308,22 @@ constexpr EntryPoint all[] = {
     {"zerklsc_status_text zerklsc_version",
      [](W&) { return zerklsc_status_text(ZERKLSC_BAD_STEP)[0] + 256 * (zerklsc_version() > 0); }},
 };
+
+// The numbers in records that hold pointers too, for the digest.
+void put_numbers(Arena& to, const lsc2d_info& info) {
+    to.put(std::vector<int32_t>{info.width, info.height, info.grid, info.shading_percent, info.filter_radius,
+                                info.algorithm});
+    to.put(info.weight);
+}
+
+void put_numbers(Arena& to, const isp_param_tag& isp) {
+    to.put(std::vector<uint8_t>{isp.blc[0], isp.blc[1], isp.blc[2], isp.blc[3], isp.bayer_pattern,
+                                isp.isp_type});
+    to.put(std::vector<int32_t>{isp.grid, isp.shading_percent, isp.filter_radius, isp.isp_algorithm,
+                                isp.width, isp.height});
+    to.put(isp.weight);
+    to.put(isp.corner_ratio);
+}
 
 // As many numbers between two.
 template <class T>
@@ -395,6 +412,8 @@ std::span<const EntryPoint> entry_points() {
 uint64_t digest_of(const EntryPoint& entry, uint64_t seed) {
     Workbench bench(seed);
     bench.written.put(entry.call(bench));
+    put_numbers(bench.written, *bench.out_info);
+    put_numbers(bench.written, *bench.out_isp);
     return bench.written.digest();
 }
 
