@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "header/lens.h"
 #include "support/allocations.h"
@@ -124,6 +125,23 @@ TEST(HeaderClaims, MethodsOfTheGeneratorsAssumePatternZero) {
     EXPECT_EQ(lsc2d_calibration_wrapper(frame.data(), &shading.info), 0);
     EXPECT_EQ(shading.tables[0], front_end(0)); // and method 0 leaves them so
     EXPECT_NE(shading.tables[0], front_end(1));
+}
+
+TEST(HeaderClaims, AConstantPlaneGivesItsLevelOrTheNumberBesideIt) {
+    int beside = 0;
+    for (const int level : {1, 3, 700, 1023, 65535})
+        for (int radius = 0; radius <= 40; ++radius) {
+            const std::vector<uint16_t> plane(82 * 82, static_cast<uint16_t>(level));
+            const imfilter_t box{ZERKLSC_FILTER_BOX, radius, ZERKLSC_BOUNDARY_CLAMP, nullptr};
+            const float exact = static_cast<float>(level);
+            float sample = 0;
+            ASSERT_EQ(img_sample_grid(plane.data(), &sample, 82, 82, 8, 8, 1, 1, &box), 0);
+            EXPECT_TRUE(sample == exact || sample == std::nextafter(exact, 0.0f)
+                        || sample == std::nextafter(exact, 1e9f))
+                << level << ' ' << radius;
+            beside += sample != exact;
+        }
+    EXPECT_GT(beside, 0);
 }
 
 // 7 x 6 entries that rise by 37 to the right and by 11 downwards.
