@@ -172,6 +172,7 @@ TEST_F(BandsCall, HostileRowsStridesAndOverlapsAreRefusedAndNothingIsWritten) {
         {{160, 160, 20 * 80}, 0, 20, ZERKLSC_OK},
     };
     for (const auto& c : cases) {
+        frame = before;
         EXPECT_EQ(run(c.first_row, c.rows, c.at), c.status) << &c - cases;
         EXPECT_EQ(frame == before, c.status != ZERKLSC_OK) << &c - cases;
     }
