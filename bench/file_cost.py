@@ -52,12 +52,13 @@ def section(tool, rounds):
     milliseconds = {what: 1e3 * statistics.median(run.processor for run in those) for what, those in runs.items()}
     copy = milliseconds["`dd bs=32M`"]
     rows = [[what, f"{milliseconds[what]:.1f}", held(milliseconds[what] / copy, cost),
-             held(max(run.megabytes for run in runs[what]) / frame, memory)]
+             held(max(run.megabytes for run in runs[what]) / frame, memory) if memory else ""]
             for what, (_, cost, memory) in tried.items()]
     return f"{HEADING}\n\n" + paragraph(
-        f"`make bench RENEW=1` measures this and writes it here. {machine()}. A simulated flat of {WIDTH} x {HEIGHT}, {frame:.0f} MiB as PGM, in "
-        f"memory: processor time (user and system, median of {rounds} runs in turn) against one read and one write, and "
-        "the largest memory against the frame. Goals in brackets; a figure in bold misses its goal.") + table(
+        f"`make bench RENEW=1` measures this and writes it here. {machine()}. A simulated flat of {WIDTH} x {HEIGHT}, "
+        f"{frame:.0f} MiB as PGM, in memory: processor time (user and system, median of {rounds} runs in turn) against "
+        "one read and one write, and the largest memory against the frame. Goals in brackets; a figure in bold misses "
+        "its goal.") + table(
             ["command", "ms of a processor", "× dd", "× frame"], rows)
 
 

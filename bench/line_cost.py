@@ -64,7 +64,7 @@ def batch_table(line, counts):
         rates[size, modules, jobs, bool(more)] = modules / run.seconds
         rows.append([f"{size[0]} x {size[1]}" + (", tables and streams written" if more else ""), f"{modules:,}", jobs,
                      figures(modules / run.seconds / jobs), figures(1e3 * run.processor / modules),
-                     f"{run.megabytes:.0f}", f"{run.line / 1e3:.1f}"])
+                     run.peak, f"{run.line / 1e3:.1f}"])
         large = run if size == LARGE else large
     text = table(["captures", "modules", "workers", "modules per second and core", "ms of a processor each", "peak MB",
                   "KB of results each"], rows)
@@ -109,7 +109,7 @@ def lot_table(line, counts):
             run = Run(line.tool, "lot", *words)
             each = run.processor / count
             rows.append([what, f"{count:,}", figures(run.processor),
-                         figures(1e6 * each) if results in words else "–", f"{run.megabytes:.0f}"])
+                         figures(1e6 * each) if results in words else "–", run.peak])
             if partial in words and results in words:
                 summary = each
     return table(["command", "results", "s of a processor", "s per million", "peak MB"], rows), summary

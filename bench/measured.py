@@ -4,6 +4,7 @@ import os
 import pathlib
 import platform
 import re
+import resource
 import subprocess
 import sys
 import textwrap
@@ -22,6 +23,9 @@ class Run:
         self.seconds = time.monotonic() - begun
         self.processor = usage.ru_utime + usage.ru_stime
         self.megabytes = usage.ru_maxrss / 1024
+        # Linux counts what a process was before it became the command: this program.
+        own = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss / 1024
+        self.peak = f"{self.megabytes:.0f}" if self.megabytes > own else f"≤ {self.megabytes:.0f}"
 
 
 def table(heads, rows):
