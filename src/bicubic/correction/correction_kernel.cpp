@@ -230,21 +230,19 @@ template <bool ten_bits>
         }
 }
 
-template <bool may_have_ten_bits>
-[[gnu::always_inline]] inline void correct_whole_lines(Cell cell, int32_t lines, const uint16_t* in,
-                                                       uint16_t* out) {
-    if constexpr (may_have_ten_bits)
-        if (have_ten_bits(in, lines))
-            return correct_lines<true>(cell, lines, in, out);
-    correct_lines<false>(cell, lines, in, out);
-}
-
 // The horizontal pass over the first `pixels` pixels of a cell; `room` are left in the row. The lines are
 // looked at before they are corrected, which may be in place.
 [[gnu::always_inline]] inline void correct_cell(Cell cell, int32_t pixels, int32_t room, const uint16_t* in,
                                                 uint16_t* out) {
     const int32_t lines = pixels / line_pixels;
-    correct_whole_lines<multiplies_rounded_at_once>(cell, lines, in, out);
+    if constexpr (multiplies_rounded_at_once) {
+        if (have_ten_bits(in, lines))
+            correct_lines<true>(cell, lines, in, out);
+        else
+            correct_lines<false>(cell, lines, in, out);
+    } else {
+        correct_lines<false>(cell, lines, in, out);
+    }
     cell.taps += lines * line_vectors;
     int32_t x = lines * line_pixels;
     for (; x + lanes<Words> <= pixels; x += lanes<Words>, ++cell.taps)
