@@ -44,7 +44,7 @@ Dead dead_tiles(const Judgement& judgement) {
 constexpr int corner_side = 5; // plane samples
 // A corner with the part `correctable` of the brightest light can be corrected, whatever darkens it: it
 // counts as much as the usual limit at least.
-constexpr double correctable = 0.25, refused_part = 0.3, warned_only = 0.6;
+constexpr double correctable = 0.25, warned_only = 0.6;
 const std::array<const char*, 4> corner_names{"top left", "top right", "bottom left", "bottom right"};
 
 struct Span {
@@ -85,8 +85,9 @@ double corner_part(const Judgement& judgement, size_t plane, size_t corner) {
     const double noise = std::sqrt(1.57 * variance_at(p.noise, black + expected)) / corner_side;
     const double light = median_of(samples) - black + 4 * noise;
     // A barrel vignettes the corners more steeply than any smooth surface does.
-    return std::max(light / expected,
-                    std::min(light / std::max(p.bright, 1e-3) * refused_part / correctable, warned_only));
+    return std::max(
+        light / expected,
+        std::min(light / std::max(p.bright, 1e-3) * (refused_corner / 100) / correctable, warned_only));
 }
 
 // A mask of a few pixels darkens the outermost sample of a corner in every plane. Along both sides of the

@@ -34,7 +34,7 @@ const std::vector<CheckLimit>& usual_limits() {
         {"dead-area", "tiles", {1, 4}, "tiles of 8 x 8 plane samples, 2 x 2 in small frames, without light"},
         {"corner",
          "%",
-         {70, 30},
+         {70, refused_corner},
          "light of the outermost samples of a corner, of what lens and surroundings explain"},
         {"gain", "x", {10, 16}, "largest gain that a node needs"},
         {"fall-off", "%", {97, none}, "light at the edge of the frame, of the brightest"},

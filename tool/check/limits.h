@@ -17,6 +17,9 @@ struct CheckLimit {
     const char* meaning;
 };
 
+// From which on "corner" refuses unless the user says otherwise, in per cent.
+constexpr double refused_corner = 30;
+
 // In the order in which the checks are reported.
 const std::vector<CheckLimit>& usual_limits();
 
