@@ -37,7 +37,9 @@ int32_t init_center_points(int32_t width, int32_t height, pix_point** points, in
     if (list == nullptr)
         return -1;
     ptrdiff_t k = 0;
-    for (int32_t j = 0; j < 2 * cluster.rows; ++j) {
+    // Rows without a point can be so many that passing over them takes seconds.
+    const int32_t rows = cluster.columns == 0 ? 0 : 2 * cluster.rows;
+    for (int32_t j = 0; j < rows; ++j) {
         for (int32_t i = 0; i < 2 * cluster.columns; ++i, ++k) {
             list[static_cast<size_t>(k)].x = cluster.column(i);
             list[static_cast<size_t>(k)].y = cluster.row(j);
