@@ -1,4 +1,5 @@
 // lsc2d_calibration_wrapper with any record on any small frame.
+#include "support/allocations.h"
 #include "support/input.h"
 #include "zerklsc.h"
 
@@ -15,6 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     const std::vector<uint16_t> raw = input.buffer<uint16_t>(samples);
     const auto tables = take_tables(input, info, entries);
+    const zerklsc::testing::AllocationScope frees_what_is_left_by_intent;
     lsc2d_calibration_wrapper(raw.data(), &info);
     return 0;
 }

@@ -56,8 +56,8 @@ void sample_grid(const uint16_t* plane, float* samples, int32_t width, int32_t h
     const Mask mask(filter);
     for (int32_t j = 0; j < out_h; ++j)
         for (int32_t i = 0; i < out_w; ++i) {
-            const int32_t x = std::clamp(i * step_x, 0, width - 1);
-            const int32_t y = std::clamp(j * step_y, 0, height - 1);
+            const auto x = static_cast<int32_t>(std::clamp<int64_t>(int64_t{i} * step_x, 0, width - 1));
+            const auto y = static_cast<int32_t>(std::clamp<int64_t>(int64_t{j} * step_y, 0, height - 1));
             *samples++ = mask.level(taps(plane, width, height, x, y, filter.boundary_mode));
         }
 }

@@ -1,4 +1,6 @@
-// zerklsc_correct() with any rows and strides against lsc2d_correction_wrapper() on the whole frame.
+// zerklsc_correct() with any rows and strides, at any instruction set, against lsc2d_correction_wrapper() on
+// the whole frame.
+#include "support/hold_to.h"
 #include "support/input.h"
 #include "zerklsc_driver.h"
 
@@ -18,7 +20,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace zerklsc::fuzz;
     Input input(data, size);
     lsc2d_info info{};
-    info.algorithm = input.take<uint8_t>() % 6;
+    const uint8_t choice = input.take<uint8_t>();
+    info.algorithm = choice % 6;
+    hold_to(choice / 6);
     take_geometry(input, info);
     const int32_t first_row = input.number(), rows = input.number();
     const size_t stride = info.width + input.take<uint8_t>() % size_t{40};
