@@ -6,7 +6,7 @@
 help:
 	@echo "make demo           install what is missing, build, calibrate and correct a simulated module, show the result"
 	@echo "make test           install what is missing, build, run every test"
-	@echo "make fuzz           run every fuzz target for a minute; SECONDS=600 for ten"
+	@echo "make fuzz           run every fuzz target for a minute; SECONDS=600 for ten, ENGINE=afl with AFL++"
 	@echo "make coverage       build once more, and tell which share of the branches the tests take"
 	@echo "make test-targets   run the tests and compare stored answers on every processor that Debian cross-compiles for"
 	@echo "make test-memory    look at every exported function with MemorySanitizer and with valgrind, in about five minutes"
@@ -36,11 +36,12 @@ demo: configured
 test: release
 	@ctest --preset release -j "$$(nproc)"
 
+fuzz: fuzz_preset = $(if $(filter afl,$(ENGINE)),fuzz-afl,fuzz)
 fuzz: packages
-	@cmake/install-packages.sh ci
-	@cmake --preset fuzz > /dev/null
-	@cmake --build --preset fuzz --target fuzzers
-	@fuzz/run.sh build/fuzz $(or $(SECONDS),60)
+	@cmake/install-packages.sh ci $(if $(filter afl,$(ENGINE)),afl)
+	@cmake --preset $(fuzz_preset) > /dev/null
+	@cmake --build --preset $(fuzz_preset) --target fuzzers
+	@fuzz/run.sh $(or $(ENGINE),libfuzzer) build/$(fuzz_preset) $(or $(SECONDS),60)
 
 coverage: packages
 	@cmake/install-packages.sh ci coverage

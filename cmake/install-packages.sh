@@ -2,6 +2,7 @@
 # Installs the Debian packages that a step of the build needs and the machine lacks: install-packages.sh STEP...
 #   build    the library, the tool and the tests
 #   ci       sanitizers with a second compiler, cross compilers and emulators, a browser for the report
+#   afl      the second engine of the fuzz targets
 #   targets  a linker for all of them
 #   memory   what looks at memory from outside a program
 #   coverage what counts the branches that the tests take
@@ -16,6 +17,7 @@ packages_of() {
     build) echo cmake ninja-build g++ pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev libpng-dev nettle-dev libtiff-dev libraw-dev libyaml-dev libtbb-dev libgtest-dev python3 zlib1g-dev scdoc mandoc zsh ;;
     ci) echo clang libclang-rt-14-dev abigail-tools darktable libimage-exiftool-perl chromium chromium-driver googletest qemu-user \
         g++-arm-linux-gnueabihf g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu ;;
+    afl) echo afl++ ;;
     targets) echo lld ;;
     memory) echo valgrind ;;
     coverage) echo gcovr ;;
@@ -23,7 +25,7 @@ packages_of() {
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev linux-perf ;;
     slurm) echo slurm-wlm munge ;;
-    *) echo "install-packages.sh: unknown step '$1' (build, ci, targets, memory, coverage, lint, package, bench or slurm)" >&2 && exit 2 ;;
+    *) echo "install-packages.sh: unknown step '$1' (build, ci, afl, targets, memory, coverage, lint, package, bench or slurm)" >&2 && exit 2 ;;
     esac
 }
 
