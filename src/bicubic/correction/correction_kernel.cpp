@@ -150,15 +150,16 @@ void fill_strips(const Correction& c, const RowPosition& row, int32_t column, in
     }
 }
 
-// Two neighbouring grid columns of each strip, side by side as pair_dot() wants them: the even pixels' first.
-struct NodePairs {
-    uint32_t at[max_cells + 2][2];
-};
-
-void pair_nodes(const Strip strips[2], int32_t count, NodePairs& pairs) {
-    for (int32_t i = 0; i < count; ++i)
-        for (int32_t side = 0; side < 2; ++side)
-            pairs.at[i][side] = load<uint32_t>(strips[side] + i);
+// Two neighbouring grid columns of each strip in every 8 bytes, as pair_dot() wants them: the even pixels'
+// first.
+Words node_pair(const Strip strips[2], int32_t column) {
+    using Pairs = Vector<uint32_t>;
+    Pairs is_odd{};
+    for (int32_t i = 1; i < lanes<Pairs>; i += 2)
+        is_odd[i] = UINT32_MAX;
+    const Pairs even = Pairs{} + load<uint32_t>(strips[0] + column);
+    const Pairs odd = Pairs{} + load<uint32_t>(strips[1] + column);
+    return reinterpret_cast<Words>(is_odd ? odd : even);
 }
 
 Words interpolated(const PixelTaps& taps, Words first, Words second) {
@@ -211,40 +212,34 @@ struct Cell {
     }
 };
 
-[[maybe_unused]] bool have_ten_bits(const uint16_t* samples, int32_t lines) {
-    Words any{};
-    for (int32_t line = 0; line < lines; ++line)
-        for (int32_t i = 0; i < line_pixels; i += lanes<Words>)
-            any |= load<Words>(samples + line * line_pixels + i);
-    return is_zero(any & static_cast<uint16_t>(~highest_sample));
-}
-
 template <bool ten_bits>
-[[gnu::always_inline]] inline void correct_lines(Cell cell, int32_t lines, const uint16_t* in,
-                                                 uint16_t* out) {
-    for (; lines > 0; --lines, cell.taps += line_vectors, in += line_pixels, out += line_pixels)
-        for (int32_t i = 0; i < line_vectors; ++i) {
-            const int32_t x = i * lanes<Words>;
-            prefetch(in + x, out + x);
-            store(out + x, corrected<ten_bits>(load<Words>(in + x), cell.gains(i)));
-        }
+[[gnu::always_inline]] inline void correct_vectors(Cell cell, const Words samples[line_vectors],
+                                                   uint16_t* out) {
+    for (int32_t i = 0; i < line_vectors; ++i)
+        store(out + i * lanes<Words>, corrected<ten_bits>(samples[i], cell.gains(i)));
 }
 
-// The horizontal pass over the first `pixels` pixels of a cell; `room` are left in the row. The lines are
-// looked at before they are corrected, which may be in place.
+// All samples of a line are looked at before the first is corrected: they stay in registers.
+[[gnu::always_inline]] inline void correct_line(Cell cell, const uint16_t* in, uint16_t* out) {
+    Words samples[line_vectors];
+    Words any{};
+    for (int32_t i = 0; i < line_vectors; ++i) {
+        samples[i] = load<Words>(in + i * lanes<Words>);
+        any |= samples[i];
+    }
+    prefetch(in, out);
+    if constexpr (multiplies_rounded_at_once)
+        if (is_zero(any & static_cast<uint16_t>(~highest_sample)))
+            return correct_vectors<true>(cell, samples, out);
+    correct_vectors<false>(cell, samples, out);
+}
+
+// The horizontal pass over the first `pixels` pixels of a cell; `room` are left in the row.
 [[gnu::always_inline]] inline void correct_cell(Cell cell, int32_t pixels, int32_t room, const uint16_t* in,
                                                 uint16_t* out) {
-    const int32_t lines = pixels / line_pixels;
-    if constexpr (multiplies_rounded_at_once) {
-        if (have_ten_bits(in, lines))
-            correct_lines<true>(cell, lines, in, out);
-        else
-            correct_lines<false>(cell, lines, in, out);
-    } else {
-        correct_lines<false>(cell, lines, in, out);
-    }
-    cell.taps += lines * line_vectors;
-    int32_t x = lines * line_pixels;
+    int32_t x = 0;
+    for (; x + line_pixels <= pixels; x += line_pixels, cell.taps += line_vectors)
+        correct_line(cell, in + x, out + x);
     for (; x + lanes<Words> <= pixels; x += lanes<Words>, ++cell.taps)
         store(out + x, corrected<false>(load<Words>(in + x), cell.gains(0)));
     if (x < pixels)
@@ -260,14 +255,12 @@ void correct_row(const Correction& c, const CellTaps& taps, const RowPosition& r
     const int32_t quirky = width / 2 % c.step == 1 ? cells - 1 : cells;
     for (int32_t block = 0; block < cells; block += max_cells) {
         Strip strips[2];
-        NodePairs nodes;
         const int32_t count = smaller_of(cells - block, max_cells);
         fill_strips(c, row, block, count + 3, strips);
-        pair_nodes(strips, count + 2, nodes);
         for (int32_t i = 0; i < count; ++i) {
             const int32_t x = (block + i) * cell_pixels;
-            const Cell cell{block + i == quirky ? &taps.last : taps.whole, repeated<uint64_t>(nodes.at[i]),
-                            repeated<uint64_t>(nodes.at[i + 2])};
+            const Cell cell{block + i == quirky ? &taps.last : taps.whole, node_pair(strips, i),
+                            node_pair(strips, i + 2)};
             correct_cell(cell, smaller_of(cell_pixels, width - x), width - x, in + x, out + x);
         }
     }
