@@ -58,13 +58,15 @@ struct Job {
         : in(flat_field(width, height)), out(in), tables(width, height, step, algorithm) {}
 };
 
-Workload workload(int32_t width, int32_t step, int32_t algorithm, bool in_place,
+Workload workload(int32_t width, int32_t height, int32_t step, int32_t algorithm, bool in_place,
                   std::array<double, 3> at_most, std::array<double, 3> at_least) {
-    const auto job = std::make_shared<Job>(width, 3000, step, algorithm);
+    const auto job = std::make_shared<Job>(width, height, step, algorithm);
     uint16_t* const in = in_place ? job->out.data() : job->in.data();
     const char* const isp = is_tvessa2(algorithm) ? "tvessa2" : "vessaL2";
     return {.name = fmt::format("{}, step {}{}{}", isp, step, in_place ? ", in place" : "",
-                                width == 4000 ? "" : fmt::format(", width {}", width)),
+                                height != 3000  ? fmt::format(", {} x {}", width, height)
+                                : width != 4000 ? fmt::format(", width {}", width)
+                                                : ""),
             .frame_bytes = job->in.size() * sizeof(uint16_t),
             .fast = [=] { lsc2d_correction_wrapper(in, job->out.data(), &job->tables.info); },
             .plain = [=] { plain::correct(correction_of(job->tables, in, job->out.data())); },
@@ -107,12 +109,14 @@ Workload padded_workload(int32_t step, int32_t algorithm, std::array<double, 3> 
 std::vector<Workload> bicubic_workloads() {
     std::vector<Workload> rows;
     for (const int32_t algorithm : {2, 4}) {
-        rows.push_back(workload(4000, 64, algorithm, false, {3.0, 1.5, 1.25}, {15, 28, 33}));
-        rows.push_back(workload(4000, 32, algorithm, false, {3.0, 1.5, 1.25}, {15, 28, 33}));
-        rows.push_back(workload(4000, 16, algorithm, false, {3.2, 1.7, 1.45}, {15, 28, 33}));
-        rows.push_back(workload(4000, 64, algorithm, true, {2.6, 1.25, 0.8}, {}));
+        rows.push_back(workload(4000, 3000, 64, algorithm, false, {3.0, 1.5, 1.25}, {15, 28, 33}));
+        rows.push_back(workload(4000, 3000, 32, algorithm, false, {3.0, 1.5, 1.25}, {15, 28, 33}));
+        rows.push_back(workload(4000, 3000, 16, algorithm, false, {3.2, 1.7, 1.45}, {15, 28, 33}));
+        rows.push_back(workload(4000, 3000, 64, algorithm, true, {2.6, 1.25, 0.8}, {}));
+        rows.push_back(workload(4000, 3000, 3, algorithm, false, {8, 4.5, 4.5}, {}));
+        rows.push_back(workload(1920, 1080, 32, algorithm, false, {4.5, 2.5, 2.5}, {15, 28, 33}));
         rows.push_back(padded_workload(64, algorithm, {3.0, 1.5, 1.25}));
-        rows.push_back(workload(3998, 50, algorithm, false, {3.5, 2.2, 1.9}, {14, 20, 24}));
+        rows.push_back(workload(3998, 3000, 50, algorithm, false, {3.5, 2.2, 1.9}, {14, 20, 24}));
     }
     return rows;
 }

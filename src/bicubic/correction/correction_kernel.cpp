@@ -26,6 +26,9 @@ constexpr int32_t block_columns = max_cells + 3 + lanes<Words>;
 constexpr int32_t line_pixels = 32;
 constexpr int32_t line_vectors = line_pixels / lanes<Words>;
 
+// The gains of short cells are laid out for so many pixels at a time.
+constexpr int32_t max_laid_out = 1024;
+
 int32_t smaller_of(int32_t a, int32_t b) {
     return a < b ? a : b;
 }
@@ -189,7 +192,8 @@ W corrected(W samples, W gains) {
 // Corrects `count` pixels, less than a vector. A whole one is written where the row has the room: beyond the
 // pixels it is what was read, which leaves a frame in place as it is, and another frame to the cells that
 // follow.
-void correct_few(const uint16_t* in, Words gains, int32_t count, int32_t room, uint16_t* out) {
+[[gnu::always_inline]] inline void correct_few(const uint16_t* in, Words gains, int32_t count, int32_t room,
+                                               uint16_t* out) {
     uint16_t few[lanes<Words>] = {};
     if (room >= lanes<Words>) {
         const Words samples = load<Words>(in);
@@ -201,7 +205,7 @@ void correct_few(const uint16_t* in, Words gains, int32_t count, int32_t room, u
     }
 }
 
-// What interpolates the gains of a cell.
+// The gains of a cell, interpolated vector by vector where they are asked for.
 struct Cell {
     const PixelTaps* taps;
     Words first;  // nodes -1 and 0 of both strips
@@ -210,17 +214,29 @@ struct Cell {
     [[gnu::always_inline]] Words gains(int32_t vector) const {
         return interpolated(taps[vector], first, second);
     }
+    void skip(int32_t vectors) { taps += vectors; }
 };
 
-template <bool ten_bits>
-[[gnu::always_inline]] inline void correct_vectors(Cell cell, const Words samples[line_vectors],
+// Gains that are laid out already.
+struct GainRow {
+    const uint16_t* gain;
+
+    [[gnu::always_inline]] Words gains(int32_t vector) const {
+        return load<Words>(gain + vector * lanes<Words>);
+    }
+    void skip(int32_t vectors) { gain += vectors * lanes<Words>; }
+};
+
+template <bool ten_bits, class Gains>
+[[gnu::always_inline]] inline void correct_vectors(const Gains& from, const Words samples[line_vectors],
                                                    uint16_t* out) {
     for (int32_t i = 0; i < line_vectors; ++i)
-        store(out + i * lanes<Words>, corrected<ten_bits>(samples[i], cell.gains(i)));
+        store(out + i * lanes<Words>, corrected<ten_bits>(samples[i], from.gains(i)));
 }
 
 // All samples of a line are looked at before the first is corrected: they stay in registers.
-[[gnu::always_inline]] inline void correct_line(Cell cell, const uint16_t* in, uint16_t* out) {
+template <class Gains>
+[[gnu::always_inline]] inline void correct_line(const Gains& from, const uint16_t* in, uint16_t* out) {
     Words samples[line_vectors];
     Words any{};
     for (int32_t i = 0; i < line_vectors; ++i) {
@@ -230,20 +246,58 @@ template <bool ten_bits>
     prefetch(in, out);
     if constexpr (multiplies_rounded_at_once)
         if (is_zero(any & static_cast<uint16_t>(~highest_sample)))
-            return correct_vectors<true>(cell, samples, out);
-    correct_vectors<false>(cell, samples, out);
+            return correct_vectors<true>(from, samples, out);
+    correct_vectors<false>(from, samples, out);
 }
 
-// The horizontal pass over the first `pixels` pixels of a cell; `room` are left in the row.
-[[gnu::always_inline]] inline void correct_cell(Cell cell, int32_t pixels, int32_t room, const uint16_t* in,
-                                                uint16_t* out) {
+// Corrects `pixels` pixels; `room` are left in the row.
+template <class Gains>
+[[gnu::always_inline]] inline void correct_pixels(Gains from, int32_t pixels, int32_t room,
+                                                  const uint16_t* in, uint16_t* out) {
     int32_t x = 0;
-    for (; x + line_pixels <= pixels; x += line_pixels, cell.taps += line_vectors)
-        correct_line(cell, in + x, out + x);
-    for (; x + lanes<Words> <= pixels; x += lanes<Words>, ++cell.taps)
-        store(out + x, corrected<false>(load<Words>(in + x), cell.gains(0)));
+    for (; x + line_pixels <= pixels; x += line_pixels, from.skip(line_vectors))
+        correct_line(from, in + x, out + x);
+    for (; x + lanes<Words> <= pixels; x += lanes<Words>, from.skip(1))
+        store(out + x, corrected<false>(load<Words>(in + x), from.gains(0)));
     if (x < pixels)
-        correct_few(in + x, cell.gains(0), pixels - x, room - x, out + x);
+        correct_few(in + x, from.gains(0), pixels - x, room - x, out + x);
+}
+
+// Neighbouring cells of a row, of which the last may have taps of its own.
+struct Block {
+    int32_t count;
+    const PixelTaps* taps;
+    const PixelTaps* last_taps;
+    Strip strips[2];
+
+    [[gnu::always_inline]] Cell cell(int32_t i) const {
+        return {i + 1 < count ? taps : last_taps, node_pair(strips, i), node_pair(strips, i + 2)};
+    }
+};
+
+void correct_long_cells(const Block& block, int32_t cell_pixels, int32_t room, const uint16_t* in,
+                        uint16_t* out) {
+    for (int32_t i = 0; i < block.count; ++i, room -= cell_pixels, in += cell_pixels, out += cell_pixels)
+        correct_pixels(block.cell(i), smaller_of(cell_pixels, room), room, in, out);
+}
+
+// Lays out the gains of all cells, each of which overwrites what the one before has beyond its pixels.
+void correct_short_cells(const Block& block, int32_t cell_pixels, int32_t room, const uint16_t* in,
+                         uint16_t* out) {
+    alignas(ZERKLSC_VECTOR_BYTES) uint16_t gains[max_laid_out + lanes<Words>];
+    const int32_t pixels = smaller_of(block.count * cell_pixels, room);
+    for (int32_t i = 0; i < block.count; ++i) {
+        const int32_t first = i * cell_pixels;
+        const Cell cell = block.cell(i);
+        for (int32_t x = 0; x < smaller_of(cell_pixels, pixels - first); x += lanes<Words>)
+            store(gains + first + x, cell.gains(x / lanes<Words>));
+    }
+    correct_pixels(GainRow{gains}, pixels, room, in, out);
+}
+
+// Whether parts of vectors would be much of a cell.
+bool is_short(int32_t cell_pixels) {
+    return cell_pixels < 2 * line_pixels && cell_pixels % line_pixels != 0;
 }
 
 void correct_row(const Correction& c, const CellTaps& taps, const RowPosition& row, const uint16_t* in,
@@ -251,18 +305,21 @@ void correct_row(const Correction& c, const CellTaps& taps, const RowPosition& r
     const int32_t width = c.in.width;
     const int32_t cell_pixels = 2 * c.step;
     const int32_t cells = (width + cell_pixels - 1) / cell_pixels;
+    const int32_t max_count =
+        is_short(cell_pixels) ? smaller_of(max_cells, max_laid_out / cell_pixels) : max_cells;
     // The quirk of the last plane column concerns two or three pixels, which are a cell of their own.
-    const int32_t quirky = width / 2 % c.step == 1 ? cells - 1 : cells;
-    for (int32_t block = 0; block < cells; block += max_cells) {
-        Strip strips[2];
-        const int32_t count = smaller_of(cells - block, max_cells);
-        fill_strips(c, row, block, count + 3, strips);
-        for (int32_t i = 0; i < count; ++i) {
-            const int32_t x = (block + i) * cell_pixels;
-            const Cell cell{block + i == quirky ? &taps.last : taps.whole, node_pair(strips, i),
-                            node_pair(strips, i + 2)};
-            correct_cell(cell, smaller_of(cell_pixels, width - x), width - x, in + x, out + x);
-        }
+    const bool is_quirky = width / 2 % c.step == 1;
+    for (int32_t first = 0; first < cells; first += max_count) {
+        Block block;
+        block.count = smaller_of(cells - first, max_count);
+        block.taps = taps.whole;
+        block.last_taps = is_quirky && first + block.count == cells ? &taps.last : taps.whole;
+        fill_strips(c, row, first, block.count + 3, block.strips);
+        const int32_t x = first * cell_pixels;
+        if (is_short(cell_pixels))
+            correct_short_cells(block, cell_pixels, width - x, in + x, out + x);
+        else
+            correct_long_cells(block, cell_pixels, width - x, in + x, out + x);
     }
 }
 
