@@ -49,9 +49,9 @@ zerklsc_status check_lines(const FitLines& lines, int32_t extent, const Window& 
     if (lines.at == nullptr)
         return lines.count == 0 ? ZERKLSC_BAD_STEP : ZERKLSC_NO_MEMORY;
     for (const int16_t at : lines) {
-        // Only a step longer than the plane takes lines out of it.
+        // Only a step longer than the plane takes lines out of it, behind its end first.
         if (!window_fits(window, extent, at, at))
-            return at < 0 || at >= extent ? ZERKLSC_BAD_STEP : ZERKLSC_BAD_RADIUS;
+            return at >= extent ? ZERKLSC_BAD_STEP : ZERKLSC_BAD_RADIUS;
     }
     return ZERKLSC_OK;
 }

@@ -18,8 +18,8 @@ using namespace zerklsc::testing;
 TEST(BrightestLevel, EqualsThePlainForm) {
     Random random(9);
     float sigma = 1.5f;
-    for (const auto& size :
-         {std::pair{10, 10}, std::pair{14, 17}, std::pair{17, 14}, std::pair{61, 44}, std::pair{350, 280}}) {
+    for (const auto& size : {std::pair{10, 10}, std::pair{14, 17}, std::pair{17, 14}, std::pair{61, 44},
+                             std::pair{350, 280}, std::pair{33000, 12}}) {
         const int32_t w = size.first, h = size.second;
         Guarded<uint16_t> plane(random_samples(random, static_cast<size_t>(w * h)), Against::back);
         for (int32_t k = 0; k < w * h && w + h == 31; ++k)

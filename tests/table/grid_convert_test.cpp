@@ -27,10 +27,9 @@ lsc2d_grid inclined(Guarded<uint16_t>& table, int32_t step_x, int32_t step_y) {
 
 TEST(GridConvert, AnInclineComesOutTheSameAtEveryStepUpToTheHighestGain) {
     Guarded<uint16_t> from(2000), to(2000);
-    for (const int32_t src_step : {16, 25, 64})
+    for (const auto& [step_x, step_y] : {std::pair{16, 19}, {25, 28}, {64, 1}, {1, 67}})
         for (const int32_t dst_step : {7, 16, 100}) {
-            const lsc2d_grid src = inclined(from, src_step, src_step + 3),
-                             dst = inclined(to, dst_step, dst_step + 1);
+            const lsc2d_grid src = inclined(from, step_x, step_y), dst = inclined(to, dst_step, dst_step + 1);
             ASSERT_EQ(lsc2d_grid_convert(&src, &dst, 207, 150), 0);
             for (int32_t j = -1; j <= dst.grid_h; ++j)
                 for (int32_t i = -1; i <= dst.grid_w; ++i)

@@ -27,6 +27,7 @@ TEST(Halvane, CornerRatioIsSixteenTimesTheSmallestOfTheColoursWhoseCentreIsNotBl
                  {{1000, 0, 0, 0}, 250.0 / 1000},
                  {{900, 1020, 0, 940}, 250.0 / 1020},
                  {{900, 940, 920, 0}, 250.0 / 940},
+                 {{1, 1, 1, 1}, 250.0},
                  {{0, 0, 0, 0}, 0.0}};
     for (const auto& [centres, ratio] : cases) {
         FlatField field(402, 322, 20);

@@ -27,7 +27,7 @@ TEST(OrvelOtp, EveryPatternNamesTheColoursAndReachesTheTablesThatTheCorrectionsR
         std::string warnings; // in raster order: the clipped samples stand in one cell
         for (int p = 0; p < 4; ++p) {
             field.sample(16 * (p + 1) + p % 2, 16 + p / 2) = static_cast<uint16_t>(128 + blacks[p]);
-            field.sample(20 + p % 2, 20 + p / 2) = static_cast<uint16_t>(1024 + blacks[p]);
+            field.sample(p % 2, 20 + p / 2) = static_cast<uint16_t>(1024 + blacks[p]);
             field.sample(30 + p % 2, 30 + p / 2) = static_cast<uint16_t>(1023 + blacks[p]);
             warnings +=
                 "Warning:" + std::string(colours[pattern][p]) + " channel data of raw image maybe wrong \n";
