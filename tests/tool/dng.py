@@ -3,7 +3,7 @@ directory below the first, in strips or in tiles; and the GainMap opcodes of the
 import struct
 
 XYZ_TO_SRGB = [(n, 10000) for n in (32405, -15371, -4985, -9693, 18760, 416, 556, -2040, 10572)]
-CODES = {1: "B", 3: "H", 4: "I", 12: "d"}
+CODES = {1: "B", 3: "H", 4: "I", 6: "b", 8: "h", 9: "i", 11: "f", 12: "d"}
 
 
 def gain_map(plane, width, height, columns, rows, values, spacing=None, first=(0, 0), pitch=2, **overrides):

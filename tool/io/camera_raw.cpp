@@ -136,10 +136,12 @@ void check_in_one_piece(InputFile& file, LibRaw& raw) {
         return;
     TiffFile tiff(file);
     const TiffDirectory directory = tiff.mosaic_directory();
+    const unsigned bits = raw.get_internal_data_pointer()->unpacker_data.tiff_bps;
     if (uncompressed && !is_in_one_piece(tiff, directory))
-        data_failure("{}: holds {}-bit samples in tiles or scattered strips, and only those of 16 bits are "
-                     "read from there: write it in one strip, or compressed in tiles",
-                     file.path(), raw.get_internal_data_pointer()->unpacker_data.tiff_bps);
+        data_failure(
+            "{}: holds {}-bit samples{} in tiles or scattered strips, and only plain ones of 16 bits are "
+            "read from there: write it in one strip, or compressed in tiles",
+            file.path(), bits, bits == 16 ? " for a linearization table" : "");
     if (!uncompressed && strip_count(directory) > 1)
         data_failure("{}: holds compressed samples in {} strips: write it in one strip, or in tiles",
                      file.path(), strip_count(directory));

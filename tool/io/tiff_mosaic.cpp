@@ -65,7 +65,9 @@ struct CloseTiff {
 using Tiff = std::unique_ptr<TIFF, CloseTiff>;
 
 [[noreturn]] void fail(const InputFile& file) {
-    data_failure("{}: is not a TIFF that can be read: {}", file.path(), last_error.data());
+    // A file without a directory is no error to libtiff.
+    data_failure("{}: is not a TIFF that can be read: {}", file.path(),
+                 last_error[0] != '\0' ? last_error.data() : "it holds no image");
 }
 
 Tiff open_tiff(Source& source) {

@@ -75,7 +75,8 @@ TEST(Shard, IsChosenByTheSerialAlone) {
 TEST(Shard, IsReadFromItsWords) {
     EXPECT_EQ(shard_from("2/5")->number, 2U);
     EXPECT_EQ(shard_from("2/5")->count, 5U);
-    for (const char* text : {"", "2", "0/5", "6/5", "2/", "/5", "2/5 ", "-1/5", "1/99999999999999999999"})
+    for (const char* text :
+         {"", "2", "0/5", "6/5", "2/", "/5", "2/5 ", "-1/5", "1/99999999999999999999", "1/10000000"})
         EXPECT_FALSE(shard_from(text)) << text;
 }
 

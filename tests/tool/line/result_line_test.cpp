@@ -83,6 +83,12 @@ TEST(ResultLine, RefusesWhatIsTornOrWrong) {
         {"\"width\":640", "\"width\":640.5"},
         {"\"width\":640", "\"width\":18446744073709551615"},
         {"\"step\":32", "\"step\":256"},
+        {"\"step\":32", "\"step\":-1"},
+        {"[64,65,66,67]", "64"},
+        {"\"Gr\":0.25", "\"Gr\":\"dim\""},
+        {"[0.5,0.25]", "[0.5,null]"},
+        {"\"inputs\":[", "\"inputs\":1,\"in\":["},
+        {"\"checks\":[", "\"checks\":{},\"more\":["},
         {"[64,65,66,67]", "[64,65,66]"},
         {"\"Gr\":0.25,", ""},
         {"\"width\":3", "\"width\":4"}, // one gain in six too few

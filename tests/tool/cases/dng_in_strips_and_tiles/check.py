@@ -27,7 +27,11 @@ if sys.argv[1] == "make":
     tiles = LAYOUTS["tiles"]
     pathlib.Path("bad_strips.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, tile=35, extra={258: (3, [12])}))
     pathlib.Path("bad_parts.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, tile=35, compressed=True))
-    for name, tags in (("count", {324: (4, [8, 8])}), ("size", {322: (4, [0])}), ("beyond", {324: (4, [1 << 24] * 12)}),
+    for name, tags in (("width", {256: (4, [1])}), ("pair", {258: (3, [16, 16])}), ("no_sizes", {325: (2, b"")}), ("float_side", {322: (11, [-1.0])}),
+                       ("no_strips", {324: (2, b"")}), ("colour", {33422: (1, [0, 3, 3, 2])}), ("curve", {50712: (3, [60 * k for k in range(1001)])}),
+                       ("area_a", {50829: (4, [0, 0, HEIGHT + 9, WIDTH])}), ("area_b", {50829: (4, [0, 0, HEIGHT, WIDTH + 9])}),
+                       ("area_c", {50829: (4, [0, 0, 1, WIDTH])}), ("area_e", {50829: (4, [HEIGHT, 0, 0, WIDTH])}),
+                       ("white_0", {50717: (4, [0])}), ("white_65535", {50717: (4, [65535])}), ("count", {324: (4, [8, 8])}), ("size", {322: (4, [0])}), ("beyond", {324: (4, [1 << 24] * 12)}),
                        ("deep", {258: (3, [12])}), ("huge", {256: (4, [60000]), 257: (4, [60000]), 322: (4, [60000]), 323: (4, [60000]),
                                                             324: (4, [8])})):
         pathlib.Path(f"bad_{name}.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, extra=tags, **tiles))

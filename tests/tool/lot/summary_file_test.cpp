@@ -1,0 +1,96 @@
+// A lot's summary with one number of it changed, under a checksum that is right.
+#include "lot/summary_file.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include "failure.h"
+
+namespace zerklsc::tool {
+namespace {
+
+// Three modules, the last of which failed; frames of 64 x 48 with a step of 16 have tables of 5 x 5 nodes.
+LotSummary three_modules() {
+    LotSummary lot;
+    for (int i = 0; i < 3; ++i) {
+        ResultLine result;
+        result.serial = "A" + std::to_string(7 + i);
+        result.settings = "0123456789abcdef";
+        result.verdict = i == 2 ? ModuleVerdict::fail : i == 1 ? ModuleVerdict::warn : ModuleVerdict::pass;
+        result.frame = {64, 48, 10, BayerPattern::grbg, {64, 65, 66, 67 + i}};
+        result.grid = {4, 16, 5, 5, 3, 90};
+        result.checks = {{"exposure", "Gr", 0.5 * i, Verdict::pass},
+                         {"dust", "", std::nullopt, Verdict::warn}};
+        result.numbers.flatness = {0.5, 0.25, 0.125 * i, 1e-7};
+        result.optical_centre = {{{0.5, 0.25}, {0.51, 0.52}, {0.1 * i, 1}, {0, 0.3}}};
+        result.gains.emplace();
+        for (auto& plane : *result.gains)
+            for (int node = 0; node < 25; ++node)
+                plane.push_back(static_cast<uint16_t>(1024 + 100 * i + node));
+        lot.add(result, "line");
+    }
+    return lot;
+}
+
+std::string with_checksum(std::string bytes) {
+    const auto sum = crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes += static_cast<char>(sum >> shift);
+    return bytes;
+}
+
+// Whether it was read, and then is one that a lot can have, to its last number.
+bool reads_soundly(const std::string& bytes) {
+    try {
+        LotSummary lot = decode_summary(bytes, "changed");
+        EXPECT_EQ(lot.modules(), lot.serials.size());
+        EXPECT_LE(lot.with_gains(), lot.modules());
+        EXPECT_LE(lot.centre_sums.modules, lot.modules());
+        for (const auto& plane : lot.gains.counts()) {
+            EXPECT_TRUE(plane.empty() || plane.size() == 25);
+            for (const ValueCounts& node : plane)
+                EXPECT_EQ(node.total(), lot.with_gains());
+        }
+        for (const auto& [number, block] : lot.sequence.blocks())
+            EXPECT_TRUE(block.good <= block.modules && block.modules <= lot.modules()) << number;
+        const std::string again = encode_summary(lot);
+        lot.add(LotSummary(), "nothing");
+        EXPECT_EQ(encode_summary(decode_summary(again, "again")), again);
+        return true;
+    } catch (const Failure& failure) {
+        EXPECT_NE(std::string(failure.what()).find("changed: "), std::string::npos) << failure.what();
+        return false;
+    }
+}
+
+TEST(SummaryFile, WithAnyNumberChangedIsRefusedOrSound) {
+    const std::string whole = encode_summary(three_modules());
+    const std::string body = whole.substr(0, whole.size() - 4);
+    ASSERT_EQ(with_checksum(body), whole);
+    ASSERT_TRUE(reads_soundly(whole));
+    const std::vector<std::string> numbers = {{},
+                                              {'\0'},
+                                              "\1",
+                                              "\2",
+                                              "\3",
+                                              "\x7f",
+                                              "\x80",
+                                              "\xff",
+                                              "\x80\x80\x80\x80\x10",
+                                              "\x81\x80\x80\x80\x80\x20",
+                                              "\xfe\xff\xff\xff\xff\xff\xff\xff\xff\1",
+                                              "\xff\xff\xff\xff\xff\xff\xff\xff\xff\1",
+                                              std::string(9, '\xff') + '\2',
+                                              std::string(11, '\xff')};
+    size_t refused = 0;
+    for (size_t at = body.find('\n') + 1; at < body.size(); ++at)
+        for (const std::string& number : numbers)
+            refused += !reads_soundly(with_checksum(std::string(body).replace(at, 1, number)));
+    // Serials and the values of measures may be any.
+    EXPECT_GT(refused, numbers.size() * (body.size() - body.find('\n')) / 2);
+    EXPECT_FALSE(reads_soundly(with_checksum(body + '\0')));
+    EXPECT_FALSE(reads_soundly(whole.substr(0, body.find('\n') + 3)));
+}
+
+} // namespace
+} // namespace zerklsc::tool
