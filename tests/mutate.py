@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Changes one small thing in the sources at a time, and tells which changes no test sees.
 
-  tests/mutate.py --build build/release --target zerklsc_tool --tests '^tool:' --count 120 tool
-  tests/mutate.py --build build/release --target zerklsc_tool --tests '^tool:preview' --count 20 tool/preview
-  tests/mutate.py --build build/release --target test_table --tests '^table:' --count 20 src/table
-  tests/mutate.py --build build/release --target zerklsc_tool --tests '^tool:' --again mutate.log     what it missed
+  tests/mutate.py --build build/release --count 80 src
+  tests/mutate.py --build build/release --count 20 --seconds 40 tool/preview tool/io/pgm.cpp
+  tests/mutate.py --build build/release --again mutate.log                                    what a run missed
 
-The sources are changed in place, built, tried and put back; they must not differ from the last commit. Of the
+The sources are changed in place, built, tried and put back; they must not differ from the last commit. A change after
+which the compiler writes the same code is none, and not counted. A change of src/FOLDER is tried with the tests of that
+folder, and when they do not see it with all of the library; one of tool/ with the tool's. Of the
 tests, those that saw changes of the same file or folder are run first, then those whose name has words of the file's,
 then the fastest; the first that fails is enough. It is run once more, alone: on a busy machine a test may fail or be
 late for no fault of the program. One that is late again hangs. Standard output names what no test sees, standard
@@ -15,6 +16,7 @@ error every change and the test that sees it.
 import argparse
 import concurrent.futures
 import contextlib
+import hashlib
 import itertools
 import json
 import os
@@ -36,6 +38,16 @@ CHANGES = [
 # A whole statement that does something: a call or an assignment.
 STATEMENT = re.compile(r"^ +[\w.:>\-\[\]]+(\(.*\)| [+\-*/|&]?= .*);$")
 IGNORED = re.compile(r"^\s*(//|#|using |template|static_assert|assert|constexpr \w+ \w+ = \"|return \{\};)")
+LIBRARY = ("cpu", "frame", "bayer", "sampling", "calibration", "table", "bicubic", "compress")
+# For each part of the sources, what is built and tried, one after the other until a test sees the change: targets, the
+# names of tests, and those of them that take too long for what they see. The tool's are the system's faults, the
+# examples of the manual and the pages in a browser.
+SUITES = {f"src/{folder}": [([f"test_{folder}"], f"^{folder}:[A-Z]", None)] for folder in LIBRARY}
+for stages in SUITES.values():
+    stages.append(([*(f"test_{folder}" for folder in LIBRARY), "test_header", "zerklsc_answers"],
+                   f"^({'|'.join(LIBRARY)}|header):[A-Z]|^answers:", None))
+SUITES["tool"] = [(["zerklsc_tool", "zerklsc_help", "test_check", "test_line", "test_otp_container"],
+                   "^(tool|check|line|otp_container):", "faults$|help_examples_work|full_disk|_page$")]
 SKIPPED = 77  # the exit code of a test that cannot run here
 
 
@@ -70,9 +82,9 @@ def end_session(pid):
 class Tests:
     """The tests of a build, in the order in which they are most likely to see a change soon."""
 
-    def __init__(self, options):
-        without = ["-E", options.without] if options.without else []
-        listed = json.loads(run("ctest", "--test-dir", options.build, "--show-only=json-v1", "-R", options.tests, *without).stdout)
+    def __init__(self, options, names, without):
+        leave_out = ["-E", without] if without else []
+        listed = json.loads(run("ctest", "--test-dir", options.build, "--show-only=json-v1", "-R", names, *leave_out).stdout)
         self.tests = {}
         for test in listed["tests"]:
             properties = {p["name"]: p["value"] for p in test.get("properties", [])}
@@ -80,6 +92,8 @@ class Tests:
                 environment = dict(word.split("=", 1) for word in properties.get("ENVIRONMENT", []))
                 self.tests[test["name"]] = (test["command"], properties["WORKING_DIRECTORY"], environment)
         self.limit, self.jobs, self.seconds, self.caught, self.running = options.seconds, options.jobs, {}, [], set()
+        if failing := self.first_failing(list(self.tests)):
+            sys.exit(f"{failing[0]} {failing[1]} with nothing changed")
 
     def outcome(self, name, times=1):
         """'passes', 'fails' or 'hangs'."""
@@ -133,24 +147,50 @@ class Tests:
         return failing[1] if failing else "passes"
 
 
-def try_mutant(options, tests, path, number, line):
-    """'fails' or 'hangs' where a test saw the change, 'passes', or None where the change does not compile."""
-    source = path.read_text()
-    lines = source.split("\n")
-    lines[number] = line
-    try:
-        path.write_text("\n".join(lines))
-        if run("ninja", "-C", options.build, "-j", str(options.jobs), *options.target).returncode != 0:
-            return None
-        return tests.see(path)
-    finally:
-        path.write_text(source)
+class Suites:
+    """What is tried for each part of the sources, ready to run, with the code of the sources as they are."""
+
+    def __init__(self, options, paths):
+        self.options = options
+        self.parts = sorted({part for part in SUITES for path in paths if path.is_relative_to(part)})
+        self.build([target for part in self.parts for targets, _, _ in SUITES[part] for target in targets])
+        self.code = self.digest()
+        tests = {}
+        for names, without in {stage[1:] for part in self.parts for stage in SUITES[part]}:
+            tests[names, without] = Tests(options, names, without)
+        self.stages = {part: [(targets, tests[names, without]) for targets, names, without in SUITES[part]]
+                       for part in self.parts}
+
+    def build(self, targets):
+        return run("ninja", "-C", self.options.build, "-j", str(self.options.jobs), *dict.fromkeys(targets)).returncode == 0
+
+    def digest(self):
+        """Of all objects of the library and the tool."""
+        objects = [one for top in ("src", "tool") for one in pathlib.Path(self.options.build, top).rglob("*.o")]
+        return hashlib.sha256(b"".join(one.read_bytes() for one in sorted(objects))).digest()
+
+    def see(self, path, number, line):
+        """Which test sees the change, and how it ends, 'fails' or 'hangs'; (None, 'passes') where none does; (None, None)
+        where the change does not compile, or compiles to the same code."""
+        source = path.read_text()
+        lines = source.split("\n")
+        lines[number] = line
+        try:
+            path.write_text("\n".join(lines))
+            for targets, tests in self.stages[next(part for part in self.parts if path.is_relative_to(part))]:
+                if not self.build(targets) or self.digest() == self.code:
+                    return None, None
+                if (outcome := tests.see(path)) != "passes":
+                    return tests.caught[-1][1], outcome
+            return None, "passes"
+        finally:
+            path.write_text(source)
 
 
 def files_of(paths):
     files = []
     for path in map(pathlib.Path, paths):
-        files += sorted(path.rglob("*.cpp")) if path.is_dir() else [path]
+        files += sorted(path.rglob("*.[ch]*")) if path.is_dir() else [path]
     return files
 
 
@@ -176,9 +216,6 @@ def chosen_mutants(options):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build", required=True)
-    parser.add_argument("--target", required=True, nargs="+")
-    parser.add_argument("--tests", required=True, help="a regular expression for the names of tests")
-    parser.add_argument("--without", help="the same, for those to leave out: the slow ones, say")
     parser.add_argument("--seconds", type=float, default=float("inf"), help="of tests for a change; --again tries the others")
     parser.add_argument("--count", type=int, default=120)
     parser.add_argument("--seed", type=int, default=1)
@@ -192,23 +229,19 @@ def main():
     mutants = chosen_mutants(options)
     if run("git", "diff", "--quiet", "HEAD", "--", *{str(path) for path, _, _ in mutants}).returncode != 0:
         sys.exit("the files differ from the last commit: commit them first")
-    tests = Tests(options)
-    run("ninja", "-C", options.build, *options.target)
-    if failing := tests.first_failing(list(tests.tests)):
-        sys.exit(f"{failing[0]} {failing[1]} with nothing changed")
+    suites = Suites(options, {path for path, _, _ in mutants})
     counts = {"fails": 0, "hangs": 0, "passes": 0}
     for path, number, line in mutants[options.skip:]:
         if sum(counts.values()) >= options.count:
             break
         text = text_of(path, number, line)
-        outcome = try_mutant(options, tests, path, number, line)
+        test, outcome = suites.see(path, number, line)
         if outcome:
             counts[outcome] += 1
-            seen = f"{tests.caught[-1][1]} {outcome}" if outcome != "passes" else "no test sees"
+            seen = f"{test} {outcome}" if test else "no test sees"
             print(f"{sum(counts.values())} of {options.count}: {path}:{number + 1}: {seen}", file=sys.stderr, flush=True)
         if outcome == "passes":
             print(f"{path}:{number + 1}: no test sees\n{text}", end="", flush=True)
-    run("ninja", "-C", options.build, *options.target)
     tried, caught = sum(counts.values()), counts["fails"] + counts["hangs"]
     if tried:
         print(f"{tried} changes, {caught} caught ({counts['hangs']} of them by a test that hangs): {100 * caught / tried:.0f} %")
