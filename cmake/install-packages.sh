@@ -20,7 +20,7 @@ packages_of() {
     afl) echo afl++ ;;
     targets) echo lld ;;
     memory) echo valgrind ;;
-    coverage) echo gcovr ;;
+    coverage) echo llvm ;;
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev linux-perf ;;

@@ -67,7 +67,9 @@ def expect_call(done, code, *texts):
     expect(done.returncode == code, "exit code", done.returncode, "not", code, done.stderr)
     for text in texts:
         expect(text in done.stderr, repr(text), "is not in", done.stderr)
-    expect(len(done.stderr.splitlines()) == len(texts), "more lines than expected:", done.stderr)
+    # Beyond a limit of files, a program that counts its branches says that it cannot write them.
+    lines = [line for line in done.stderr.splitlines() if not line.startswith("LLVM Profile Error")]
+    expect(len(lines) == len(texts), "more lines than expected:", done.stderr)
 
 
 def expect_files(line, results, *folders):
