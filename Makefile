@@ -8,7 +8,7 @@ help:
 	@echo "make test           install what is missing, build, run every test"
 	@echo "make fuzz           run every fuzz target for a minute; SECONDS=600 for ten, ENGINE=afl with AFL++"
 	@echo "make coverage       build once more, and tell which share of the branches the tests take"
-	@echo "make test-targets   run the tests and compare stored answers on every processor that Debian cross-compiles for"
+	@echo "make test-targets   run the tests on every processor that Debian cross-compiles for, and compare answers and written files"
 	@echo "make test-memory    look at every exported function with MemorySanitizer and with valgrind, in about five minutes"
 	@echo "make test-verdicts  try every verdict of the check command at 13 megapixels"
 	@echo "make test-kills     kill a batch of 10,000 modules a hundred times, and compare with an undisturbed one"
@@ -57,6 +57,9 @@ test-targets: packages
 	    cmake --preset "$$preset" > /dev/null; cmake --build --preset "$$preset"; ctest --preset "$$preset" -j "$$(nproc)"; done
 	@QEMU_CPU=cortex-a15,neon=off ctest --preset arm -j "$$(nproc)"
 	@tests/answers/everywhere.sh
+	@cmake --preset release > /dev/null
+	@cmake --build --preset release --target zerklsc_tool
+	@tests/tool/everywhere.sh build/release/tool/zerklsc
 
 test-memory: packages
 	@cmake/install-packages.sh ci memory

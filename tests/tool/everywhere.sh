@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# Builds the tool for other processors, lets it write files of every kind under emulation, compares them byte by byte with
+# those that the tool of this machine writes, and runs the tool's cases there: everywhere.sh TOOL [FAMILY...]. The family is
+# s390x where none is named, which has the high byte first; i686 and arm have 32 bits.
+set -euo pipefail
+tool=$(realpath "$1")
+shift
+cd "$(dirname "$0")/../.."
+
+declare -A triple=([i686]=i686-linux-gnu [arm]=arm-linux-gnueabihf [s390x]=s390x-linux-gnu)
+declare -A debian=([i686]=i386 [arm]=armhf [s390x]=s390x)
+declare -A libraries=([i686]=i386-linux-gnu [arm]=arm-linux-gnueabihf [s390x]=s390x-linux-gnu)
+declare -A emulator=([i686]=qemu-i386 [arm]=qemu-arm [s390x]=qemu-s390x)
+
+# build FAMILY SYSROOT FOLDER; the tool is called by a script that stands where a test expects a program.
+build() {
+    local packages=$2/usr/lib/${libraries[$1]}/pkgconfig:$2/usr/share/pkgconfig
+    cmake/sysroot.sh "${debian[$1]}" "$2" &&
+        PKG_CONFIG_SYSROOT_DIR=$2 PKG_CONFIG_LIBDIR=$packages cmake -G Ninja -S . -B "$3" -DCMAKE_SYSROOT="$2" \
+            --toolchain "cmake/toolchains/${triple[$1]}.cmake" -DCMAKE_LIBRARY_ARCHITECTURE="${libraries[$1]}" \
+            -DCMAKE_BUILD_TYPE=Release -DZERKLSC_WERROR=ON -DZERKLSC_TESTS=OFF -DZERKLSC_INSTALL=OFF &&
+        cmake --build "$3" --target zerklsc_tool &&
+        mkdir -p "$3/run" &&
+        printf '#!/bin/sh\nexec %s -L %s %s/tool/zerklsc "$@"\n' "${emulator[$1]}" "$2" "$3" >"$3/run/zerklsc" &&
+        chmod +x "$3/run/zerklsc"
+}
+
+# Files of every format, in the current folder, of a module with levels and steps that are not alike. Exit codes are told
+# where a verdict decides them.
+write_files() {
+    "$1" simulate --width 324 --height 250 --pattern GBRG --black-level 62 -o flat.pgm
+    "$1" simulate --width 324 --height 250 --pattern GBRG --black-level 62 --seed 5 -o other.pgm
+    for algorithm in halvane orvel-otp orvel beta orvel-weights; do
+        "$1" calibrate flat.pgm --algorithm $algorithm --step 20 --radius 6 --shading 80 --force -o $algorithm.json \
+            --text $algorithm.txt
+    done
+    "$1" otp encode orvel.json --container --serial A0317 --force -o module.otp --c-array module.h
+    "$1" otp encode orvel.json --mode 1 --force -o stream.bin
+    "$1" otp decode module.otp -o decoded.json
+    "$1" correct flat.pgm --tables orvel.json -o corrected.pgm
+    "$1" preview flat.pgm --tables orvel.json -o preview.png
+    "$1" report flat.pgm --tables orvel.json -o page.html
+    "$1" resample orvel.json --step 9 -o resampled.json --text resampled.txt
+    for format in rkisp1 rkisp1-polynomial alsc android c csv npy text; do
+        "$1" convert orvel.json --ct 5000 --to $format -o converted.$format
+    done
+    "$1" convert orvel.json --raw flat.pgm -o converted.dng
+    "$1" convert converted.dng -o from_dng.json
+    "$1" convert converted.rkisp1 --size 324,250 -o from_yaml.json
+    for command in check measure info compare; do
+        "$1" $command flat.pgm --json >$command.json || echo "$command: $?"
+    done
+    printf 'serial,files\nA1,flat.pgm\nA2,other.pgm\n' >lot.csv
+    "$1" batch lot.csv --step 20 --force -o results.jsonl --tables tables --streams streams --jobs 1 || echo "batch: $?"
+    "$1" lot results.jsonl --golden golden.json -o lot.html
+    "$1" lot results.jsonl --partial part.lot
+}
+
+# write_into FOLDER TOOL; what is printed is a file too. A shell of its own ends at the first command that fails.
+export -f write_files
+write_into() {
+    rm -rf "$1"
+    mkdir -p "$1"
+    (cd "$1" && bash -euc 'write_files "$1"' write "$2" >printed 2>&1) || { tail -n 5 "$1/printed" >&2; exit 1; }
+}
+
+here=build/files/here
+write_into $here "$tool"
+[ $# != 0 ] || set -- s390x
+for family in "$@"; do
+    top=$PWD/build/files/$family
+    mkdir -p "$top"
+    build "$family" "$top/sysroot" "$top/build" >"$top/log" 2>&1 || { tail -n 30 "$top/log" >&2; exit 1; }
+    write_into "$top/written" "$top/build/run/zerklsc"
+    diff -r $here "$top/written"
+    echo "$family: all $(find "$top/written" -type f | wc -l) files are the same"
+    tests/tool/run.py --tool "$top/build/run/zerklsc" tests/tool/cases/*
+    echo "$family: every case of the tool passes"
+done
