@@ -92,7 +92,7 @@ int64_t inner_nodes(const GainTables& tables) {
 }
 
 size_t stream_size(const GainTables& tables, int mode) {
-    return zerklsc_stream_size(tables.table_width, tables.table_height, mode);
+    return static_cast<size_t>(zerklsc_stream_size(tables.table_width, tables.table_height, mode));
 }
 
 int unstored_nodes(const GainTables& tables, int mode) {

@@ -195,7 +195,7 @@ std::vector<uint16_t> unpack(const InputFile& file, LibRaw& raw, const SampleAre
     if (raw.imgdata.rawdata.raw_image == nullptr)
         data_failure("{}: holds no mosaic of whole numbers", file.path());
     const size_t pitch = raw.imgdata.sizes.raw_pitch / 2;
-    std::vector<uint16_t> samples(area.width * area.height);
+    std::vector<uint16_t> samples(static_cast<size_t>(area.width * area.height));
     for (uint64_t y = 0; y < area.height; ++y)
         std::copy_n(raw.imgdata.rawdata.raw_image + (y + area.top) * pitch + area.left, area.width,
                     samples.data() + y * area.width);

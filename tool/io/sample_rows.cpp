@@ -39,9 +39,11 @@ std::vector<uint16_t> read_words(InputFile& file, const RowLayout& layout) {
     std::vector<uint16_t> samples;
     if (file.size())
         reserve_frame(samples, static_cast<size_t>(count));
-    for (uint64_t done = 0; done < count; done = samples.size()) {
+    while (samples.size() < count) {
+        const size_t done = samples.size();
         samples.resize(static_cast<size_t>(std::min(count, done + block)));
-        file.read(layout.offset + 2 * done, std::as_writable_bytes(std::span(samples).subspan(done)));
+        file.read(layout.offset + 2 * uint64_t{done},
+                  std::as_writable_bytes(std::span(samples).subspan(done)));
     }
     return samples;
 }

@@ -24,7 +24,7 @@ uint64_t mark_of(std::string_view serial) {
 
 // Where the mark is, or would be.
 size_t SerialSet::slot_of(uint64_t mark) const {
-    size_t slot = mark & (slots_.size() - 1);
+    size_t slot = static_cast<size_t>(mark) & (slots_.size() - 1);
     while (slots_[slot] != 0 && (slots_[slot] & ~visited_bit) != mark)
         slot = (slot + 1) & (slots_.size() - 1);
     return slot;
