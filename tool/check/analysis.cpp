@@ -11,7 +11,7 @@ namespace {
 
 constexpr int most_cells = 40;
 // A tile darker than this part of the bright ones is not fitted.
-constexpr double dark = 0.01;
+constexpr double least_fitted = 0.01;
 
 struct Span {
     int begin, end;
@@ -95,7 +95,8 @@ void analyse_plane(const FrameTiles& tiles, const PlaneTiles& plane_tiles, doubl
     plane.noise = photon_transfer(plane_tiles, tiles.side);
     std::vector<float> means = plane_tiles.mean;
     plane.bright = quantile_of(means, 0.9) - black;
-    plane.cells = cells_of(tiles, plane_tiles.mean, black, std::max(dark * plane.bright, 1e-3), aspect);
+    plane.cells =
+        cells_of(tiles, plane_tiles.mean, black, std::max(least_fitted * plane.bright, 1e-3), aspect);
     plane.surface = fit_lens_surface(plane.cells);
     subtract_surface(plane);
     expect_tiles(tiles, aspect, plane);

@@ -47,13 +47,13 @@ constexpr int corner_side = 5; // plane samples
 constexpr double correctable = 0.25, warned_only = 0.6;
 const std::array<const char*, 4> corner_names{"top left", "top right", "bottom left", "bottom right"};
 
-struct Span {
+struct Reach {
     int begin, end;
 };
 
 // The samples whose columns and rows lie so many plane samples away from the sides of the corner.
-std::vector<float> corner_samples(const RawFrame& frame, size_t plane, size_t corner, Span across,
-                                  Span down) {
+std::vector<float> corner_samples(const RawFrame& frame, size_t plane, size_t corner, Reach across,
+                                  Reach down) {
     const int w = frame.width / 2, h = frame.height / 2;
     std::vector<float> samples;
     for (int j = down.begin; j < down.end; ++j)

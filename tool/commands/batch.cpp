@@ -21,7 +21,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct BatchOptions {
     std::string manifest, output, shard = "1/1";
     int jobs = 0;
     ModuleOptions module;
@@ -37,7 +37,8 @@ struct ModuleSettings {
 // The settings of presets, each read once.
 class Presets {
   public:
-    Presets(const Options& options, std::string folder) : options_(options), folder_(std::move(folder)) {}
+    Presets(const BatchOptions& options, std::string folder)
+        : options_(options), folder_(std::move(folder)) {}
 
     std::shared_ptr<const ModuleSettings> of(const std::optional<std::string>& preset) {
         // Nobody has so many kinds of modules: what a manifest full of names takes is bounded.
@@ -65,7 +66,7 @@ class Presets {
         return settings;
     }
 
-    const Options& options_;
+    const BatchOptions& options_;
     std::string folder_;
     std::map<std::string, std::shared_ptr<const ModuleSettings>> known_;
 };
@@ -92,7 +93,7 @@ void watch_signals() {
 
 class Batch {
   public:
-    Batch(const Options& options, const Shard& shard)
+    Batch(const BatchOptions& options, const Shard& shard)
         : options_(options), shard_(shard), folder_(directory_of(options.manifest)),
           presets_(options, folder_), survey_(survey_manifest(options.manifest, shard)),
           manifest_(options.manifest), journal_(options.output), progress_(survey_.modules) {}
@@ -123,7 +124,7 @@ class Batch {
         return fmt::format("{}:{}", options_.manifest, module.line);
     }
 
-    const Options& options_;
+    const BatchOptions& options_;
     Shard shard_;
     std::string folder_; // of the manifest
     Presets presets_;
@@ -264,7 +265,7 @@ void make_directory(const std::string& path) {
         system_failure("{}: no file can be written there", path);
 }
 
-void run(Options options, Report& report) {
+void run(BatchOptions options, Report& report) {
     const auto shard = shard_from(options.shard);
     if (!shard)
         usage_failure("--shard: {} is no share: expected I/N, from 1/N to N/N", options.shard);
@@ -292,7 +293,7 @@ void run(Options options, Report& report) {
 } // namespace
 
 void add_batch(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<BatchOptions>();
     Command command = app.subcommand("batch", "Check, calibrate and judge every module of a manifest");
     command
         .option("manifest", options->manifest,

@@ -26,7 +26,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct CalibrateOptions {
     CaptureOptions captures;
     MethodOptions method;
     std::string output, text, golden;
@@ -94,7 +94,7 @@ GainTables relative_tables(Report& report, const std::string& name, const GainTa
     return relative;
 }
 
-void write_tables(const Options& options, const GainTables& tables) {
+void write_tables(const CalibrateOptions& options, const GainTables& tables) {
     OutputSet outputs;
     outputs.add(options.output, encode_tables_for(options.output, tables));
     if (!options.text.empty())
@@ -102,7 +102,7 @@ void write_tables(const Options& options, const GainTables& tables) {
     outputs.commit();
 }
 
-void run(const Options& options, Report& report) {
+void run(const CalibrateOptions& options, Report& report) {
     std::vector<std::string> inputs = options.captures.paths();
     inputs.push_back(options.golden);
     keep_files_apart(inputs, {options.output, options.text});
@@ -137,7 +137,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_calibrate(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<CalibrateOptions>();
     Command command = app.subcommand("calibrate", "Make gain tables from flat-field captures");
     add_capture_options(command, options->captures);
     command

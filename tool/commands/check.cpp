@@ -21,7 +21,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct CheckOptions {
     std::vector<std::string> flats;
     std::string turned, reference;
     RawOptions raw;
@@ -46,7 +46,7 @@ void print_findings(Report& report, const Findings& findings) {
             report.print(fmt::format("{}: {}: {}\n", name_of(f.verdict), f.name, f.advice));
 }
 
-RawFrame read_frame(const Options& options, const std::string& path) {
+RawFrame read_frame(const CheckOptions& options, const std::string& path) {
     RawOptions raw = options.raw;
     raw.path = path;
     RawFrame frame = read_raw(raw, UnknownBlack::take_0);
@@ -62,7 +62,7 @@ struct Second {
     Analysis analysis;
 };
 
-Second read_second(const Options& options, const std::string& path, const FlatCapture& first) {
+Second read_second(const CheckOptions& options, const std::string& path, const FlatCapture& first) {
     Second second{read_frame(options, path), {}};
     if (second.frame.width != first.frame.width || second.frame.height != first.frame.height)
         data_failure("{}: is {} x {}, and the first capture {} x {}: give captures of one module", path,
@@ -72,7 +72,7 @@ Second read_second(const Options& options, const std::string& path, const FlatCa
 }
 
 // The findings of the second capture and of all later ones are about how they differ from the first.
-void check_others(const Options& options, const Judgement& judgement) {
+void check_others(const CheckOptions& options, const Judgement& judgement) {
     const FlatCapture& first = judgement.capture;
     for (size_t i = 1; i < options.flats.size(); ++i) {
         const Second other = read_second(options, options.flats[i], first);
@@ -105,7 +105,7 @@ void refuse(const std::string& name, const Findings& findings) {
 }
 
 // Adds what it finds as it goes, and returns the frame's name.
-std::string judge(const Options& options, Report& report, Findings& findings) {
+std::string judge(const CheckOptions& options, Report& report, Findings& findings) {
     const CheckLimits limits = limits_of(options.check);
     const int algorithm = algorithm_from(options.algorithm);
     const RawFrame frame = read_frame(options, options.flats.front());
@@ -120,7 +120,7 @@ std::string judge(const Options& options, Report& report, Findings& findings) {
     return frame.name;
 }
 
-void run(const Options& options, Report& report) {
+void run(const CheckOptions& options, Report& report) {
     Findings findings;
     std::string name;
     try {
@@ -155,7 +155,7 @@ std::string list_of_checks() {
 } // namespace
 
 void add_check(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<CheckOptions>();
     Command command =
         app.subcommand("check", "Tell whether a capture is a flat field that can be calibrated");
     add_raw_options(command, options->raw, options->flats, "flat");

@@ -25,7 +25,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct CompareOptions {
     RawOptions raw;
     CalibrationSettings settings;
     FlatCheckOptions check;
@@ -182,7 +182,7 @@ void recommend(Report& report, const Outcomes& outcomes) {
     report.add("flattest", algorithm_name(flattest.algorithm));
 }
 
-void run(const Options& options, Report& report) {
+void run(const CompareOptions& options, Report& report) {
     limits_of(options.check);
     const RawFrame capture = read_raw(options.raw, UnknownBlack::refuse);
     add_frame(report, capture);
@@ -202,7 +202,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_compare(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<CompareOptions>();
     Command command =
         app.subcommand("compare", "Calibrate a capture by every method, and compare what they leave");
     add_raw_options(command, options->raw, "flat");

@@ -26,7 +26,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct ConvertOptions {
     ConvertInputs inputs;
     std::string output, format, grid, into;
     bool replace = false;
@@ -59,7 +59,7 @@ std::string format_names(const char* separator) {
     return fmt::format("{}", fmt::join(names, separator));
 }
 
-const Format& format_of(const Options& options) {
+const Format& format_of(const ConvertOptions& options) {
     const std::string extension = extension_of(options.output);
     for (const Format& format : formats)
         if (options.format.empty() ? format.extension != nullptr && extension == format.extension
@@ -75,7 +75,7 @@ bool is(const Format& format, std::string_view name) {
     return format.name == name;
 }
 
-std::vector<int> grid_of(const Options& options, const Format& format) {
+std::vector<int> grid_of(const ConvertOptions& options, const Format& format) {
     if (format.grid == nullptr && !options.grid.empty())
         usage_failure("--grid: {} has a grid that cannot be chosen: leave it away", format.name);
     if (format.grid == nullptr)
@@ -83,7 +83,7 @@ std::vector<int> grid_of(const Options& options, const Format& format) {
     return integer_list("--grid", options.grid.empty() ? format.grid : options.grid, 2, 2, 256);
 }
 
-std::string encode_frame(const Options& options, const GainTables& tables) {
+std::string encode_frame(const ConvertOptions& options, const GainTables& tables) {
     if (!options.into.empty() && !options.raw.path.empty())
         usage_failure("--into and --raw: the frame is that of one of them: give only one");
     if (!options.into.empty())
@@ -98,7 +98,7 @@ std::string encode_frame(const Options& options, const GainTables& tables) {
     return encode_dng(frame, tables);
 }
 
-std::string encode(const Options& options, const Format& format, const std::vector<LitTables>& sets,
+std::string encode(const ConvertOptions& options, const Format& format, const std::vector<LitTables>& sets,
                    Losses& losses) {
     const GainTables& tables = sets.front().tables;
     const std::vector<int> grid = grid_of(options, format);
@@ -121,7 +121,7 @@ std::string encode(const Options& options, const Format& format, const std::vect
     return is(format, "npy") ? encode_npy(tables) : encode_table_text(tables);
 }
 
-void run(const Options& options, Report& report) {
+void run(const ConvertOptions& options, Report& report) {
     std::vector<std::string> inputs = options.inputs.paths;
     inputs.push_back(options.raw.path);
     inputs.push_back(options.into);
@@ -152,7 +152,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_convert(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ConvertOptions>();
     Command command = app.subcommand("convert", "Carry tables into the format of a camera stack, and back");
     add_convert_inputs(command, options->inputs);
     command.option("-o,--output", options->output, "file to write").required().takes("FILE");

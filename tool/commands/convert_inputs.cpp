@@ -22,7 +22,7 @@ namespace {
 
 constexpr int coldest = 1000, hottest = 20000;
 // That of calibrate, unless the nodes of the file are closer.
-constexpr int usual_step = 64;
+constexpr int widest_step = 64;
 constexpr int usual_bits = 10;
 
 // --size; 0 where it is not given.
@@ -68,7 +68,7 @@ int step_for(const ConvertInputs& inputs, const ShadingFile& file, const GainTab
         return inputs.step;
     const double own =
         std::min(file.spacing_x * tables.plane_width(), file.spacing_y * tables.plane_height());
-    return std::clamp(static_cast<int>(own), 1, usual_step);
+    return std::clamp(static_cast<int>(own), 1, widest_step);
 }
 
 void check_detail(const std::string& path, const ShadingFile& file, const GainTables& tables) {

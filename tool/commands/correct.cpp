@@ -20,7 +20,7 @@ namespace {
 
 constexpr int isp_bits = 10;
 
-struct Options {
+struct CorrectOptions {
     RawOptions raw;
     std::string tables, output, isp;
     bool restore_black = false;
@@ -36,7 +36,7 @@ void bring_to_10_bits(RawFrame& frame, bool scale) {
     scale_to_10_bits(frame);
 }
 
-void run(const Options& options, Report& report) {
+void run(const CorrectOptions& options, Report& report) {
     keep_files_apart({options.raw.path, options.tables}, {options.output});
     const GainTables tables = read_whole_gains(options.tables);
     const Isp isp = isp_of_option(options.isp, tables);
@@ -63,7 +63,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_correct(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<CorrectOptions>();
     Command command = app.subcommand("correct", "Correct a frame with gain tables exactly as the ISP does");
     add_raw_options(command, options->raw, "raw");
     command.option("--tables", options->tables, "table file of zerklsc calibrate").required().takes("FILE");

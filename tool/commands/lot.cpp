@@ -23,7 +23,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct LotOptions {
     std::vector<std::string> inputs, results;
     std::string partial, golden, page;
 };
@@ -74,7 +74,7 @@ bool holds_summary(const std::string& path) {
 }
 
 // All inputs once. The result files among them go to `again`.
-LotSummary read_all(const Options& options, std::vector<std::string>& again, bool& all_results) {
+LotSummary read_all(const LotOptions& options, std::vector<std::string>& again, bool& all_results) {
     constexpr uint64_t largest_summary = uint64_t{1} << 34;
     LotSummary lot;
     Complaints complaints;
@@ -119,7 +119,7 @@ void measure_distances(const std::vector<std::string>& paths, LotSummary& lot, L
                      input_name(paths.front()), lot.serials.visited(), lot.serials.size());
 }
 
-void check_usage(const Options& options) {
+void check_usage(const LotOptions& options) {
     keep_files_apart(options.inputs, {options.partial, options.golden, options.page});
     keep_files_apart(options.results, {options.partial, options.golden, options.page});
     if (!options.page.empty() && options.page != "-" && extension_of(options.page) != ".html")
@@ -162,7 +162,7 @@ std::string page_of(const LotFindings& findings) {
     return encode_page(PageKind::lot, document.text(), rows);
 }
 
-void write_outputs(const Options& options, const LotFindings& findings) {
+void write_outputs(const LotOptions& options, const LotFindings& findings) {
     OutputSet outputs;
     if (!options.golden.empty()) {
         if (findings.summary.with_gains() == 0)
@@ -174,7 +174,7 @@ void write_outputs(const Options& options, const LotFindings& findings) {
     outputs.commit();
 }
 
-void run(const Options& options, Report& report) {
+void run(const LotOptions& options, Report& report) {
     check_usage(options);
     std::vector<std::string> again;
     bool all_results = true;
@@ -200,7 +200,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_lot(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<LotOptions>();
     Command command = app.subcommand("lot", "Say what the results of many modules tell together");
     command.option("results", options->inputs, "result files of batch, or summaries that --partial wrote")
         .required()

@@ -15,7 +15,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct MeasureOptions {
     RawOptions raw;
     int blocks = usual_block_count;
     double limit = -1; // percent; negative: none
@@ -58,7 +58,7 @@ void check_limit(const RawFrame& frame, const FrameLevels& levels, double limit)
         limit_failure("{}: deviates from flat: {} (limit {} %)", frame.name, beyond, limit);
 }
 
-void run(const Options& options, Report& report) {
+void run(const MeasureOptions& options, Report& report) {
     const RawFrame frame = read_raw(options.raw, UnknownBlack::take_0);
     if (std::min(frame.width, frame.height) / 2 < options.blocks)
         data_failure(
@@ -76,7 +76,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_measure(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<MeasureOptions>();
     Command command =
         app.subcommand("measure", "Measure corner-to-centre ratio, flatness and colour shading");
     add_raw_options(command, options->raw, "frame");

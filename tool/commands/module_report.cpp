@@ -27,13 +27,13 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct ReportOptions {
     RawOptions raw;
     std::string tables, isp, output;
     FlatCheckOptions check;
 };
 
-void add_parameters(Report& report, const Options& options, const GainTables& tables, Isp isp) {
+void add_parameters(Report& report, const ReportOptions& options, const GainTables& tables, Isp isp) {
     report.add("program", "zerklsc " ZERKLSC_VERSION);
     report.add("inputs", JsonValue::array({json_of(input_record("flat field", options.raw.path)),
                                            json_of(input_record("tables", options.tables))}));
@@ -57,7 +57,8 @@ void add_measures(Report& report, const GainTables& tables, const Shown& before,
 }
 
 // The capture as the calibration of these tables would judge it.
-void add_checks(Report& report, const Options& options, const RawFrame& frame, const GainTables& tables) {
+void add_checks(Report& report, const ReportOptions& options, const RawFrame& frame,
+                const GainTables& tables) {
     CalibrationSettings settings;
     settings.algorithm = tables.algorithm;
     settings.step = tables.step;
@@ -80,7 +81,7 @@ std::vector<PanelRow> maps_of(const GainTables& tables, const Shown& before, con
             colour_row(before, &after, size)};
 }
 
-void run(const Options& options, Report& report) {
+void run(const ReportOptions& options, Report& report) {
     if (options.output != "-" && extension_of(options.output) != ".html")
         usage_failure("{}: a report is written as HTML: give a name that ends in .html", options.output);
     keep_files_apart({options.raw.path, options.tables}, {options.output});
@@ -104,7 +105,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_report(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ReportOptions>();
     Command command =
         app.subcommand("report", "Put all about a module's calibration on one page that opens offline");
     add_raw_options(command, options->raw, "flat");

@@ -17,7 +17,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct OtpCheckOptions {
     std::string stream, tables;
     double max_error = 0;
 };
@@ -42,7 +42,7 @@ void check_alone(const OtpFile& file, Report& report) {
                          unstored, inner_nodes(decoded)));
 }
 
-void compare(const OtpFile& file, const Options& options, Report& report) {
+void compare(const OtpFile& file, const OtpCheckOptions& options, Report& report) {
     const std::string tables_name = input_name(options.tables);
     const GainTables tables = read_table_json(options.tables);
     if (file.container)
@@ -63,7 +63,7 @@ void compare(const OtpFile& file, const Options& options, Report& report) {
                          tables_name, limit));
 }
 
-void run(const Options& options, Report& report) {
+void run(const OtpCheckOptions& options, Report& report) {
     const OtpFile file = read_otp_file(options.stream);
     if (file.container)
         add_container(report, file);
@@ -80,7 +80,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_otp_check(Command otp) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<OtpCheckOptions>();
     Command command =
         otp.subcommand("check", "Find damage in a container, and compare a stream with its tables");
     command.option("stream", options->stream, "file of zerklsc otp encode: a container or a bare stream")

@@ -20,16 +20,16 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct OtpDecodeOptions {
     std::string stream, output, like, pattern, black = "0";
     int width = 0, height = 0, step = 0;
 };
 
-constexpr int usual_step = 64;
-constexpr const char* usual_pattern = "RGGB";
+constexpr int default_step = 64;
+constexpr const char* default_pattern = "RGGB";
 
 // Tables without gains, as the options describe those of a bare stream.
-GainTables described_by(const Options& options) {
+GainTables described_by(const OtpDecodeOptions& options) {
     if (options.width == 0 || options.height == 0)
         usage_failure(
             "otp decode: the stream does not say its geometry: give --like TABLES, or --width and --height");
@@ -37,15 +37,15 @@ GainTables described_by(const Options& options) {
     GainTables tables;
     tables.raw_width = options.width;
     tables.raw_height = options.height;
-    tables.step = options.step == 0 ? usual_step : options.step;
+    tables.step = options.step == 0 ? default_step : options.step;
     tables.algorithm = ZERKLSC_ALGORITHM_ORVEL;
-    tables.pattern = pattern_of_option(options.pattern.empty() ? usual_pattern : options.pattern);
+    tables.pattern = pattern_of_option(options.pattern.empty() ? default_pattern : options.pattern);
     tables.bits = 10;
     tables.set_table_size();
     return tables;
 }
 
-GainTables described(const Options& options, const OtpFile& file) {
+GainTables described(const OtpDecodeOptions& options, const OtpFile& file) {
     if (!options.like.empty()) {
         GainTables tables = read_table_json(options.like);
         if (file.container)
@@ -61,7 +61,7 @@ GainTables described(const Options& options, const OtpFile& file) {
     return tables;
 }
 
-void run(const Options& options, Report& report) {
+void run(const OtpDecodeOptions& options, Report& report) {
     keep_files_apart({options.stream, options.like}, {options.output});
     check_table_name(options.output);
     const OtpFile file = read_otp_file(options.stream);
@@ -81,7 +81,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_otp_decode(Command otp) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<OtpDecodeOptions>();
     Command command = otp.subcommand("decode", "Unpack a stream or container into tables");
     command.option("stream", options->stream, "file of zerklsc otp encode: a bare stream or a container")
         .required()
@@ -98,10 +98,10 @@ void add_otp_decode(Command otp) {
         .excludes(like);
     command
         .option("--step", options->step,
-                fmt::format("node spacing in plane samples (default: {})", usual_step))
+                fmt::format("node spacing in plane samples (default: {})", default_step))
         .range(smallest_step, largest_step)
         .excludes(like);
-    command.option("--pattern", options->pattern, fmt::format("Bayer pattern (default: {})", usual_pattern))
+    command.option("--pattern", options->pattern, fmt::format("Bayer pattern (default: {})", default_pattern))
         .takes("{RGGB,GRBG,GBRG,BGGR}")
         .excludes(like);
     command.option("--black-level", options->black, "black level of 10-bit captures, for the table file")

@@ -18,7 +18,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct OtpEncodeOptions {
     std::string tables, output, c_array, serial;
     int mode = 0;
     double max_error = 0; // percent; 0: the usual one of the mode
@@ -47,7 +47,7 @@ void check_serial(const std::string& serial) {
         usage_failure("--serial: {} is not at most {} characters of printable ASCII", serial, longest_serial);
 }
 
-void write_stream(const Options& options, const GainTables& tables, const std::string& stream,
+void write_stream(const OtpEncodeOptions& options, const GainTables& tables, const std::string& stream,
                   Report& report) {
     const std::string bytes =
         options.container ? encode_otp_container({tables.pattern, options.mode, tables.raw_width,
@@ -67,7 +67,7 @@ void write_stream(const Options& options, const GainTables& tables, const std::s
     outputs.commit();
 }
 
-void run(const Options& options, Report& report) {
+void run(const OtpEncodeOptions& options, Report& report) {
     keep_files_apart({options.tables}, {options.output, options.c_array});
     check_serial(options.serial);
     const std::string name = input_name(options.tables);
@@ -93,7 +93,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_otp_encode(Command otp) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<OtpEncodeOptions>();
     Command command =
         otp.subcommand("encode", "Pack tables into a stream, decode it again and report the loss");
     command.option("tables", options->tables, "table file of zerklsc calibrate").required().takes("FILE");

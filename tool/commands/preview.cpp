@@ -24,13 +24,13 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct PreviewOptions {
     RawOptions raw;
     std::string tables, corrected, corrected_black, isp, output;
 };
 
 // The frame that was corrected elsewhere, in the same geometry.
-RawFrame read_corrected(const Options& options, const RawFrame& before) {
+RawFrame read_corrected(const PreviewOptions& options, const RawFrame& before) {
     RawOptions raw = options.raw;
     raw.path = options.corrected;
     raw.black = options.corrected_black;
@@ -48,8 +48,8 @@ struct Sheet {
 };
 
 // The frame in its corrected form, as the tables or another program make it, or nothing.
-std::optional<RawFrame> corrected_frame(const Options& options, const GainTables& tables, RawFrame frame,
-                                        Sheet& sheet, std::string& how) {
+std::optional<RawFrame> corrected_frame(const PreviewOptions& options, const GainTables& tables,
+                                        RawFrame frame, Sheet& sheet, std::string& how) {
     if (!options.tables.empty()) {
         const Isp isp = isp_of_option(options.isp, tables);
         how = fmt::format("after {}", name_of(isp));
@@ -91,7 +91,7 @@ void finish(Report& report, Sheet& sheet, bool clipped) {
         sheet.heading.emplace_back("magenta: clipped samples");
 }
 
-Sheet make_sheet(const Options& options, Report& report) {
+Sheet make_sheet(const PreviewOptions& options, Report& report) {
     const GainTables tables = options.tables.empty() ? GainTables() : read_whole_gains(options.tables);
     RawFrame frame = options.tables.empty() ? read_raw(options.raw, UnknownBlack::take_0)
                                             : read_raw_for(options.raw, tables, input_name(options.tables));
@@ -117,7 +117,7 @@ Sheet make_sheet(const Options& options, Report& report) {
     return sheet;
 }
 
-void run(const Options& options, Report& report) {
+void run(const PreviewOptions& options, Report& report) {
     if (options.output != "-" && !extension_of(options.output).empty()
         && extension_of(options.output) != ".png")
         usage_failure("{}: a picture is written as PNG: give a name that ends in .png", options.output);
@@ -131,7 +131,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_preview(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<PreviewOptions>();
     Command command = app.subcommand("preview", "Draw the shading of a frame, before and after correction");
     add_raw_options(command, options->raw, "raw");
     command.option("-o,--output", options->output, "picture to write (PNG)").required().takes("FILE");

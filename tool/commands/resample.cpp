@@ -18,14 +18,14 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct ResampleOptions {
     std::string tables, output, text;
     int step = 0;     // 0: as it is
     std::string crop; // empty: the whole frame
     std::string size; // empty: that of the window
 };
 
-CropWindow window_of(const Options& options, const GainTables& tables) {
+CropWindow window_of(const ResampleOptions& options, const GainTables& tables) {
     if (options.crop.empty())
         return {0, 0, tables.raw_width, tables.raw_height};
     const auto crop = integer_list("--crop", options.crop, 4, 0, largest_side);
@@ -38,7 +38,7 @@ CropWindow window_of(const Options& options, const GainTables& tables) {
     return {x, y, width, height};
 }
 
-GainTables resample(const Options& options, const GainTables& tables) {
+GainTables resample(const ResampleOptions& options, const GainTables& tables) {
     const int step = options.step != 0 ? options.step : tables.step;
     const CropWindow window = window_of(options, tables);
     std::vector<int> size{window.width, window.height};
@@ -50,7 +50,7 @@ GainTables resample(const Options& options, const GainTables& tables) {
     return resample_crop(tables, input_name(options.tables), window, width, height, step);
 }
 
-void run(const Options& options, Report& report) {
+void run(const ResampleOptions& options, Report& report) {
     keep_files_apart({options.tables}, {options.output, options.text});
     check_table_name(options.output);
     const GainTables result = resample(options, read_table_json(options.tables));
@@ -65,7 +65,7 @@ void run(const Options& options, Report& report) {
 } // namespace
 
 void add_resample(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ResampleOptions>();
     Command command =
         app.subcommand("resample", "Carry tables over to another grid step, crop or frame size");
     command.option("tables", options->tables, "table file of zerklsc calibrate").required().takes("FILE");

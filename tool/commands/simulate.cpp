@@ -18,7 +18,7 @@
 namespace zerklsc::tool {
 namespace {
 
-struct Options {
+struct SimulateOptions {
     SimulationSettings settings;
     std::string pattern = "RGGB";
     std::string corners = "34,40,41,45";
@@ -28,7 +28,7 @@ struct Options {
     std::string output;
 };
 
-void run(const Options& options, Report& report) {
+void run(const SimulateOptions& options, Report& report) {
     SimulationSettings settings = options.settings;
     settings.pattern = pattern_of_option(options.pattern);
     std::ranges::copy(number_list("--corners", options.corners, 4, 1, 199), settings.corners.begin());
@@ -48,7 +48,7 @@ void run(const Options& options, Report& report) {
                [&](const ByteSink& sink) { write_raw_frame(options.output, frame, "frame.pgm", sink); });
 }
 
-void add_sensor_options(Command command, Options& options) {
+void add_sensor_options(Command command, SimulateOptions& options) {
     SimulationSettings& s = options.settings;
     command.option("--width", s.width, "frame width in pixels").range(2, largest_side).show_default();
     command.option("--height", s.height, "frame height in pixels").range(2, largest_side).show_default();
@@ -70,7 +70,7 @@ void add_sensor_options(Command command, Options& options) {
     command.option("--seed", s.seed, "another seed is another noise, dust and defects").show_default();
 }
 
-void add_lens_options(Command command, Options& options) {
+void add_lens_options(Command command, SimulateOptions& options) {
     SimulationSettings& s = options.settings;
     command
         .option("--level", s.level, "green at the optical centre, percent of the range; above 100 it clips")
@@ -102,7 +102,7 @@ std::string list_of_faults() {
 } // namespace
 
 void add_simulate(Command app) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SimulateOptions>();
     Command command = app.subcommand("simulate", "Make a flat-field capture of a module that does not exist");
     command
         .option("-o,--output", options->output,

@@ -18,7 +18,7 @@ constexpr std::array<uint8_t, 256> values_of_digits() {
     return values;
 }
 
-constexpr std::array<uint8_t, 256> values = values_of_digits();
+constexpr std::array<uint8_t, 256> digit_values = values_of_digits();
 
 } // namespace
 
@@ -46,7 +46,7 @@ std::optional<std::string> bytes_of_base64(std::string_view text) {
     uint32_t bits = 0;
     for (size_t i = 0; i < text.size(); ++i) {
         const bool padded = i >= text.size() - padding;
-        const uint8_t value = padded ? 0 : values[static_cast<uint8_t>(text[i])];
+        const uint8_t value = padded ? 0 : digit_values[static_cast<uint8_t>(text[i])];
         if (value == no_digit)
             return std::nullopt;
         bits = bits << 6 | value;

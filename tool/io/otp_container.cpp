@@ -15,8 +15,8 @@ namespace zerklsc::tool {
 namespace {
 
 // Bit 7 of the third byte is clear in every bare stream of mode 0, and lost on a line that strips it.
-constexpr std::string_view magic = "ZL\xD3"
-                                   "C";
+constexpr std::string_view container_magic = "ZL\xD3"
+                                             "C";
 constexpr uint32_t format_version = 1;
 
 // The offsets of the fields.
@@ -133,12 +133,12 @@ void check_geometry(const OtpContainer& container, size_t size, const std::strin
 } // namespace
 
 bool is_otp_container(const std::string& bytes) {
-    return bytes.starts_with(magic);
+    return bytes.starts_with(container_magic);
 }
 
 std::string encode_otp_container(const OtpContainer& container) {
     std::string bytes(at_stream, '\0');
-    std::ranges::copy(magic, bytes.begin());
+    std::ranges::copy(container_magic, bytes.begin());
     put(bytes, at_version, 2, format_version);
     put(bytes, at_pattern, 1, static_cast<uint64_t>(container.pattern));
     put(bytes, at_mode, 1, static_cast<uint64_t>(container.mode));

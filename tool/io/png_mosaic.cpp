@@ -15,14 +15,14 @@ namespace {
 constexpr size_t message_size = 128;
 
 // What libpng's callbacks see. They may not throw: libpng leaves them by longjmp().
-struct Source {
+struct PngSource {
     InputFile* file;
     uint64_t offset = 0;
     char message[message_size] = "";
 };
 
 void read_bytes(png_structp png, png_bytep to, size_t size) {
-    auto* const source = static_cast<Source*>(png_get_io_ptr(png));
+    auto* const source = static_cast<PngSource*>(png_get_io_ptr(png));
     size_t got = 0;
     try {
         got = source->file->read_some(source->offset, std::as_writable_bytes(std::span(to, size)));
@@ -35,14 +35,14 @@ void read_bytes(png_structp png, png_bytep to, size_t size) {
 }
 
 void keep_message(png_structp png, png_const_charp message) {
-    auto* const source = static_cast<Source*>(png_get_error_ptr(png));
+    auto* const source = static_cast<PngSource*>(png_get_error_ptr(png));
     std::strncpy(source->message, message, message_size - 1);
     std::longjmp(*png_set_longjmp_fn(png, std::longjmp, sizeof(std::jmp_buf)), 1);
 }
 
 void drop_message(png_structp, png_const_charp) {}
 
-struct Header {
+struct PngHeader {
     png_uint_32 width = 0, height = 0;
     int depth = 0, colour = 0, interlace = 0;
     int significant = 0; // bits, by the file
@@ -59,7 +59,7 @@ class Decoder {
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
-    bool read_header(Header& header) {
+    bool read_header(PngHeader& header) {
         if (info_ == nullptr || setjmp(png_jmpbuf(png_)) != 0)
             return false;
         png_set_read_fn(png_, &source_, read_bytes);
@@ -85,7 +85,7 @@ class Decoder {
     }
 
   private:
-    Source source_;
+    PngSource source_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
 };
@@ -94,7 +94,7 @@ bool recognises_png(const InputFile& file, const RawHints&) {
     return extension_of(file.path()) == ".png" || file.head().starts_with("\x89PNG");
 }
 
-void check_header(const std::string& path, const Header& header) {
+void check_header(const std::string& path, const PngHeader& header) {
     if (header.colour != PNG_COLOR_TYPE_GRAY || header.depth < 8)
         data_failure("{}: is not a grey PNG of 8 or 16 bits: a raw frame is a mosaic of one sample a pixel",
                      path);
@@ -104,7 +104,7 @@ void check_header(const std::string& path, const Header& header) {
 
 RawFrame read_png(InputFile& file, const RawHints&) {
     Decoder decoder(file);
-    Header header;
+    PngHeader header;
     if (!decoder.read_header(header))
         decoder.fail();
     check_header(file.path(), header);

@@ -17,9 +17,9 @@ namespace {
 using nlohmann::json;
 
 // Looks fields up in one file, and names the file and the field when they are not as they must be.
-class Reader {
+class TableReader {
   public:
-    Reader(const std::string& path, const json& object) : path_(path), object_(object) {}
+    TableReader(const std::string& path, const json& object) : path_(path), object_(object) {}
 
     const json& field(const char* name) const {
         if (!object_.is_object() || !object_.contains(name))
@@ -94,7 +94,7 @@ json parse(const std::string& path) {
     return object;
 }
 
-void check_version(const Reader& reader) {
+void check_version(const TableReader& reader) {
     if (reader.text("format") != table_format_name)
         data_failure("{}: is of format \"{}\", not \"{}\"", reader.path(), reader.text("format"),
                      table_format_name);
@@ -105,7 +105,7 @@ void check_version(const Reader& reader) {
                      reader.path(), version, table_format_version);
 }
 
-Verdict verdict_from(const Reader& finding) {
+Verdict verdict_from(const TableReader& finding) {
     for (const Verdict verdict : {Verdict::pass, Verdict::warn, Verdict::refuse})
         if (finding.text("verdict") == name_of(verdict))
             return verdict;
@@ -116,7 +116,7 @@ Verdict verdict_from(const Reader& finding) {
 Findings read_findings(const std::string& path, const json& list) {
     Findings findings;
     for (const json& object : list) {
-        const Reader finding(path, object);
+        const TableReader finding(path, object);
         findings.push_back({finding.text("name"),
                             finding.text_or_null("plane"),
                             finding.number_or_null("value").value_or(std::nan("")),
@@ -128,20 +128,20 @@ Findings read_findings(const std::string& path, const json& list) {
     return findings;
 }
 
-KeptOut read_kept_out(const Reader& input) {
+KeptOut read_kept_out(const TableReader& input) {
     if (!input.has("kept_out"))
         return {};
-    const Reader counts(input.path(), input.field("kept_out"));
+    const TableReader counts(input.path(), input.field("kept_out"));
     const auto count = [&](const char* name) {
         return counts.integer(name, 0, std::numeric_limits<int>::max());
     };
     return {count("samples"), count("lines"), count("dust_spots")};
 }
 
-std::vector<TableInput> read_inputs(const Reader& reader) {
+std::vector<TableInput> read_inputs(const TableReader& reader) {
     std::vector<TableInput> inputs;
     for (const json& object : reader.list("inputs")) {
-        const Reader input(reader.path(), object);
+        const TableReader input(reader.path(), object);
         inputs.push_back({input.text("role"), input.text("name"), input.text_or_null("sha256"),
                           read_findings(reader.path(), input.list("checks")), read_kept_out(input)});
     }
@@ -149,7 +149,7 @@ std::vector<TableInput> read_inputs(const Reader& reader) {
 }
 
 // Version 1 only has the names of the checks that refused the capture.
-std::vector<TableInput> read_inputs_of_version_1(const Reader& reader) {
+std::vector<TableInput> read_inputs_of_version_1(const TableReader& reader) {
     TableInput input{"flat field", "", "", {}, {}};
     if (!reader.has("failed_checks"))
         return {};
@@ -162,30 +162,30 @@ std::vector<TableInput> read_inputs_of_version_1(const Reader& reader) {
 }
 
 // What the calibration was told, which version 1 holds beside the geometry.
-void read_parameters(const Reader& reader, GainTables& tables) {
+void read_parameters(const TableReader& reader, GainTables& tables) {
     tables.algorithm = reader.integer("algorithm", 0, 4);
     tables.filter_radius = reader.integer("filter_radius", 0, 65535);
     tables.shading_percent = reader.integer("shading_percent", 0, 65535);
 }
 
-void read_provenance(const Reader& reader, GainTables& tables) {
+void read_provenance(const TableReader& reader, GainTables& tables) {
     if (reader.integer("version", 1, table_format_version) == 1) {
         read_parameters(reader, tables);
         tables.inputs = read_inputs_of_version_1(reader);
         return;
     }
-    const Reader parameters(reader.path(), reader.field("parameters"));
+    const TableReader parameters(reader.path(), reader.field("parameters"));
     read_parameters(parameters, tables);
     tables.average = parameters.text("average");
     tables.inputs = read_inputs(reader);
     if (reader.has("relative_to")) {
-        const Reader golden(reader.path(), reader.field("relative_to"));
+        const TableReader golden(reader.path(), reader.field("relative_to"));
         tables.relative_to = {
             golden.text("role"), golden.text("name"), golden.text_or_null("sha256"), {}, {}};
     }
 }
 
-GainTables read_header(const Reader& reader) {
+GainTables read_header(const TableReader& reader) {
     GainTables tables;
     const auto raw_size = reader.integers<2>("raw_size", 2, largest_side);
     tables.raw_width = raw_size[0];
@@ -213,7 +213,7 @@ GainTables read_header(const Reader& reader) {
 }
 
 void read_gains(const std::string& path, const json& rows, GainTables& tables, size_t plane) {
-    const Reader reader(path, rows);
+    const TableReader reader(path, rows);
     const auto width = static_cast<size_t>(tables.table_width);
     const auto height = static_cast<size_t>(tables.table_height);
     if (!rows.is_array() || rows.size() != height)
@@ -231,14 +231,14 @@ void read_gains(const std::string& path, const json& rows, GainTables& tables, s
 GainTables read_table_json(const std::string& path) {
     const std::string name = input_name(path);
     const json object = parse(path);
-    const Reader reader(name, object);
+    const TableReader reader(name, object);
     check_version(reader);
     GainTables tables = read_header(reader);
     const json& planes = reader.field("tables");
     if (!planes.is_array() || planes.size() != tables.gains.size())
         data_failure("{}: does not hold four tables", name);
     for (size_t i = 0; i < planes.size(); ++i) {
-        const Reader entry(name, planes[i]);
+        const TableReader entry(name, planes[i]);
         // The planes stand in order, so that a file with two tables exchanged does not pass unnoticed.
         entry.integer("plane", static_cast<int>(i), static_cast<int>(i));
         read_gains(name, entry.field("gains"), tables, i);

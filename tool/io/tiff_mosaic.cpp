@@ -15,13 +15,13 @@ namespace zerklsc::tool {
 namespace {
 
 // What libtiff reads from.
-struct Source {
+struct TiffSource {
     InputFile* file;
     uint64_t position = 0;
 };
 
 tmsize_t read_bytes(thandle_t handle, void* to, tmsize_t size) {
-    auto* const source = static_cast<Source*>(handle);
+    auto* const source = static_cast<TiffSource*>(handle);
     try {
         const auto bytes = std::span(static_cast<std::byte*>(to), static_cast<size_t>(size));
         const size_t got = source->file->read_some(source->position, bytes);
@@ -37,7 +37,7 @@ tmsize_t write_nothing(thandle_t, void*, tmsize_t) {
 }
 
 toff_t seek(thandle_t handle, toff_t offset, int whence) {
-    auto* const source = static_cast<Source*>(handle);
+    auto* const source = static_cast<TiffSource*>(handle);
     const uint64_t from = whence == SEEK_SET   ? 0
                           : whence == SEEK_CUR ? source->position
                                                : source->file->size().value_or(0);
@@ -49,7 +49,7 @@ int close_nothing(thandle_t) {
 }
 
 toff_t size_of(thandle_t handle) {
-    return static_cast<Source*>(handle)->file->size().value_or(0);
+    return static_cast<TiffSource*>(handle)->file->size().value_or(0);
 }
 
 // The last message of libtiff, whose handlers have no argument of the caller's.
@@ -70,7 +70,7 @@ using Tiff = std::unique_ptr<TIFF, CloseTiff>;
                  last_error[0] != '\0' ? last_error.data() : "it holds no image");
 }
 
-Tiff open_tiff(Source& source) {
+Tiff open_tiff(TiffSource& source) {
     TIFFSetErrorHandler(keep_error);
     TIFFSetWarningHandler(nullptr);
     last_error.fill('\0');
@@ -82,15 +82,15 @@ Tiff open_tiff(Source& source) {
     return tiff;
 }
 
-struct Header {
+struct TiffHeader {
     uint32_t width = 0, height = 0;
     uint16_t depth = 1, samples = 1, format = SAMPLEFORMAT_UINT, compression = COMPRESSION_NONE,
              photometric = PHOTOMETRIC_MINISBLACK;
     uint32_t strip_rows = 0;
 };
 
-Header read_header(const InputFile& file, TIFF* tiff) {
-    Header header;
+TiffHeader read_header(const InputFile& file, TIFF* tiff) {
+    TiffHeader header;
     TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &header.width);
     TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &header.height);
     TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &header.depth);
@@ -125,7 +125,7 @@ Header read_header(const InputFile& file, TIFF* tiff) {
 
 // Grows with the strips that come, not with what the header promises.
 template <class Sample>
-std::vector<uint16_t> read_strips(const InputFile& file, TIFF* tiff, const Header& header) {
+std::vector<uint16_t> read_strips(const InputFile& file, TIFF* tiff, const TiffHeader& header) {
     std::vector<uint16_t> samples;
     std::vector<Sample> strip;
     for (uint32_t y = 0; y < header.height; y += header.strip_rows) {
@@ -165,9 +165,9 @@ RawFrame read_tiff(InputFile& file, const RawHints&) {
     if (!is_tiff(file))
         data_failure("{}: is not a TIFF: it begins with neither II nor MM", file.path());
     file.hold();
-    Source source{&file};
+    TiffSource source{&file};
     const Tiff tiff = open_tiff(source);
-    const Header header = read_header(file, tiff.get());
+    const TiffHeader header = read_header(file, tiff.get());
     RawFrame frame;
     frame.format = fmt::format("{}-bit TIFF", header.depth);
     frame.width = static_cast<int>(header.width);

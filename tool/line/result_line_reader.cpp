@@ -17,9 +17,9 @@ using nlohmann::json;
 constexpr int any_int = std::numeric_limits<int>::max();
 
 // An object of a line, whose place and field the failures name.
-class Reader {
+class ResultReader {
   public:
-    Reader(const std::string& place, const json& object) : place_(place), object_(object) {
+    ResultReader(const std::string& place, const json& object) : place_(place), object_(object) {
         if (!object.is_object())
             data_failure("{}: is no result of zerklsc batch: not a JSON object", place);
     }
@@ -32,7 +32,7 @@ class Reader {
     }
 
     bool is_null(const char* name) const { return field(name).is_null(); }
-    Reader object(const char* name) const { return {place_, field(name)}; }
+    ResultReader object(const char* name) const { return {place_, field(name)}; }
 
     const std::string& text(const char* name) const {
         if (!field(name).is_string())
@@ -106,16 +106,16 @@ class Reader {
     const json& object_;
 };
 
-std::vector<ResultFile> files_of(const Reader& reader, const char* name) {
+std::vector<ResultFile> files_of(const ResultReader& reader, const char* name) {
     std::vector<ResultFile> files;
     for (const json& object : reader.list(name)) {
-        const Reader file(reader.place(), object);
+        const ResultReader file(reader.place(), object);
         files.push_back({file.text("file"), file.text_or_null("sha256").value_or("")});
     }
     return files;
 }
 
-ResultFrame frame_of(const Reader& reader) {
+ResultFrame frame_of(const ResultReader& reader) {
     ResultFrame frame;
     frame.width = reader.integer("width", 2, largest_side);
     frame.height = reader.integer("height", 2, largest_side);
@@ -127,17 +127,17 @@ ResultFrame frame_of(const Reader& reader) {
     return frame;
 }
 
-ResultGrid grid_of(const Reader& reader) {
+ResultGrid grid_of(const ResultReader& reader) {
     return {reader.integer("algorithm", 0, 4),         reader.integer("step", 1, 255),
             reader.integer("width", 1, largest_side),  reader.integer("height", 1, largest_side),
             reader.integer("filter_radius", 0, 65535), reader.integer("shading_percent", 0, 65535)};
 }
 
-std::vector<ResultCheck> checks_of(const Reader& reader) {
+std::vector<ResultCheck> checks_of(const ResultReader& reader) {
     constexpr std::array<const char*, 3> verdicts{"pass", "warn", "refuse"};
     std::vector<ResultCheck> checks;
     for (const json& object : reader.list("checks")) {
-        const Reader check(reader.place(), object);
+        const ResultReader check(reader.place(), object);
         checks.push_back({check.text("name"), check.text_or_null("plane").value_or(""),
                           check.number_or_null("value"),
                           static_cast<Verdict>(check.one_of("verdict", verdicts))});
@@ -147,18 +147,18 @@ std::vector<ResultCheck> checks_of(const Reader& reader) {
 
 // Calls `read` with the object and the name of each colour.
 template <class T, class Read>
-std::optional<ByColour<T>> by_colour(const Reader& reader, const char* name, const Read& read) {
+std::optional<ByColour<T>> by_colour(const ResultReader& reader, const char* name, const Read& read) {
     if (reader.is_null(name))
         return std::nullopt;
-    const Reader object = reader.object(name);
+    const ResultReader object = reader.object(name);
     ByColour<T> values;
     for (const Colour colour : all_colours)
         values[static_cast<size_t>(colour)] = read(object, name_of(colour));
     return values;
 }
 
-ResultNumbers numbers_of(const Reader& reader) {
-    const auto number = [](const Reader& object, const char* name) { return object.number(name); };
+ResultNumbers numbers_of(const ResultReader& reader) {
+    const auto number = [](const ResultReader& object, const char* name) { return object.number(name); };
     ResultNumbers numbers;
     numbers.flatness = by_colour<double>(reader, "flatness", number);
     numbers.corner = by_colour<double>(reader, "corner", number);
@@ -169,12 +169,13 @@ ResultNumbers numbers_of(const Reader& reader) {
     return numbers;
 }
 
-std::array<double, 2> point_of(const Reader& reader, const char* name) {
+std::array<double, 2> point_of(const ResultReader& reader, const char* name) {
     const json& list = reader.list(name, 2);
     return {reader.number_of(list[0], name), reader.number_of(list[1], name)};
 }
 
-std::vector<uint16_t> gains_of(const Reader& reader, const char* name, std::string_view text, size_t count) {
+std::vector<uint16_t> gains_of(const ResultReader& reader, const char* name, std::string_view text,
+                               size_t count) {
     const auto bytes = bytes_of_base64(text);
     if (!bytes || bytes->size() != 2 * count)
         reader.wrong(name, fmt::format("the base64 text of {} gains", count));
@@ -185,7 +186,7 @@ std::vector<uint16_t> gains_of(const Reader& reader, const char* name, std::stri
     return gains;
 }
 
-void read_calibration(const Reader& reader, ResultLine& result) {
+void read_calibration(const ResultReader& reader, ResultLine& result) {
     if (!reader.is_null("frame"))
         result.frame = frame_of(reader.object("frame"));
     if (!reader.is_null("grid"))
@@ -195,12 +196,12 @@ void read_calibration(const Reader& reader, ResultLine& result) {
     result.optical_centre = by_colour<std::array<double, 2>>(reader, "optical_centre", point_of);
     const size_t nodes = result.grid ? result.grid->nodes() : 0;
     result.gains =
-        by_colour<std::vector<uint16_t>>(reader, "gains", [&](const Reader& object, const char* name) {
+        by_colour<std::vector<uint16_t>>(reader, "gains", [&](const ResultReader& object, const char* name) {
             return gains_of(object, name, object.text(name), nodes);
         });
 }
 
-void check_format(const Reader& reader) {
+void check_format(const ResultReader& reader) {
     if (reader.text("format") != result_format_name)
         data_failure("{}: is of format \"{}\", not \"{}\"", reader.place(), reader.text("format"),
                      result_format_name);
@@ -212,7 +213,7 @@ void check_format(const Reader& reader) {
 }
 
 ResultLine result_of(const json& object, const std::string& place) {
-    const Reader reader(place, object);
+    const ResultReader reader(place, object);
     check_format(reader);
     ResultLine result;
     result.serial = reader.text("serial");
@@ -274,7 +275,7 @@ ResultLine result_line_of(std::string_view line, const std::string& place) {
         return result_of(parse_json(line), place);
     object["gains"] = nullptr;
     ResultLine result = result_of(object, place);
-    const Reader reader(place, object);
+    const ResultReader reader(place, object);
     result.gains.emplace();
     for (size_t c = 0; c < found->gains.size(); ++c)
         (*result.gains)[c] = gains_of(reader, name_of(all_colours[c]), found->gains[c],

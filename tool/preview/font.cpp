@@ -4,10 +4,10 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr char first = ' ';
-constexpr char last = '~';
+constexpr char first_glyph = ' ';
+constexpr char last_glyph = '~';
 
-constexpr std::array<Glyph, last - first + 1> glyphs{{
+constexpr std::array<Glyph, last_glyph - first_glyph + 1> glyphs{{
     {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00}, // space
     {0x04, 0x04, 0x04, 0x04, 0x04, 0x00, 0x04, 0x00, 0x00}, // !
     {0x0A, 0x0A, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00}, // "
@@ -108,8 +108,8 @@ constexpr std::array<Glyph, last - first + 1> glyphs{{
 } // namespace
 
 const Glyph& glyph_of(char c) {
-    const char known = c >= first && c <= last ? c : '?';
-    return glyphs[static_cast<size_t>(known - first)];
+    const char known = c >= first_glyph && c <= last_glyph ? c : '?';
+    return glyphs[static_cast<size_t>(known - first_glyph)];
 }
 
 } // namespace zerklsc::tool
