@@ -14,7 +14,7 @@ namespace {
 constexpr double usual_read_noise = 12;
 
 // Rounding to whole numbers has a variance of 1 / 12, which no light explains.
-constexpr double least_variance = 0.6;
+constexpr double least_darkest_variance = 0.6;
 constexpr double largest_misfit = 0.12;
 
 struct Estimate {
@@ -31,7 +31,7 @@ std::optional<Estimate> estimate(const std::vector<NoisePoint>& curve, double st
     const auto [darkest, brightest] = std::ranges::minmax(curve, {}, &NoisePoint::level);
     const double light = brightest.level - line->black;
     if (brightest.level - darkest.level < 0.25 * light || line->black_error > 0.05 * light
-        || darkest.variance < least_variance)
+        || darkest.variance < least_darkest_variance)
         return {};
     Estimate estimate{stated - line->black, line->black};
     if (std::abs(estimate.off) < 4 * line->black_error)

@@ -7,14 +7,14 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::string_view base64_digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr uint8_t no_digit = 64;
 
 constexpr std::array<uint8_t, 256> values_of_digits() {
     std::array<uint8_t, 256> values{};
     values.fill(no_digit);
-    for (size_t i = 0; i < digits.size(); ++i)
-        values[static_cast<uint8_t>(digits[i])] = static_cast<uint8_t>(i);
+    for (size_t i = 0; i < base64_digits.size(); ++i)
+        values[static_cast<uint8_t>(base64_digits[i])] = static_cast<uint8_t>(i);
     return values;
 }
 
@@ -31,7 +31,7 @@ std::string base64_of(std::string_view bytes) {
         };
         const uint32_t bits = at(i) << 16 | at(i + 1) << 8 | at(i + 2);
         for (int shift = 18; shift >= 0; shift -= 6)
-            text += digits[bits >> shift & 63];
+            text += base64_digits[bits >> shift & 63];
     }
     const size_t padding = (3 - bytes.size() % 3) % 3;
     return text.replace(text.size() - padding, padding, padding, '=');
