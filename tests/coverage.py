@@ -29,8 +29,9 @@ def taken_branches(build):
     programs = [path for path in build.rglob("*") if path.is_file() and os.access(path, os.X_OK)
                 and path.read_bytes()[:4] == b"\x7fELF" and "CMakeFiles" not in path.parts]
     objects = [word for path in programs[1:] for word in ("-object", path)]
-    exported = subprocess.run(["llvm-cov", "export", "-instr-profile", profile, programs[0], *objects],
-                              capture_output=True, check=True).stdout
+    # Of the library, whose folder is kept out of its objects, the names are relative to the top.
+    exported = subprocess.run(["llvm-cov", "export", "-compilation-dir", ".", "-instr-profile", profile, programs[0],
+                               *objects], capture_output=True, check=True).stdout
     taken = collections.defaultdict(lambda: [0, 0])
     for file in json.loads(exported)["data"][0]["files"]:
         name = os.path.relpath(file["filename"])
