@@ -53,9 +53,11 @@ int main(int argc, char** argv) {
     uint64_t seed = 1;
     int rounds = 50;
     bool bench = false, growth = false, memory = false, brief = false;
+    std::string only;
     app.add_option("--seed", seed, "Seed of the random cases")->capture_default_str();
     app.add_option("--rounds", rounds, "Random cases for each kernel and level")->capture_default_str();
     app.add_flag("--bench", bench, "Time every kernel against memcpy, its plain form and other libraries");
+    app.add_option("--only", only, "With --bench: only the rows whose names hold this text, and no peers");
     app.add_flag("--growth", growth, "Time small to large frames, steps and fits");
     app.add_flag("--memory", memory, "Show the heap memory that each entry point takes");
     app.add_flag("--brief", brief, "Time each row shortly and without its plain form, to see that it runs");
@@ -67,11 +69,13 @@ int main(int argc, char** argv) {
     if (bench || growth)
         print_machine();
     if (bench) {
-        print_table(
+        auto rows =
             gather<Workload>({bicubic_workloads, generator_workloads, sampling_workloads, table_workloads,
-                              bayer_workloads, calibration_workloads, compress_workloads}),
-            budget, !brief);
-        print_peers(budget);
+                              bayer_workloads, calibration_workloads, compress_workloads});
+        std::erase_if(rows, [&](const Workload& row) { return row.name.find(only) == std::string::npos; });
+        print_table(rows, budget, !brief);
+        if (only.empty())
+            print_peers(budget);
     }
     if (growth)
         print_growth(budget);
