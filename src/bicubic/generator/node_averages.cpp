@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "bicubic/generator/level_kernels.h"
+
 namespace zerklsc {
 namespace {
 
@@ -25,22 +27,23 @@ int32_t mirrored(int32_t position, int32_t size) {
     return position < size ? position : 2 * (size - 1) - position;
 }
 
-// The plane comes by value: the sums cannot alias it then, and the loop vectorises.
-void add_rows(ColourPlane plane, const GeneratorGeometry& geometry, Span rows, int32_t sign,
-              int32_t* columns) {
-    const int32_t width = geometry.width;
-    for (int32_t y = rows.begin; y < rows.end; ++y) {
-        const uint16_t* const row = plane.row(mirrored(y, geometry.height));
-        for (int32_t x = 0; x < width; ++x)
-            columns[x] += sign * plane.level(row[2 * x]);
-    }
+// Calls work(columns, samples of the row, ...) for each of the rows.
+void with_rows(const ColourPlane& plane, const GeneratorGeometry& geometry, Span rows, AddLevels* work,
+               int32_t* columns) {
+    for (int32_t y = rows.begin; y < rows.end; ++y)
+        work(columns, plane.row(mirrored(y, geometry.height)), geometry.width, plane.black, white_level);
 }
 
-// Column sums over the rows `from` become column sums over the rows `to`, which lie below.
+// Column sums over the rows `from` become column sums over the rows `to`, which lie below. Rows that are to
+// go are read once more: where they are most of them, the sums start anew.
 void move_down(const ColourPlane& plane, const GeneratorGeometry& geometry, Span from, Span to,
                int32_t* columns) {
-    add_rows(plane, geometry, {from.begin, std::min(from.end, to.begin)}, -1, columns);
-    add_rows(plane, geometry, {std::max(from.end, to.begin), to.end}, 1, columns);
+    if (to.begin - from.begin > (from.end - from.begin) / 2) {
+        std::fill_n(columns, geometry.width, 0);
+        from = {to.begin, to.begin};
+    }
+    with_rows(plane, geometry, {from.begin, to.begin}, ZERKLSC_KERNEL(remove_levels), columns);
+    with_rows(plane, geometry, {from.end, to.end}, ZERKLSC_KERNEL(add_levels), columns);
 }
 
 void sum_left_of_each(const int32_t* columns, int32_t width, int64_t* left_of) {
