@@ -108,6 +108,8 @@ std::string what_is_wrong(const CLI::App& named, const CLI::ParseError& error) {
         return "an option of the command stands before it";
     if (error.get_name() == "ArgumentMismatch" && text.ends_with("missing"))
         return text.substr(0, text.find(':')) + ": its value is missing";
+    if (const size_t at = text.find(": At Most 1 required"); at != std::string::npos)
+        return text.substr(0, at) + " is given more than once";
     return text;
 }
 

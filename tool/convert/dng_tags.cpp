@@ -7,8 +7,7 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr uint16_t image_width = 256, image_height = 257, cfa_repeat = 33421, cfa_pattern = 33422,
-                   active_area = 50829;
+constexpr uint16_t image_width = 256, image_height = 257, cfa_repeat = 33421, cfa_pattern = 33422;
 
 } // namespace
 
@@ -20,7 +19,7 @@ std::vector<double> tag_values(TiffFile& tiff, const TiffDirectory& directory, u
 FrameSize mosaic_size(TiffFile& tiff, const TiffDirectory& directory) {
     const auto width = tag_values(tiff, directory, image_width, 1);
     const auto height = tag_values(tiff, directory, image_height, 1);
-    const auto area = tag_values(tiff, directory, active_area, 4);
+    const auto area = active_area(tiff, directory);
     if (width.empty() || height.empty())
         data_failure("{}: its mosaic has no size", tiff.path());
     const double w = area.size() == 4 ? area[3] - area[1] : width[0];

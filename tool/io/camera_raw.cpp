@@ -96,16 +96,14 @@ bool is_plain(LibRaw& raw) {
 
 // LibRaw begins its frame a row or column further in where the corner of a DNG's active area is odd. The
 // frame of the file is that area, from whose corner its pattern and black levels repeat.
-SampleArea active_area(InputFile& file, LibRaw& raw) {
+SampleArea mosaic_area(InputFile& file, LibRaw& raw) {
     const auto& sizes = raw.imgdata.sizes;
     const SampleArea area{sizes.left_margin, sizes.top_margin, sizes.width, sizes.height};
     if (raw.imgdata.idata.dng_version == 0 || !begins_tiff(file.head()))
         return area;
-    constexpr uint16_t active_area_tag = 50829;
     TiffFile tiff(file);
     const TiffDirectory directory = tiff.mosaic_directory();
-    const TiffEntry* const tag = directory.find(active_area_tag);
-    const auto corners = tag != nullptr ? tiff.numbers(*tag, 4) : std::vector<double>();
+    const auto corners = active_area(tiff, directory);
     const auto begins_at = [](double corner, uint64_t margin) {
         return corner == static_cast<double>(margin) || corner + 1 == static_cast<double>(margin);
     };
@@ -176,8 +174,8 @@ std::optional<BayerPattern> pattern_of(LibRaw& raw, const SampleArea& area) {
 }
 
 // LibRaw splits black levels in a common part, one for each colour and one for each place in a repeated
-// block.
-BlackLevel black_of(LibRaw& raw, const SampleArea& area) {
+// block; a level below 0 has wrapped.
+BlackLevel black_of(const InputFile& file, LibRaw& raw, const SampleArea& area) {
     const auto& colour = raw.imgdata.color;
     const unsigned rows = colour.cblack[4], columns = colour.cblack[5];
     BlackLevel black{};
@@ -186,6 +184,8 @@ BlackLevel black_of(LibRaw& raw, const SampleArea& area) {
         if (rows != 0 && columns != 0)
             level += colour.cblack[6 + (plane >> 1) % rows * columns + (plane & 1) % columns];
         black[plane] = static_cast<int>(level);
+        if (level > 65535)
+            data_failure("{}: has a black level of {}: expected 0 to 65535", file.path(), black[plane]);
     }
     return black;
 }
@@ -216,7 +216,7 @@ RawFrame read_camera_raw(InputFile& file, const RawHints&) {
     const auto& data = raw->imgdata;
     RawFrame frame;
     frame.format = data.idata.dng_version != 0 ? "DNG" : "camera raw";
-    SampleArea area = active_area(file, *raw);
+    SampleArea area = mosaic_area(file, *raw);
     area.width &= ~uint64_t{1};
     area.height &= ~uint64_t{1};
     frame.width = static_cast<int>(area.width);
@@ -229,7 +229,7 @@ RawFrame read_camera_raw(InputFile& file, const RawHints&) {
         check_in_one_piece(file, *raw);
     frame.samples = plain ? read_plain(file, *raw, area) : unpack(file, *raw, area);
     set_depth(frame, data.color.maximum);
-    frame.black = black_of(*raw, area);
+    frame.black = black_of(file, *raw, area);
     return frame;
 }
 

@@ -1,4 +1,4 @@
-// TiffFile, begins_tiff
+// TiffFile, active_area, begins_tiff
 #include "io/tiff_file.h"
 
 #include <algorithm>
@@ -161,6 +161,18 @@ std::string TiffFile::bytes(const TiffEntry& entry, uint64_t limit) {
     std::string value(static_cast<size_t>(entry.bytes), '\0');
     file_.read(entry.value_at, std::as_writable_bytes(std::span(value)));
     return value;
+}
+
+std::vector<double> active_area(TiffFile& tiff, const TiffDirectory& directory) {
+    constexpr uint16_t tag = 50829;
+    const TiffEntry* const entry = directory.find(tag);
+    if (entry == nullptr)
+        return {};
+    std::vector<double> corners = tiff.numbers(*entry, 4);
+    if (entry->count != 4 || corners.size() != 4)
+        data_failure("{}: its active area is not the four numbers of top, left, bottom and right",
+                     tiff.path());
+    return corners;
 }
 
 } // namespace zerklsc::tool

@@ -52,6 +52,10 @@ class TiffFile {
     bool big_endian_ = false;
 };
 
+// Top, left, bottom and right of a DNG's mosaic in its frame; empty where it does not say, a data failure
+// where it says other than four numbers.
+std::vector<double> active_area(TiffFile& tiff, const TiffDirectory& directory);
+
 // Whether these are the first bytes of a TIFF of 32-bit offsets.
 bool begins_tiff(std::string_view head);
 
