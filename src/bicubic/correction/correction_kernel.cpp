@@ -71,28 +71,33 @@ struct Nodes {
     uint16_t copy[4][block_columns];
 };
 
+// Whether the table has all of `count` nodes from one on.
+bool has_nodes(const Correction& c, int64_t first, int32_t count) {
+    return first >= 0 && first + count <= int64_t{c.table_w} * c.table_h;
+}
+
 // Copies `count` nodes and fills up a vector. Where the steps name nodes outside the table they go one by
 // one.
 void copy_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row, int32_t count,
                 uint16_t* copy) {
     const int64_t first = int64_t{row} * c.table_w + column;
-    const bool inside = first >= 0 && first + count <= int64_t{c.table_w} * c.table_h;
-    if (inside)
+    store(copy, Words{});
+    if (has_nodes(c, first, count))
         __builtin_memcpy(copy, c.table[plane] + first, static_cast<size_t>(count) * sizeof *copy);
-    for (int32_t i = inside ? count : 0; i < count || i < lanes<Words>; ++i)
-        copy[i] = i < count ? node(c, plane, column + i, row) : uint16_t{0};
+    else
+        for (int32_t i = 0; i < count; ++i)
+            copy[i] = node(c, plane, column + i, row);
 }
 
 void find_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row, int32_t count,
                 Nodes& nodes) {
     const int32_t whole = count < lanes<Words> ? lanes<Words> : count;
-    const int64_t first = int64_t{row} * c.table_w + column;
-    const bool inside =
-        first >= 0 && first + int64_t{3} * c.table_w + whole <= int64_t{c.table_w} * c.table_h;
     for (int32_t i = 0; i < 4; ++i) {
-        if (!inside)
+        const int64_t first = int64_t{row + i} * c.table_w + column;
+        const bool in_table = has_nodes(c, first, whole);
+        if (!in_table)
             copy_nodes(c, plane, column, row + i, count, nodes.copy[i]);
-        nodes.row[i] = inside ? c.table[plane] + first + ptrdiff_t{i} * c.table_w : nodes.copy[i];
+        nodes.row[i] = in_table ? c.table[plane] + first : nodes.copy[i];
     }
 }
 
@@ -234,20 +239,27 @@ template <bool ten_bits, class Gains>
         store(out + i * lanes<Words>, corrected<ten_bits>(samples[i], from.gains(i)));
 }
 
-// All samples of a line are looked at before the first is corrected: they stay in registers.
+// Where it is worth knowing that samples have ten bits, all of a line are looked at before the first is
+// corrected: they stay in registers.
 template <class Gains>
 [[gnu::always_inline]] inline void correct_line(const Gains& from, const uint16_t* in, uint16_t* out) {
-    Words samples[line_vectors];
-    Words any{};
-    for (int32_t i = 0; i < line_vectors; ++i) {
-        samples[i] = load<Words>(in + i * lanes<Words>);
-        any |= samples[i];
-    }
     prefetch(in, out);
-    if constexpr (multiplies_rounded_at_once)
+    if constexpr (multiplies_rounded_at_once) {
+        Words samples[line_vectors];
+        Words any{};
+        for (int32_t i = 0; i < line_vectors; ++i) {
+            samples[i] = load<Words>(in + i * lanes<Words>);
+            any |= samples[i];
+        }
         if (is_zero(any & static_cast<uint16_t>(~highest_sample)))
-            return correct_vectors<true>(from, samples, out);
-    correct_vectors<false>(from, samples, out);
+            correct_vectors<true>(from, samples, out);
+        else
+            correct_vectors<false>(from, samples, out);
+    } else {
+        for (int32_t i = 0; i < line_vectors; ++i)
+            store(out + i * lanes<Words>,
+                  corrected<false>(load<Words>(in + i * lanes<Words>), from.gains(i)));
+    }
 }
 
 // Corrects `pixels` pixels; `room` are left in the row.
