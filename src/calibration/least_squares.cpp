@@ -70,18 +70,25 @@ System unity_system(const FitRaster& raster) {
     return system_of(raster, [](int16_t, int16_t, float* gains) { std::fill_n(gains, channels, 1.0f); });
 }
 
-// The products are taken in double precision, the sums kept in single precision.
+// The products are taken in double precision, the sums kept in single precision, and each waits for the one
+// before: several rows of the inverse are taken at a time.
 void solve(const System& system, const SurfaceGrid& grid, float* inner) {
+    constexpr ptrdiff_t at_once = 4;
     const ptrdiff_t unknowns = static_cast<ptrdiff_t>(grid.inner_count());
-    for (ptrdiff_t m = 0; m < unknowns; ++m) {
-        const double* const inverse = system.normal.get() + m * unknowns;
-        const double* right = system.right.get();
-        float sums[channels] = {};
+    for (ptrdiff_t m = 0; m < unknowns; m += at_once) {
+        const ptrdiff_t rows = std::min(at_once, unknowns - m);
+        const double* inverse[at_once];
+        for (ptrdiff_t i = 0; i < at_once; ++i)
+            inverse[i] = system.normal.get() + (m + std::min(i, rows - 1)) * unknowns;
+        float sums[at_once][channels] = {};
         for (ptrdiff_t l = 0; l < unknowns; ++l)
-            for (float& sum : sums)
-                sum = static_cast<float>(static_cast<double>(sum) + inverse[l] * *right++);
-        for (int k = 0; k < channels; ++k)
-            inner[k * unknowns + m] = sums[k];
+            for (ptrdiff_t i = 0; i < at_once; ++i)
+                for (int k = 0; k < channels; ++k)
+                    sums[i][k] = static_cast<float>(static_cast<double>(sums[i][k])
+                                                    + inverse[i][l] * system.right.get()[channels * l + k]);
+        for (ptrdiff_t i = 0; i < rows; ++i)
+            for (int k = 0; k < channels; ++k)
+                inner[k * unknowns + m + i] = sums[i][k];
     }
 }
 

@@ -52,6 +52,9 @@ template <class T>
 void apply_pending_to_all(Elimination<T>& e) {
     for (int32_t panel = 0; panel < e.panels; ++panel) {
         for (int32_t down = 0; down < e.tiles; ++down) {
+            constexpr int32_t ahead = 3;
+            if (down + ahead < e.tiles)
+                prefetch_tile(row_part(e, (down + ahead) * tile_rows, panel));
             apply_pending(e, down, panel);
             e.applied[tile_index(e, down, panel)] = 0;
         }
@@ -65,12 +68,9 @@ template <class T>
 void take_column(const Elimination<T>& e, int32_t j, T* to) {
     const T* from = column(e, j);
     const uint8_t* const applied = e.applied + tile_index(e, 0, j / tile_columns<T>);
-    for (int32_t down = 0; down < e.tiles; ++down, to += tile_rows) {
-        for (int32_t i = 0; i < tile_rows; ++i, from += tile_columns<T>)
-            to[i] = *from;
-        update_column(to, pivot_row(e, applied[down], j), pivot_column(e, applied[down], down * tile_rows),
-                      e.pending - applied[down]);
-    }
+    for (int32_t down = 0; down < e.tiles; ++down, from += tile_rows * tile_columns<T>, to += tile_rows)
+        update_column(from, to, pivot_row(e, applied[down], j),
+                      pivot_column(e, applied[down], down * tile_rows), e.pending - applied[down]);
     for (int32_t t = 0; t < e.pending; ++t)
         *pivot_row(e, t, j) = T{0};
 }

@@ -45,16 +45,19 @@ void update_tile(T* tile, const T* rows, const T* factors, int32_t count) {
         update_block(tile + j, rows + j, factors, count);
 }
 
-// One element of each row of a tile after `count` steps: `row` is the pivots' element in its column.
+// Writes one column of a tile after `count` steps: `row` is the pivots' element in that column. The elements
+// go into the vector one by one, as a load would have to wait for their stores.
 template <class T>
-void update_column(T* elements, const T* row, const T* factors, int32_t count) {
+void update_column(const T* column, T* to, const T* row, const T* factors, int32_t count) {
     constexpr int32_t bytes = tile_rows * int32_t{sizeof(T)};
     using Elements = Vector < T, bytes<vector_bytes ? bytes : vector_bytes>;
     for (int32_t i = 0; i < tile_rows; i += lanes<Elements>) {
-        auto v = load<Elements>(elements + i);
+        Elements v;
+        for (int32_t lane = 0; lane < lanes<Elements>; ++lane)
+            v[lane] = column[(i + lane) * tile_columns<T>];
         for (int32_t t = 0; t < count; ++t)
             v -= row[t * tile_columns<T>] * load<Elements>(factors + t * tile_rows + i);
-        store(elements + i, v);
+        store(to + i, v);
     }
 }
 
