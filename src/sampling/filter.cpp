@@ -25,7 +25,11 @@ struct NarrowSums {
     using Sum = uint32_t;
     RunningColumns* run_columns = ZERKLSC_KERNEL(running_columns);
     RunningSamples* run_samples = ZERKLSC_KERNEL(running_samples);
-    AverageSpans* average = ZERKLSC_KERNEL(average_spans);
+    AverageSpans* average;
+
+    explicit NarrowSums(const Window& window)
+        : average(window.taps <= max_small_taps ? ZERKLSC_KERNEL(average_small_spans)
+                                                : ZERKLSC_KERNEL(average_spans)) {}
 
     void run(const uint32_t* columns, int32_t count, Sum* sums) const { run_columns(columns, count, sums); }
     void run(const uint16_t* samples, int32_t count, Sum* sums) const {
@@ -36,6 +40,8 @@ struct NarrowSums {
 struct WideSums {
     using Sum = uint64_t;
     AverageWideSpans* average = ZERKLSC_KERNEL(average_wide_spans);
+
+    explicit WideSums(const Window&) {}
 
     template <class Value>
     static void run(const Value* values, int32_t count, Sum* sums) {
@@ -63,7 +69,7 @@ class Boxes {
     using Sum = typename Kernels::Sum;
 
     Boxes(const Window& window, const Region& strip)
-        : window_(window), side_(2 * window.radius + 1),
+        : kernels_(window), window_(window), side_(2 * window.radius + 1),
           sums_(strip.columns + side_ - 1, strip.stride, side_, 1),
           running_(allocate<Sum>(static_cast<uint64_t>(strip.columns) + static_cast<uint64_t>(side_))) {}
 
@@ -96,7 +102,7 @@ class Discs {
     using Sum = typename Kernels::Sum;
 
     Discs(const Window& window, const Region& strip)
-        : window_(window), half_height_(window.radius), half_width_(window.reach_of(0)) {
+        : kernels_(window), window_(window), half_height_(window.radius), half_width_(window.reach_of(0)) {
         while (window.reach_of(half_height_) < 0)
             --half_height_;
         length_ = ptrdiff_t{strip.columns} + 2 * half_width_ + 1;

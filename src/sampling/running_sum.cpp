@@ -53,18 +53,31 @@ ZERKLSC_SIMD void run_along(const Value* values, int32_t count, uint32_t* sums) 
         sums[i] = sums[i - interleave] + values[i];
 }
 
-ZERKLSC_SIMD As<float, Narrow> to_floats(Narrow sums) {
-    return __builtin_convertvector(sums, As<float, Narrow>);
-}
+// How sums become floats, rounded once.
+
+struct FromNarrow {
+    [[gnu::always_inline]] static As<float, Narrow> floats(Narrow sums) {
+        return __builtin_convertvector(sums, As<float, Narrow>);
+    }
+};
+
+// Below AVX-512, x86 converts signed numbers only.
+struct FromSmall {
+    [[gnu::always_inline]] static As<float, Narrow> floats(Narrow sums) {
+        return __builtin_convertvector(reinterpret_cast<Vector<int32_t>>(sums), As<float, Narrow>);
+    }
+};
 
 // Sums below 2^52 become the mantissas of doubles above 2^52, which makes doubles of them without rounding.
-ZERKLSC_SIMD As<float, Wide> to_floats(Wide sums) {
-    const auto shifted = reinterpret_cast<As<double, Wide>>(sums | 0x4330000000000000u);
-    return __builtin_convertvector(shifted - 0x1p52, As<float, Wide>);
-}
+struct FromWide {
+    [[gnu::always_inline]] static As<float, Wide> floats(Wide sums) {
+        const auto shifted = reinterpret_cast<As<double, Wide>>(sums | 0x4330000000000000u);
+        return __builtin_convertvector(shifted - 0x1p52, As<float, Wide>);
+    }
+};
 
 // `blocks` vectors of averages, side by side.
-template <int32_t blocks, class V, class Sum>
+template <int32_t blocks, class From, class V, class Sum>
 ZERKLSC_SIMD void average_block(const SpanRow<Sum>* rows, int32_t row_count, int32_t x, float scale,
                                 uint16_t* dst) {
     V sums[blocks] = {};
@@ -72,21 +85,21 @@ ZERKLSC_SIMD void average_block(const SpanRow<Sum>* rows, int32_t row_count, int
         for (int32_t b = 0; b < blocks; ++b)
             sums[b] += load<V>(rows[k].end + x + b * lanes<V>) - load<V>(rows[k].start + x + b * lanes<V>);
     for (int32_t b = 0; b < blocks; ++b) {
-        const auto level = __builtin_convertvector(to_floats(sums[b]) * scale + 0.5f, As<int32_t, V>);
+        const auto level = __builtin_convertvector(From::floats(sums[b]) * scale + 0.5f, As<int32_t, V>);
         store(dst + x + b * lanes<V>, __builtin_convertvector(level, As<uint16_t, V>));
     }
 }
 
 // What is left over at the end goes one by one.
-template <class V, class Sum>
+template <class From, class V, class Sum>
 ZERKLSC_SIMD void average(const SpanRow<Sum>* rows, int32_t row_count, int32_t count, float scale,
                           uint16_t* dst) {
     constexpr int32_t blocks = 4;
     int32_t x = 0;
     for (; x + blocks * lanes<V> <= count; x += blocks * lanes<V>)
-        average_block<blocks, V>(rows, row_count, x, scale, dst);
+        average_block<blocks, From, V>(rows, row_count, x, scale, dst);
     for (; x + lanes<V> <= count; x += lanes<V>)
-        average_block<1, V>(rows, row_count, x, scale, dst);
+        average_block<1, From, V>(rows, row_count, x, scale, dst);
     for (; x < count; ++x) {
         Sum sum = 0;
         for (int32_t k = 0; k < row_count; ++k)
@@ -110,12 +123,17 @@ void running_columns(const uint32_t* columns, int32_t count, uint32_t* sums) {
 
 void average_spans(const SpanRow<uint32_t>* rows, int32_t row_count, int32_t count, float scale,
                    uint16_t* dst) {
-    average<Narrow>(rows, row_count, count, scale, dst);
+    average<FromNarrow, Narrow>(rows, row_count, count, scale, dst);
+}
+
+void average_small_spans(const SpanRow<uint32_t>* rows, int32_t row_count, int32_t count, float scale,
+                         uint16_t* dst) {
+    average<FromSmall, Narrow>(rows, row_count, count, scale, dst);
 }
 
 void average_wide_spans(const SpanRow<uint64_t>* rows, int32_t row_count, int32_t count, float scale,
                         uint16_t* dst) {
-    average<Wide>(rows, row_count, count, scale, dst);
+    average<FromWide, Wide>(rows, row_count, count, scale, dst);
 }
 
 } // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

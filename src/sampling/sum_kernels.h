@@ -35,7 +35,7 @@ struct SpanRow {
 };
 
 // Writes the rounded level of `count` windows side by side: the sum of their rows times `scale`, which is 1
-// by the number of their taps. A sum fits the 32 bits, or 52 bits if it is wide.
+// by the number of their taps. A sum fits the 32 bits, 31 bits if it is small, or 52 bits if it is wide.
 using AverageSpans = void(const SpanRow<uint32_t>* rows, int32_t row_count, int32_t count, float scale,
                           uint16_t* dst);
 using AverageWideSpans = void(const SpanRow<uint64_t>* rows, int32_t row_count, int32_t count, float scale,
@@ -47,6 +47,7 @@ ZERKLSC_DECLARE_KERNEL(exchange_row, ExchangeRow)
 ZERKLSC_DECLARE_KERNEL(running_samples, RunningSamples)
 ZERKLSC_DECLARE_KERNEL(running_columns, RunningColumns)
 ZERKLSC_DECLARE_KERNEL(average_spans, AverageSpans)
+ZERKLSC_DECLARE_KERNEL(average_small_spans, AverageSpans)
 ZERKLSC_DECLARE_KERNEL(average_wide_spans, AverageWideSpans)
 
 } // namespace zerklsc

@@ -28,7 +28,8 @@ struct Window {
     int32_t reach_of(int32_t dy) const { return reach.get()[dy < 0 ? -dy : dy]; }
 };
 
-// The most taps whose full-scale samples sum up within 32 bits.
+// The most taps whose full-scale samples sum up within 31 and within 32 bits.
+constexpr int64_t max_small_taps = INT32_MAX / UINT16_MAX;
 constexpr int64_t max_narrow_taps = UINT32_MAX / UINT16_MAX;
 
 Window make_window(const imfilter_t& filter);
