@@ -11,9 +11,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int32_t width = input.number(), height = input.number();
     const int32_t step_x = input.number(), step_y = input.number(), row_length = input.number();
     const int64_t samples = elements_of(width, height);
+    if (samples < 0)
+        return 0;
     const bool refused = samples == 0 || step_x < 1 || step_y < 1 || row_length < 1;
     const int64_t before_last_row = refused ? 0 : elements_of((height - 1) / step_y + 3, row_length);
-    if (samples < 0 || before_last_row < 0)
+    if (before_last_row < 0)
         return 0;
     const auto src = input.buffer<uint16_t>(samples);
     // Just the nodes that are read: the rows may overlap, and the last ends with the last node.
