@@ -5,6 +5,7 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <stdexcept>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -63,6 +64,9 @@ struct Ending {
     std::string message;
 };
 
+// Also where a size of 32 bits cannot say so much.
+constexpr const char* no_memory = "zerklsc: not enough memory for a frame of this size";
+
 // Carries out what the command line asks for.
 Ending run(Request& request, Report& report, int argc, char** argv) {
     const Program program{"Lens-shading calibration, correction and OTP tables", footer,
@@ -79,7 +83,9 @@ Ending run(Request& request, Report& report, int argc, char** argv) {
     } catch (const Failure& failure) {
         return {failure.code(), failure.what()};
     } catch (const std::bad_alloc&) {
-        return {exit_system, "zerklsc: not enough memory for a frame of this size"};
+        return {exit_system, no_memory};
+    } catch (const std::length_error&) {
+        return {exit_system, no_memory};
     } catch (const std::exception& error) {
         return {exit_system, fmt::format("zerklsc: {}", error.what())};
     }

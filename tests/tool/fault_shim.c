@@ -3,12 +3,18 @@
 // is made just after somebody else has written to FAULT_FILE (change). A byte goes to the descriptor
 // FAULT_TOLD where it comes to that.
 #define _GNU_SOURCE
+// As the tool: the functions of 32-bit processors that take offsets of 64 bits have names of their own.
+#if __SIZEOF_POINTER__ == 4
+#define _FILE_OFFSET_BITS 64
+#define __open_2 __open64_2
+#endif
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <stdarg.h>
 #include <stdatomic.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -40,9 +46,16 @@ static char fault_of(const char* name) {
     return *action;
 }
 
+static void* real_of(const char* name) {
+    char wide[32];
+    snprintf(wide, sizeof wide, "%s64", name);
+    void* const found = sizeof(void*) == 4 ? dlsym(RTLD_NEXT, wide) : NULL;
+    return found != NULL ? found : dlsym(RTLD_NEXT, name);
+}
+
 #define FAULTY(name, parameters, ...)                                                                        \
     int name parameters {                                                                                    \
-        int(*real) parameters = (int(*) parameters)dlsym(RTLD_NEXT, #name);                                  \
+        int(*real) parameters = (int(*) parameters)real_of(#name);                                           \
         return fault_of(#name) == 'f' ? -1 : real(__VA_ARGS__);                                              \
     }
 
@@ -59,7 +72,7 @@ FAULTY(mkdir, (const char* path, mode_t mode), path, mode)
 FAULTY(close, (int fd), fd)
 
 static int open_or_fail(const char* path, int flags, mode_t mode) {
-    int (*real)(const char*, int, ...) = (int (*)(const char*, int, ...))dlsym(RTLD_NEXT, "open");
+    int (*real)(const char*, int, ...) = (int (*)(const char*, int, ...))real_of("open");
     return fault_of("open") == 'f' ? -1 : real(path, flags, mode);
 }
 
@@ -79,7 +92,7 @@ int __open_2(const char* path, int flags) {
 
 #define FAULTY_TRANSFER(name, parameters, ...)                                                               \
     ssize_t name parameters {                                                                                \
-        ssize_t(*real) parameters = (ssize_t(*) parameters)dlsym(RTLD_NEXT, #name);                          \
+        ssize_t(*real) parameters = (ssize_t(*) parameters)real_of(#name);                                   \
         const char fault = fault_of(#name);                                                                  \
         if (fault == 'h' && size > 1)                                                                        \
             size = size / 2;                                                                                 \

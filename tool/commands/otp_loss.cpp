@@ -29,7 +29,7 @@ void add_loss(Report& report, const GainTables& tables, int mode, size_t size, c
     }
     report.print(text_table(rows));
     report.add("mode", mode);
-    report.add("stream_size", size);
+    report.add("stream_size", uint64_t{size});
     report.add("nodes", inner_nodes(tables));
     report.add("unstored_nodes", unstored_nodes(tables, mode));
     report.add("channels", json_of(loss));
