@@ -2,6 +2,8 @@
 // main.cpp.
 #pragma once
 
+#include <string_view>
+
 #include "commands/command_line.h"
 
 namespace zerklsc::tool {
@@ -22,7 +24,8 @@ void add_resample(Command app);
 void add_otp(Command app);
 void add_batch(Command app);
 
-// All of them, in the order of the help.
-void add_commands(Command program);
+// The one of that name alone, whose options are then the only ones that cost time; or, where none is called
+// so, all of them in the order of the help.
+void add_commands(Command program, std::string_view name = "");
 
 } // namespace zerklsc::tool

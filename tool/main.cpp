@@ -1,11 +1,14 @@
 // The zerklsc program: finds the subcommand, runs it, and turns what went wrong into one line and an exit
 // code.
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <iterator>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -22,21 +25,18 @@
 
 namespace zerklsc::tool {
 
-void add_commands(Command program) {
-    add_simulate(program);
-    add_check(program);
-    add_calibrate(program);
-    add_convert(program);
-    add_correct(program);
-    add_compare(program);
-    add_info(program);
-    add_lot(program);
-    add_measure(program);
-    add_preview(program);
-    add_report(program);
-    add_resample(program);
-    add_otp(program);
-    add_batch(program);
+void add_commands(Command program, std::string_view name) {
+    constexpr std::pair<std::string_view, void (*)(Command)> commands[] = {
+        {"simulate", add_simulate}, {"check", add_check},     {"calibrate", add_calibrate},
+        {"convert", add_convert},   {"correct", add_correct}, {"compare", add_compare},
+        {"info", add_info},         {"lot", add_lot},         {"measure", add_measure},
+        {"preview", add_preview},   {"report", add_report},   {"resample", add_resample},
+        {"otp", add_otp},           {"batch", add_batch},
+    };
+    const auto named = std::ranges::find(commands, name, [](const auto& command) { return command.first; });
+    const auto first = named == std::end(commands) ? std::begin(commands) : named;
+    const auto end = named == std::end(commands) ? named : named + 1;
+    std::for_each(first, end, [&](const auto& command) { command.second(program); });
 }
 
 namespace {

@@ -241,14 +241,15 @@ Request parse_command_line(const Program& program, int argc, char** argv) {
     app.footer(program.footer);
     Command root(&app, &request);
     root.require_subcommand();
-    program.add_commands(root);
-    // CLI11 takes the words from the last to the first.
-    std::vector<std::string> words = with_preset(app, words_of(argc, argv));
+    std::vector<std::string> words = words_of(argc, argv);
     const std::string first = words.empty() ? "" : words.front();
+    program.add_commands(root, first);
     if (first == "--option-tree") {
         request.run = [tree = option_tree(app).text()](Report& report) { report.print(tree); };
         return request;
     }
+    words = with_preset(app, words);
+    // CLI11 takes the words from the last to the first.
     std::ranges::reverse(words);
     try {
         app.parse(std::move(words));

@@ -8,6 +8,7 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace CLI {
@@ -86,8 +87,8 @@ class Command {
 struct Program {
     const char* description;
     const char* footer;
-    std::string version; // what --version prints
-    void (*add_commands)(Command);
+    std::string version;                                  // what --version prints
+    void (*add_commands)(Command, std::string_view name); // all of them where none has that name
 };
 
 // Finds the command and sets its options. The request has nothing to run where help or the version was asked

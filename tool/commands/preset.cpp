@@ -78,7 +78,7 @@ void apply(const CLI::App& app, const std::string& path, std::vector<std::string
         if (!everywhere && item.section != command->get_name())
             continue;
         const CLI::Option* const option = option_of(*command, item.name);
-        if (option == nullptr && (!everywhere || !any_command_has(app, item.name)))
+        if (option == nullptr && (!everywhere || !program_has(item.name)))
             usage_failure("--preset: {}: {} is no option{}", path, item.name,
                           everywhere ? "" : " of " + command->get_name());
         if (option != nullptr && !is_given(*option, given))
