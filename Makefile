@@ -15,7 +15,7 @@ help:
 	@echo "make test-faults    kill every command that writes at 300 random moments, and fail each of its system calls"
 	@echo "make test-slurm     run a lot over a Slurm of two nodes on this machine, and lose one of them"
 	@echo "make mutate         change the library in 80 small ways and the tool in 40, one at a time, and tell what share the tests catch"
-	@echo "make bench          install what is missing, build, time every kernel against its plain form and its peers, and each"
+	@echo "make bench          install what is missing, build, time every kernel and function against its plain form and its peers, each"
 	@echo "                    command against a copy of its file; RENEW=1 writes the latter into docs/performance.md"
 	@echo "make bench-line     measure what a line of modules costs; RENEW=1 writes it into docs/scale.md"
 	@echo "make package        install what is missing, make Debian packages in build/package, check them"
@@ -96,7 +96,7 @@ bench: packages
 	@cmake/install-packages.sh bench
 	@cmake --preset release > /dev/null
 	@cmake --build --preset release
-	@build/release/bench/zerklsc_bench --bench --memory
+	@build/release/bench/zerklsc_bench --bench --functions --memory
 	@bench/file_cost.py --tool build/release/tool/zerklsc $(if $(RENEW),--renew docs/performance.md)
 
 bench-line: configured

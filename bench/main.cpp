@@ -52,12 +52,13 @@ int main(int argc, char** argv) {
     CLI::App app("Holds every kernel equal to its plain form, and times it.");
     uint64_t seed = 1;
     int rounds = 50;
-    bool bench = false, growth = false, memory = false, brief = false;
+    bool bench = false, functions = false, growth = false, memory = false, brief = false;
     std::string only;
     app.add_option("--seed", seed, "Seed of the random cases")->capture_default_str();
     app.add_option("--rounds", rounds, "Random cases for each kernel and level")->capture_default_str();
     app.add_flag("--bench", bench, "Time every kernel against memcpy, its plain form and other libraries");
     app.add_option("--only", only, "With --bench: only the rows whose names hold this text, and no peers");
+    app.add_flag("--functions", functions, "Time every exported function per sample or node");
     app.add_flag("--growth", growth, "Time small to large frames, steps and fits");
     app.add_flag("--memory", memory, "Show the heap memory that each entry point takes");
     app.add_flag("--brief", brief, "Time each row shortly and without its plain form, to see that it runs");
@@ -66,7 +67,7 @@ int main(int argc, char** argv) {
     if (!all_equal(seed, rounds))
         return 1;
     const double budget = brief ? 0.0 : 0.5;
-    if (bench || growth)
+    if (bench || functions || growth)
         print_machine();
     if (bench) {
         auto rows =
@@ -77,6 +78,8 @@ int main(int argc, char** argv) {
         if (only.empty())
             print_peers(budget);
     }
+    if (functions)
+        print_functions(brief ? 0.0 : 0.02, !brief);
     if (growth)
         print_growth(budget);
     if (memory)

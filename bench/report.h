@@ -16,6 +16,9 @@ void print_machine();
 // they are left out.
 void print_table(const std::vector<Workload>& workloads, double budget, bool with_plain);
 
+// Every exported function once, per sample or node. `budget` and `with_plain` as for print_table().
+void print_functions(double budget, bool with_plain);
+
 // Other libraries on the same work.
 void print_peers(double budget);
 
