@@ -10,6 +10,7 @@
 import base64
 import contextlib
 import csv
+import fcntl
 import hashlib
 import json
 import os
@@ -41,12 +42,12 @@ class Line(Tool):
         self.rows = [[serial, f"c{i * i % CAPTURES}.pgm", ""] for i, serial in enumerate(self.modules)]
         self.write_manifest("lot.csv", self.rows)
 
-    def write_manifest(self, name, rows):
+    def write_manifest(self, name, rows, *more):
         with open(self.folder / name, "w", newline="") as file:
-            csv.writer(file).writerows([["serial", "files", "preset"], *rows])
+            csv.writer(file).writerows([["serial", "files", "preset", *more], *rows])
 
-    def popen(self, *words, stderr=subprocess.PIPE):
-        return subprocess.Popen([self.path, "batch", *words], cwd=self.folder, stderr=stderr, stdout=subprocess.DEVNULL, text=True)
+    def popen(self, *words, stderr=subprocess.PIPE, **more):
+        return subprocess.Popen([self.path, "batch", *words], cwd=self.folder, stderr=stderr, stdout=subprocess.DEVNULL, text=True, **more)
 
     def batch(self, output, *words, manifest="lot.csv", **more):
         return self.call("batch", manifest, "-o", output, *words, **more)
@@ -142,6 +143,38 @@ def test_faults(line):
     expect_call(line.batch("fail", manifest="fail.csv"), 1, "UNEVEN: fail", "fail: 1 modules failed a limit")
 
 
+def test_presets(line):
+    """What becomes of a module by its preset, or of its capture, and which files it leaves."""
+    line.run("simulate", "--quiet", "--width", 640, "--height", 480, "--full-well", 60000, "-o", "large.pgm")
+    line.run("simulate", "--quiet", "--width", 64, "--height", 48, "--level", 2, "-o", "dim.pgm")
+    line.run("simulate", "--quiet", "--width", 30, "--height", 40, "--level", 300, "-o", "small.pgm")
+    line.run("simulate", "--quiet", "--width", 64, "--height", 48, "--level", 0, "--black-level", 60, "-o", "dark.pgm")
+    both, stream = ["json", "otp"], ["json"]
+    cases = {"GOOD": ("large.pgm", "", "pass", "", both), "DIM": ("dim.pgm", "", "refuse", "exposure", []),
+             "SMALL": ("small.pgm", "step = 4\nradius = 2\n", "refuse", "samples are clipped", []),
+             "BOTH": ("c1.pgm", "[batch]\nmax-flatness = 0.001\nmax-error = 0.001\n", "fail", "off flat", stream),
+             "FLAT": ("large.pgm", "[batch]\nmax-flatness = 50\n", "pass", "", both),
+             "A-SERIAL-OF-TWENTY-SIX-XX": ("c1.pgm", "", "error", "a container holds 24", []),
+             "ELSEWHERE": (f"{line.folder}/c1.pgm", "[calibrate]\nsterp = 7\n", "warn", "", both),
+             "WRONG": ("c1.pgm", "sterp = 7\n", "error", "sterp is no option", []),
+             "UNKNOWN": ("c1.pgm", "[batch]\ncontainer = true\n", "error", "container is no option", [])}
+    for serial, (_, text, *_) in cases.items():
+        line.write(serial + ".toml", text)
+    line.write_manifest("presets.csv", [[serial, case[0], serial + ".toml"] for serial, case in cases.items()])
+    for words in (("--tables", "pt", "--streams", "ps"), ()):
+        done = line.batch(f"presets{len(words)}", "-q", *words, manifest="presets.csv")
+        expect(done.returncode == 3, done.stderr)
+        for result in line.results(f"presets{len(words)}"):
+            _, _, verdict, reason, files = cases[result["serial"]]
+            if not words and reason == "a container holds 24":
+                verdict, reason = "warn", ""
+            expect((result["verdict"], reason in result["reason"]) == (verdict, True), result["serial"], result["verdict"], result["reason"])
+            expect([file["file"].split(".")[-1] for file in result["outputs"]] == (files if words else []), result["outputs"])
+            expect((result["optical_centre"] is None) == (result["serial"] in ("SMALL", "WRONG", "UNKNOWN")), result)
+    done = line.batch("darks", "--dark", "dark.pgm", manifest="presets.csv")
+    expect(line.results("darks")[3]["inputs"][1] == {"file": "dark.pgm", "sha256": line.digest("dark.pgm")}, done.stderr)
+
+
 def test_capture_that_vanishes(line):
     """One that is there when it is hashed and gone when it is read; the pipe behind it stops the batch in between."""
     line.write("first.pgm", line.read("c1.pgm"))
@@ -230,6 +263,27 @@ def test_what_stops_a_batch(line):
     expect_call(line.batch("results", manifest="gone.csv"), 4, "gone.csv: cannot be read")
     expect_call(line.batch("whole", "--step", "2"), 3, "whole:1: was made with other options")
     expect_call(line.batch("whole", "--shard", "2/2"), 3, "whole:3: is of M00002, but lot.csv:5 is M00003")
+    # Of another manifest; and only a module whose preset or line cannot be used any more is not compared with its options.
+    rows = line.rows
+    gone = ["M00000", "c0.pgm", "gone.toml"]
+    for name, others, code, said in (("short", rows[:9], 3, "whole:10: is a result more than the manifest has modules"),
+                                     ("preset", [gone, *rows[1:]], 3, "whole:1: is of M00000, but preset.csv:2 is M00000"),
+                                     ("lit", [[*rows[0], "D65"], *rows[1:]], 3, "whole:1: is of M00000, but lit.csv:2 is M00000"),
+                                     ("fields", [[*rows[0], "", "more"], *rows[1:]], 0, None)):
+        line.write_manifest(name + ".csv", others, *(["illuminant"] if name in ("lit", "fields") else []))
+        expect_call(line.batch("whole", manifest=name + ".csv"), code, *([said] if said else []))
+    line.write("own.toml", "shading = 90\n")
+    line.write_manifest("own.csv", [["M00000", "c0.pgm", "own.toml"]])
+    expect_call(line.batch("own", manifest="own.csv"), 0)
+    (line.folder / "own.toml").unlink()
+    expect_call(line.batch("own", manifest="own.csv"), 0)
+    # Another batch is writing, and an output whose place is taken.
+    with open(line.folder / "own", "rb") as file:
+        fcntl.flock(file, fcntl.LOCK_EX)
+        expect_call(line.batch("own", manifest="own.csv"), 4, "own: another batch is writing it")
+    (line.folder / "taken/M00005.json").mkdir(parents=True)
+    expect_call(line.batch("stopped", "--tables", "taken"), 4, "taken/M00005.json: is a directory")
+    expect(line.read("stopped").count(b"\n") == 5, "a line without its file, or a file without its line")
     expect(line.read("file") == b"something of the user's\n", "a file of the user's was changed")
     # A full disk leaves whole lines, and the same command goes on.
     limit = len(whole) // 2
@@ -255,9 +309,12 @@ def test_torn_ends(line):
 
 def test_signals(line):
     """The first signal ends a batch after what runs."""
-    running = line.popen("lot.csv", "-o", "ended", "--jobs", "1")
+    running = line.popen("lot.csv", "-o", "ended", "--jobs", "1", preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
     while not (line.folder / "ended").exists() or not line.read("ended"):
         time.sleep(0.001)
+    running.send_signal(signal.SIGHUP)  # under nohup, it is none
+    time.sleep(0.05)
+    expect(running.poll() in (None, 0), "ended by a signal that it was to ignore")
     running.send_signal(signal.SIGINT)
     said = running.communicate()[1]
     if running.returncode != 0:  # else it was quicker
@@ -305,7 +362,7 @@ def main():
         if options.full_disk:
             return test_full_disk(line)
         if options.modules is None:
-            for test in (test_workers_and_shards, test_faults, test_capture_that_vanishes, test_what_stops_a_batch,
+            for test in (test_workers_and_shards, test_faults, test_presets, test_capture_that_vanishes, test_what_stops_a_batch,
                          test_torn_ends, test_signals):
                 test(line)
             line = Line(options.tool, folder, 200)

@@ -3,13 +3,13 @@ directory below the first, in strips or in tiles; and the GainMap opcodes of the
 import struct
 
 XYZ_TO_SRGB = [(n, 10000) for n in (32405, -15371, -4985, -9693, 18760, 416, 556, -2040, 10572)]
-CODES = {1: "B", 3: "H", 4: "I", 6: "b", 8: "h", 9: "i", 11: "f", 12: "d"}
+CODES = {1: "B", 3: "H", 4: "I", 6: "b", 8: "h", 9: "i", 11: "f", 12: "d", 13: "I", 14: "I"}
 
 
-def gain_map(plane, width, height, columns, rows, values, spacing=None, first=(0, 0), pitch=2, **overrides):
-    """One opcode; `values` row by row."""
+def gain_map(site, width, height, columns, rows, values, spacing=None, first=(0, 0), pitch=2, **overrides):
+    """One opcode, for the plane of a site; `values` row by row."""
     spacing = spacing or (1 / max(columns - 1, 1), 1 / max(rows - 1, 1))
-    head = {"top": plane // 2, "left": plane % 2, "bottom": height, "right": width, "plane": 0, "planes": 1,
+    head = {"top": site // 2, "left": site % 2, "bottom": height, "right": width, "plane": 0, "planes": 1,
             "row_pitch": pitch, "column_pitch": pitch, "rows": rows, "columns": columns, "map_planes": 1}
     head.update(overrides)
     words = [head[name] for name in ("top", "left", "bottom", "right", "plane", "planes", "row_pitch", "column_pitch",
@@ -45,8 +45,8 @@ class Tiff:
         return struct.pack(self.order + CODES[kind] * len(values), *values), len(values)
 
     def directory(self, tags, following=0):
-        """`tags` maps tag to (type, values); returns where the directory is."""
-        entries = b""
+        """`tags` maps tag to (type, values), or to None where it is missing; returns where the directory is."""
+        entries, tags = b"", {tag: value for tag, value in tags.items() if value}
         for tag, (kind, values) in sorted(tags.items()):
             data, count = self.value(kind, values)
             data = data.ljust(4, b"\0") if len(data) <= 4 else struct.pack(self.order + "I", self.add(data))
@@ -123,9 +123,9 @@ def lossless_jpeg(rows):
             + b"\xff\xda" + struct.pack(">HB5B", 8, 1, 0, 0, 1, 0, 0) + data + b"\xff\xd9")
 
 
-def add_samples(tiff, tags, width, height, sample, tile, compressed):
+def add_samples(tiff, tags, width, height, sample, tile, compressed, forward):
     """`sample(x, y)` in one strip, in strips of `tile` rows, or in tiles of `tile` (width, height) that reach beyond the frame
-    with zeros. Several stand back to front, so that readers must follow their offsets."""
+    with zeros. Several stand back to front, so that readers must follow their offsets, but where they go `forward`."""
     def block(left, top, columns, rows):
         values = [[sample(x, y) if x < width and y < height else 0 for x in range(left, left + columns)]
                   for y in range(top, top + rows)]
@@ -137,7 +137,7 @@ def add_samples(tiff, tags, width, height, sample, tile, compressed):
         rows = tile or height
         places = [(0, top, width, min(rows, height - top)) for top in range(0, height, rows)]
     parts = [block(*place) for place in places]
-    offsets = [tiff.add(part) for part in reversed(parts)][::-1]
+    offsets = [tiff.add(part) for part in parts[::1 if forward else -1]][::1 if forward else -1]
     sizes = [len(part) for part in parts]
     if isinstance(tile, tuple):
         tags.update({322: (4, [tile[0]]), 323: (4, [tile[1]]), 324: (4, offsets), 325: (4, sizes)})
@@ -146,11 +146,12 @@ def add_samples(tiff, tags, width, height, sample, tile, compressed):
 
 
 def make_dng(width, height, pattern, sample, opcodes=None, order="<", below=False, black=(60, 61, 62, 63), white=1000,
-             tile=None, active=None, extra=None, compressed=False):
-    """`below` puts the mosaic below a directory of a preview, or behind it: "next"; `extra` are further tags of the mosaic."""
+             tile=None, active=None, extra=None, compressed=False, forward=False):
+    """`below` puts the mosaic below a directory of a preview, or behind it: "next"; `extra` are further tags of the mosaic, None
+    for one that it lacks."""
     tiff = Tiff(order)
     tags = mosaic_tags(order, width, height, pattern, black, white, opcodes)
-    add_samples(tiff, tags, width, height, sample, tile, compressed)
+    add_samples(tiff, tags, width, height, sample, tile, compressed, forward)
     if active:
         tags[50829] = (4, list(active))
     tags.update(extra or {})

@@ -132,10 +132,10 @@ struct Files {
     std::string tables, container;
 };
 
-// A failure of an output is not the module's.
+// A failure of an output is not the module's: the batch cannot go on.
 class OutputFailure : public Failure {
   public:
-    explicit OutputFailure(const Failure& failure) : Failure(failure.code(), failure.what()) {}
+    explicit OutputFailure(const Failure& failure) : Failure(exit_system, failure.what()) {}
 };
 
 void write_outputs(ResultLine& result, const ModuleOutputs& outputs, const Files& files) {

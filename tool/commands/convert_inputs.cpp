@@ -118,7 +118,10 @@ std::vector<ShadingSet> chosen_sets(const ConvertInputs& inputs, const ShadingFi
     const std::vector<int> wanted = wanted_temperatures(inputs);
     std::vector<ShadingSet> sets;
     // A file that says no temperature takes that of the command line.
-    if (file.sets.front().kelvin == 0 && wanted.size() == 1) {
+    if (file.sets.front().kelvin == 0) {
+        if (wanted.size() != 1)
+            usage_failure("--ct: {} holds tables for one light: give its colour temperature alone",
+                          inputs.paths[0]);
         sets = file.sets;
         sets.front().kelvin = wanted.front();
         return sets;

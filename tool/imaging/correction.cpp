@@ -2,8 +2,10 @@
 #include "imaging/correction.h"
 
 #include <algorithm>
+#include <vector>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "failure.h"
 #include "terminal.h"
@@ -21,15 +23,17 @@ bool tvessa2_reads_rows(int plane_width, int step) {
     return (plane_width - 1) % step != 0;
 }
 
-// "32 or 63": the nearest steps below and above that the ISP reads as they are laid out.
+// "32 or 63": the nearest steps below and above that the ISP reads as they are laid out. Step 1 is none.
 std::string nearest_steps(int plane_width, int step) {
-    int below = step - 1;
-    while (below > smallest_step && !tvessa2_reads_rows(plane_width, below))
-        --below;
-    int above = step + 1;
-    while (above <= tvessa2_phases && !tvessa2_reads_rows(plane_width, above))
-        ++above;
-    return above <= tvessa2_phases ? fmt::format("{} or {}", below, above) : fmt::format("{}", below);
+    std::vector<int> steps;
+    for (const int direction : {-1, 1})
+        for (int other = step + direction; other >= smallest_step && other <= tvessa2_phases;
+             other += direction)
+            if (tvessa2_reads_rows(plane_width, other)) {
+                steps.push_back(other);
+                break;
+            }
+    return fmt::format("{}", fmt::join(steps, " or "));
 }
 
 void check_tvessa2(const RawFrame& frame, const GainTables& tables, const std::string& tables_name) {

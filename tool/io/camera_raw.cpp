@@ -34,7 +34,7 @@ bool says_dng(std::string_view head) {
     if ((!big && !head.starts_with("II")) || number(2, 2) != 42)
         return false;
     const size_t directory = number(4, 4);
-    for (size_t i = 0; i < number(directory, 2) && directory < head.size(); ++i)
+    for (size_t i = 0; i < number(directory, 2); ++i)
         if (number(directory + 2 + 12 * i, 2) == dng_version)
             return true;
     return false;
@@ -99,7 +99,7 @@ bool is_plain(LibRaw& raw) {
 SampleArea mosaic_area(InputFile& file, LibRaw& raw) {
     const auto& sizes = raw.imgdata.sizes;
     const SampleArea area{sizes.left_margin, sizes.top_margin, sizes.width, sizes.height};
-    if (raw.imgdata.idata.dng_version == 0 || !begins_tiff(file.head()))
+    if (raw.imgdata.idata.dng_version == 0)
         return area;
     TiffFile tiff(file);
     const TiffDirectory directory = tiff.mosaic_directory();
@@ -117,8 +117,6 @@ SampleArea mosaic_area(InputFile& file, LibRaw& raw) {
 
 // LibRaw takes the samples of an uncompressed DNG to follow its first one row by row. Nothing where they do.
 std::optional<std::vector<uint16_t>> read_scattered(InputFile& file, const SampleArea& area) {
-    if (!begins_tiff(file.head()))
-        return std::nullopt;
     TiffFile tiff(file);
     const TiffDirectory directory = tiff.mosaic_directory();
     if (strip_count(directory) == 1)
@@ -130,7 +128,7 @@ std::optional<std::vector<uint16_t>> read_scattered(InputFile& file, const Sampl
 // first strip alone.
 void check_in_one_piece(InputFile& file, LibRaw& raw) {
     const bool uncompressed = is_uncompressed(raw);
-    if ((!uncompressed && decoder_of(raw) != "lossless_dng_load_raw()") || !begins_tiff(file.head()))
+    if (!uncompressed && decoder_of(raw) != "lossless_dng_load_raw()")
         return;
     TiffFile tiff(file);
     const TiffDirectory directory = tiff.mosaic_directory();
@@ -181,7 +179,7 @@ BlackLevel black_of(const InputFile& file, LibRaw& raw, const SampleArea& area) 
     BlackLevel black{};
     for (unsigned plane = 0; plane < 4; ++plane) {
         unsigned level = colour.black + colour.cblack[colour_of_plane(raw, area, plane)];
-        if (rows != 0 && columns != 0)
+        if (rows * columns != 0)
             level += colour.cblack[6 + (plane >> 1) % rows * columns + (plane & 1) % columns];
         black[plane] = static_cast<int>(level);
         if (level > 65535)

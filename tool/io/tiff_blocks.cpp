@@ -13,11 +13,14 @@ constexpr uint16_t image_width = 256, image_height = 257, strip_offsets = 273, r
                    strip_bytes = 279, tile_width = 322, tile_height = 323, tile_offsets = 324;
 constexpr uint64_t most_blocks = uint64_t{1} << 16;
 
+bool fits(double value) {
+    return value >= 0 && value <= UINT32_MAX;
+}
+
 uint64_t number(TiffFile& tiff, const TiffDirectory& directory, uint16_t tag, uint64_t missing) {
     const TiffEntry* const entry = directory.find(tag);
     const auto values = entry == nullptr ? std::vector<double>{} : tiff.numbers(*entry, 1);
-    return values.empty() || !(values[0] >= 0 && values[0] <= UINT32_MAX) ? missing
-                                                                          : static_cast<uint64_t>(values[0]);
+    return values.empty() || !fits(values[0]) ? missing : static_cast<uint64_t>(values[0]);
 }
 
 bool is_tiled(const TiffDirectory& directory) {
@@ -36,7 +39,7 @@ bool follow_each_other(const Blocks& blocks, uint64_t width) {
     for (size_t k = 1; k < blocks.offsets.size(); ++k)
         if (blocks.offsets[k] != blocks.offsets[k - 1] + bytes)
             return false;
-    return blocks.width == width && !blocks.offsets.empty();
+    return blocks.width == width;
 }
 
 Blocks blocks_of(TiffFile& tiff, const TiffDirectory& directory) {
@@ -49,14 +52,19 @@ Blocks blocks_of(TiffFile& tiff, const TiffDirectory& directory) {
                   0,
                   {}};
     const TiffEntry* const offsets = directory.find(tiled ? tile_offsets : strip_offsets);
-    if (blocks.width == 0 || blocks.height == 0 || offsets == nullptr)
+    const auto damaged = [&] {
         data_failure("{}: says no strips or tiles of its mosaic: the file is damaged", tiff.path());
+    };
+    if (blocks.width == 0 || blocks.height == 0 || offsets == nullptr)
+        damaged();
     blocks.across = (width + blocks.width - 1) / blocks.width;
     const uint64_t count = blocks.across * ((height + blocks.height - 1) / blocks.height);
     if (count > most_blocks || offsets->count != count)
         data_failure("{}: names {} strips or tiles, but its mosaic of {} x {} has {} of {} x {}", tiff.path(),
                      offsets->count, width, height, count, blocks.width, blocks.height);
     blocks.offsets = tiff.numbers(*offsets, offsets->count);
+    if (blocks.offsets.empty() || !std::ranges::all_of(blocks.offsets, fits))
+        damaged();
     if (blocks.across == 1 && follow_each_other(blocks, width)) {
         blocks.height = height;
         blocks.offsets.resize(1);
@@ -68,7 +76,7 @@ Blocks blocks_of(TiffFile& tiff, const TiffDirectory& directory) {
 
 uint32_t strip_count(const TiffDirectory& directory) {
     const TiffEntry* const offsets = directory.find(strip_offsets);
-    return is_tiled(directory) ? 0 : offsets == nullptr ? 1 : offsets->count;
+    return is_tiled(directory) || offsets == nullptr ? 0 : offsets->count;
 }
 
 bool is_in_one_piece(TiffFile& tiff, const TiffDirectory& directory) {

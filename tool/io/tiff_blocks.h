@@ -13,7 +13,7 @@ struct SampleArea {
     uint64_t left, top, width, height;
 };
 
-// How many strips hold the mosaic; 0 where it is in tiles.
+// How many strips hold the mosaic; 0 where it is in tiles, or in nothing.
 uint32_t strip_count(const TiffDirectory& directory);
 
 // Whether the mosaic is in strips of which each begins where the one before ends.

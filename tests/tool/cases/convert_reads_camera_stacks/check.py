@@ -58,7 +58,8 @@ def make_alsc(name, columns, rows):
               for c, lights in (("R", (2856, 5000)), ("B", (5000, 2856)))}
     alsc = {"luminance_strength": 0.7, "calibrations_Cr": ratios["R"], "calibrations_Cb": ratios["B"],
             "luminance_lut": centres(lambda u, v: green(5000, u, v))}
-    pathlib.Path(name).write_text(json.dumps({"version": 2.0, "algorithms": [{"rpi.agc": {}}, {"rpi.alsc": alsc}]}))
+    root = {"rpi.alsc": alsc} if columns == 32 else {"version": 2.0, "algorithms": [{"rpi.agc": {}}, {"rpi.alsc": alsc}]}
+    pathlib.Path(name).write_text(json.dumps(root))
 
 
 def make_dngs():
