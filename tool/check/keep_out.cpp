@@ -20,32 +20,23 @@ struct Samples {
     }
 };
 
-// The nearest line before or behind that is good; `line` itself where there is none.
-int good_line(const std::vector<int>& dead, int line, int direction, int count) {
+// The nearest line before or behind that is good. The outermost lines always are: they have no two neighbours
+// to be far from (check/outliers.h).
+int good_line(const std::vector<int>& dead, int line, int direction) {
     int next = line + direction;
     while (std::ranges::binary_search(dead, next))
         next += direction;
-    return next < 0 || next >= count ? line : next;
-}
-
-struct Sides {
-    int before, behind;
-};
-
-Sides good_sides(const std::vector<int>& dead, int line, int count) {
-    const Sides sides{good_line(dead, line, -1, count), good_line(dead, line, 1, count)};
-    return {sides.before == line ? sides.behind : sides.before,
-            sides.behind == line ? sides.before : sides.behind};
+    return next;
 }
 
 void replace_lines(const std::vector<int>& rows, const std::vector<int>& columns, const Samples& samples) {
     for (const int row : rows) {
-        const auto [above, below] = good_sides(rows, row, samples.height());
+        const int above = good_line(rows, row, -1), below = good_line(rows, row, 1);
         for (int x = 0; x < samples.width(); ++x)
             samples.at(x, row) = static_cast<uint16_t>((samples.at(x, above) + samples.at(x, below) + 1) / 2);
     }
     for (const int column : columns) {
-        const auto [left, right] = good_sides(columns, column, samples.width());
+        const int left = good_line(columns, column, -1), right = good_line(columns, column, 1);
         for (int y = 0; y < samples.height(); ++y)
             samples.at(column, y) =
                 static_cast<uint16_t>((samples.at(left, y) + samples.at(right, y) + 1) / 2);

@@ -82,7 +82,7 @@ void CheckLimits::set(const std::string& text) {
     const auto found = limits_.find(text.substr(0, equals));
     if (found == limits_.end())
         usage_failure("--limit: {} is no check: zerklsc check --help lists them", text.substr(0, equals));
-    if (equals == std::string::npos || comma == std::string::npos || comma < equals)
+    if (equals == std::string::npos || comma == std::string::npos)
         usage_failure("--limit: {} is not NAME=WARN,REFUSE with two numbers, or none for either", text);
     found->second = {limit_from(text, text.substr(equals + 1, comma - equals - 1)),
                      limit_from(text, text.substr(comma + 1))};

@@ -8,7 +8,7 @@ namespace zerklsc::tool {
 struct Outliers {
     std::array<std::vector<uint32_t>, 4> samples;    // defective ones, as indices into the plane, row by row
     std::array<std::vector<uint32_t>, 4> dust_tiles; // tile indices
-    std::array<std::vector<int>, 4> rows, columns;   // dead lines, of the plane
+    std::array<std::vector<int>, 4> rows, columns;   // dead lines, of the plane; never its first or last
     std::array<int, 4> dust_spots{};                 // tiles that touch are one spot
 
     // What the surface leaves of each tile, as a fraction, defective samples left out.

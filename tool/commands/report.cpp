@@ -14,11 +14,9 @@ const char* verdict_of(ExitCode code, bool doubtful) {
         return "fail";
     case exit_input:
         return "refuse";
-    case exit_usage:
-    case exit_system:
-        break;
+    default:
+        return "error";
     }
-    return "error";
 }
 
 } // namespace

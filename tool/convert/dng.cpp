@@ -102,9 +102,9 @@ void add_levels(TiffWriter& tiff, const RawFrame& frame) {
 
 void add_camera(TiffWriter& tiff, const RawFrame& frame) {
     const std::string camera = frame.camera.empty() ? "Unknown Bayer sensor" : frame.camera;
-    const size_t space = std::min(camera.find(' '), camera.size());
+    const size_t space = camera.find(' '); // between make and model
     tiff.add_text(271, camera.substr(0, space));
-    tiff.add_text(272, space < camera.size() ? camera.substr(space + 1) : camera);
+    tiff.add_text(272, camera.substr(space + 1));
     tiff.add_text(50708, camera);
     tiff.add_bytes(50706, {1, 4, 0, 0});          // DNGVersion
     tiff.add_bytes(50707, {1, 3, 0, 0});          // DNGBackwardVersion

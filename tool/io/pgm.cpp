@@ -193,19 +193,13 @@ RawFrame read_pgm(InputFile& file, const RawHints& hints) {
 }
 
 void write_pgm(const RawFrame& frame, const ByteSink& sink) {
-    std::string remarks;
-    if (frame.pattern)
-        remarks += fmt::format(" pattern={}", name_of(*frame.pattern));
-    if (frame.black)
-        remarks += fmt::format(" black={}", text_of(*frame.black));
-    if (frame.white && frame.white != frame.full_scale())
-        remarks += fmt::format(" white={}", *frame.white);
-    sink(fmt::format("P5\n# zerklsc{} bits={}\n{} {}\n{}\n", remarks, frame.bits, frame.width, frame.height,
+    std::string white;
+    if (frame.white_level() != frame.full_scale())
+        white = fmt::format(" white={}", frame.white_level());
+    sink(fmt::format("P5\n# zerklsc pattern={} black={}{} bits={}\n{} {}\n{}\n", name_of(*frame.pattern),
+                     text_of(*frame.black), white, frame.bits, frame.width, frame.height,
                      frame.full_scale()));
-    if (frame.full_scale() < 256)
-        sink(std::string(frame.samples.begin(), frame.samples.end()));
-    else
-        write_words(frame.samples, true, sink);
+    write_words(frame.samples, true, sink);
 }
 
 } // namespace

@@ -40,7 +40,8 @@ struct RawFormat {
     // Fills the frame with what the file says, except its name; throws a failure that begins with the path.
     RawFrame (*read)(InputFile& file, const RawHints& hints);
 
-    // Hands the bytes of a file to the sink; null where the format is only read.
+    // Hands the bytes of a file to the sink, of a frame whose pattern and black level are known and that has
+    // more than 8 bits; null where the format is only read.
     void (*write)(const RawFrame& frame, const ByteSink& sink);
 };
 

@@ -41,11 +41,10 @@ void Sequence::add(const Sequence& other) {
     fit();
 }
 
-bool Sequence::set(int shift, std::map<uint64_t, SequenceBlock> blocks) {
-    if (shift < 0 || shift > 63
-        || (!blocks.empty() && blocks.rbegin()->first - blocks.begin()->first >= most_blocks))
+bool Sequence::set(uint64_t shift, std::map<uint64_t, SequenceBlock> blocks) {
+    if (shift > 63 || (!blocks.empty() && blocks.rbegin()->first - blocks.begin()->first >= most_blocks))
         return false;
-    shift_ = shift;
+    shift_ = static_cast<int>(shift);
     blocks_ = std::move(blocks);
     return true;
 }

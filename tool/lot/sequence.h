@@ -38,7 +38,7 @@ class Sequence {
     // By their serial numbers, shifted.
     const std::map<uint64_t, SequenceBlock>& blocks() const { return blocks_; }
     // Of a file that holds it; false where no sequence is like that.
-    bool set(int shift, std::map<uint64_t, SequenceBlock> blocks);
+    bool set(uint64_t shift, std::map<uint64_t, SequenceBlock> blocks);
 
   private:
     void shift_to(int shift);

@@ -7,7 +7,6 @@ namespace zerklsc::tool {
 namespace {
 
 constexpr uint64_t visited_bit = uint64_t{1} << 63;
-constexpr size_t least_slots = 1024;
 
 } // namespace
 
@@ -31,7 +30,7 @@ size_t SerialSet::slot_of(uint64_t mark) const {
 }
 
 void SerialSet::grow() {
-    std::vector<uint64_t> old(std::max(2 * slots_.size(), least_slots));
+    std::vector<uint64_t> old(2 * slots_.size());
     old.swap(slots_);
     for (const uint64_t mark : old)
         if (mark != 0)
@@ -50,12 +49,12 @@ bool SerialSet::insert(uint64_t mark) {
 }
 
 SerialSet::Visit SerialSet::visit(uint64_t mark) {
-    const size_t at = slots_.empty() ? 0 : slot_of(mark);
-    if (slots_.empty() || slots_[at] == 0)
+    uint64_t& slot = slots_[slot_of(mark)];
+    if (slot == 0)
         return Visit::unknown;
-    if ((slots_[at] & visited_bit) != 0)
+    if ((slot & visited_bit) != 0)
         return Visit::again;
-    slots_[at] |= visited_bit;
+    slot |= visited_bit;
     ++visited_;
     return Visit::first;
 }

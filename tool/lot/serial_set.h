@@ -28,7 +28,10 @@ class SerialSet {
     size_t slot_of(uint64_t mark) const;
     void grow();
 
-    std::vector<uint64_t> slots_; // 0 where free; the highest bit tells that the mark was visited
+    static constexpr size_t least_slots = 1024;
+
+    // 0 where free; the highest bit tells that the mark was visited.
+    std::vector<uint64_t> slots_ = std::vector<uint64_t>(least_slots);
     size_t size_ = 0, visited_ = 0;
 };
 

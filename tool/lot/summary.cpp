@@ -164,8 +164,7 @@ void check_kind(const LotKind& kind, const std::string& place) {
                        && within(static_cast<int>(kind.pattern), 0, 3) && within(grid.algorithm, 0, 4)
                        && within(grid.step, smallest_step, largest_step);
     const GainTables tables = sound ? kind.tables() : GainTables();
-    if (!sound || tables.table_width != grid.width || tables.table_height != grid.height || grid.width < 3
-        || grid.height < 3)
+    if (!sound || tables.table_width != grid.width || tables.table_height != grid.height)
         data_failure("{}: tables of {} x {} do not go with frames of {} x {} and step {}", place, grid.width,
                      grid.height, kind.width, kind.height, grid.step);
 }

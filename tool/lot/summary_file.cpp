@@ -48,7 +48,7 @@ class Reader {
         value = 0;
         for (int shift = 0;; shift += 7) {
             const auto byte = static_cast<uint8_t>(take(1)[0]);
-            if (shift > 63 || (shift == 63 && byte > 1))
+            if (shift == 63 && byte > 1)
                 damaged();
             value |= uint64_t{byte & 0x7FU} << shift;
             if (byte < 0x80)
@@ -236,7 +236,7 @@ void sequence(Reader& reader, Sequence& sequence) {
     std::map<uint64_t, SequenceBlock> read;
     reader.number(shift);
     blocks(reader, read);
-    if (shift > 63 || !sequence.set(static_cast<int>(shift), std::move(read)))
+    if (!sequence.set(shift, std::move(read)))
         reader.damaged();
 }
 
