@@ -17,12 +17,21 @@ MAD = 1.482602
 GOOD = ("pass", "warn")
 
 
+def drifting(fields, number):
+    """Gains rise along the line, and the optical centre moves to the right."""
+    for gains in fields["gains"].values():
+        gains[:] = [min(round(gain + (gain - 1024) * number / 8000), 16383) for gain in gains]
+    for centre in fields["optical_centre"].values():
+        centre[0] = round(centre[0] + number / 20000, 4)
+    return fields
+
+
 def results():
     """Modules in the order of their line: good ones, others in every way, and outliers of each kind."""
     line = Line(7, width=640, height=482, step=64)
     modules = []
     for number in range(13, 13 + 3 * 141, 3):
-        fields = line.module(number)
+        fields = drifting(line.module(number), number)
         chance = line.random.random()
         if chance < 0.05:
             fields = line.refuse(fields, "shadow")
@@ -43,8 +52,15 @@ def results():
     whole[5]["gains"]["B"] = [round(1.35 * gain) for gain in whole[5]["gains"]["B"]]
     whole[11]["gains"]["Gr"][3 * line.columns + 4] += 28
     whole[17]["optical_centre"]["Gb"][1] += 0.09
+    whole[5]["optical_centre"]["R"][0] += 0.2
+    whole[6].update({key: whole[5][key] for key in ("gains", "optical_centre")})
     whole[23]["checks"][2]["value"] = None
+    whole[24]["checks"][2]["value"], whole[25]["checks"][2]["value"], whole[26]["numbers"]["otp_loss"] = -0.0125, 0.0, 0.0
+    for fields in modules:
+        if fields["checks"]:
+            fields["checks"].append({"name": "home-made", "plane": None, "value": None, "verdict": "pass"})
     whole[29]["serial"] = "no number"
+    whole[17]["serial"], whole[30]["serial"] = "<b>76", "40"
     whole[31]["serial"] = 'Ünit "9" \\ 1000000000000000000000123'
     return line, modules
 
@@ -281,7 +297,7 @@ def compare_histograms(told, modules):
             places = [min(max(math.floor((value - entry["from"]) / entry["width"] + 1e-6), 0), bars - 1) for value in values]
             assert entry[verdict] == [places.count(bar) for bar in range(bars)], entry
         together = [a + b + c for a, b, c in zip(entry["pass"], entry["warn"], entry["refuse"])]
-        assert 1 < bars <= 41 and together[0] > 0 and together[-1] > 0, entry
+        assert (1 < bars <= 41 and together[0] > 0 and together[-1] > 0) == (entry["name"] != "home-made"), entry
 
 
 def compare_distances(told, modules, line):
@@ -321,6 +337,13 @@ def check_numbers(tool, line, modules):
     compare_costs(told, modules)
     compare_histograms(told, modules)
     compare_distances(told, modules, line)
+    text = tool.run("lot", "all.jsonl").stdout
+    drifts = [(entry["name"], entry["plane"], entry["change"]) for entry in told["sequence"]["series"] if entry["drifts"]]
+    assert {("optical centre x", None), ("corner gain", "B")} <= {drift[:2] for drift in drifts}, drifts
+    for name, plane, change in drifts:
+        assert f"\n  {name}{' of ' + plane if plane else ''} drifts by {change:+.4f} (" in text, (name, plane, change, text)
+    page = tool.run("lot", "all.jsonl", "-o", "-").stdout
+    assert "\\u003cb>76" in page and "<b>76" not in page
     # What was made here is what the other commands take.
     tool.run("simulate", "--width", "640", "--height", "482", "--pattern", "GBRG", "-o", "flat.pgm", "--quiet")
     tool.run("calibrate", "flat.pgm", "--step", "64", "--radius", "6", "--shading", "95", "--relative-to", "golden.json",
@@ -358,6 +381,35 @@ def check_parts(tool, _, modules):
     assert f"of the {len(modules)} modules are in the result files" in missing, missing
     twice = tool.run("lot", "pair.lot", "all.lot", code=3).stderr
     assert "serials that were there before" in twice, twice
+
+
+def check_texts(tool, _, modules):
+    """What is said of few outliers and of many, without an optical centre; of equal ones, the first serials are listed."""
+    good = next(fields for fields in modules if fields["verdict"] == "pass" and fields["gains"])
+    far = {**good, "gains": {**good["gains"], "B": [2 * gain for gain in good["gains"]["B"]]}}
+    for spoilt, said in ((0, "0 outliers\n"), (1, "1 outlier:\n"), (12, "and 2 more;"), (230, "and 220 more; the document of --json and the page list 200")):
+        lot = [{**(far if k < spoilt else good), "serial": f"S{k}", "optical_centre": None} for k in range(700)]
+        done = tool.run("lot", tool.write("some.jsonl", lines_of(lot)))
+        assert said in done.stdout and "optical centre" not in done.stdout, done.stdout
+    told = tool.document("lot", "some.jsonl")
+    assert [entry["serial"] for entry in told["outliers"]["listed"]] == sorted(f"S{k}" for k in range(spoilt))[:200]
+    assert told["optical_centre"]["channels"] == [] and told["modules"] == 700
+    # Through a pipe, and of serials without a number.
+    tool.run("lot", "some.jsonl", "--partial", "some.lot")
+    assert tool.call("lot", "-", "--partial", "piped.lot", input=lines_of(lot)).returncode == 0
+    assert tool.read("piped.lot") == tool.read("some.lot")
+    for serial in "first", "second":
+        tool.run("lot", tool.write(serial, text_of({**good, "serial": serial})), "--partial", serial + ".lot")
+    assert tool.document("lot", "first.lot", "second.lot")["sequence"]["modules"] == []
+    # A line that no result can have, and one without an end.
+    with open(tool.folder / "long.jsonl", "wb") as file:
+        for serial in "S1", "S2":
+            file.write(text_of({**good, "serial": serial}).encode())
+            file.seek((1 << 26) + (2 << 20), 1)
+            file.write(b"\n" if serial == "S1" else b"x" * (1 << 20))
+    told = tool.run("lot", "long.jsonl", "--json", code=3)
+    assert "long.jsonl:2: is longer than any result" in told.stderr, told.stderr
+    assert (json.loads(told.stdout)["modules"], json.loads(told.stdout)["left_out"]) == (2, {"torn": 1, "bad": 1, "repeated": 0, "other_kind": 0})
 
 
 def check_left_out(tool, _, modules):
@@ -423,7 +475,7 @@ def check_refusals(tool, _, modules):
 
 def main():
     options = options_with_tool(__doc__).parse_args()
-    for check in (check_numbers, check_parts, check_left_out, check_refusals):
+    for check in (check_numbers, check_parts, check_texts, check_left_out, check_refusals):
         with in_a_folder(options.tool) as tool:
             check(tool, *results())
 

@@ -71,7 +71,7 @@ class Line:
         for check in fields["checks"]:
             if check["name"] in names:
                 check.update(verdict="refuse", value=float(f"{9 * check['value']:.4g}"))
-        empty = {"verdict": "refuse", "reason": f"{fields['serial']}: refused", "gains": None,
+        empty = {"verdict": "refuse", "reason": f"{fields['serial']}: refused", "grid": None, "gains": None,
                  "numbers": dict.fromkeys(fields["numbers"])}
         return {**fields, **empty}
 

@@ -33,7 +33,7 @@ TEST(Manifest, OfBothFormsIsRead) {
                          "files,serial,illuminant,preset\r\n"
                          "\"a, \"\"1\"\".raw;b.raw\",A1,D65,\r\n\r\nc.raw,A2,,p.toml"),
               (Modules{"A1|a, \"1\".raw;b.raw|-|D65", "A2|c.raw|p.toml|-"}));
-    EXPECT_EQ(modules_of("serial,files\nA1,a.raw\n"), Modules{"A1|a.raw|-|-"});
+    EXPECT_EQ(modules_of("serial,files\nA1,\"a.raw\"\n"), Modules{"A1|a.raw|-|-"});
     EXPECT_EQ(
         modules_of("{\"serial\":\"A1\",\"files\":[\"a;.raw\",\"b.raw\"],\"preset\":null}\n"
                    "\n{\"files\":[\"c.raw\"],\"serial\":\"A2\",\"preset\":\"p\",\"illuminant\":\"A\"}\n"),
@@ -42,22 +42,37 @@ TEST(Manifest, OfBothFormsIsRead) {
 
 TEST(Manifest, GoesOnBehindABadLine) {
     const std::string long_line(2 * longest_manifest_line, 'x');
-    EXPECT_EQ(modules_of("serial,files\nA1\nA2,a,b\n\"A3,a\nA4,\"a\"b\nA5,a;\n,a\n.A,a\nA/B,a\nA B,a\n\xFF"
-                         "A,a\n"
-                         + long_line + "\nA6,ok\n" + std::string(longest_module_serial + 1, 'A') + ",a\n"),
-              (Modules{"2:A1", "3:A2", "4:", "5:", "6:A5", "7:", "8:", "9:", "10:", "11:", "12:", "A6|ok|-|-",
-                       "14:"}));
+    EXPECT_EQ(
+        modules_of("serial,files\nA1\nA2,a,b\n\"A3,a\nA4,\"a\"b\nA4,a\"b\nA5,a;\n,a\n.A,a\nA/B,a\nA B,a\n\xFF"
+                   "A,a\n"
+                   + long_line + "\nA6,ok\n" + std::string(longest_module_serial + 1, 'A') + ",a\n"),
+        (Modules{"2:A1", "3:A2", "4:", "5:", "6:", "7:A5",
+                 "8:", "9:", "10:", "11:", "12:", "13:", "A6|ok|-|-", "15:"}));
     EXPECT_EQ(modules_of("{\"serial\":\"A1\"}\n{\"serial\":\"A2\",\"files\":\"a\"}\n[]\n"
                          "{\"serial\":7,\"files\":[\"a\"]}\n{\n{\"serial\":\"A3\",\"files\":[\"a\",1]}\n"
                          "{\"serial\":\"A4\",\"files\":[\"a\"],\"pre\":\"p\"}\n"
+                         "{\"serial\":\"A5\",\"files\":[\"a\"],\"preset\":7}\n{\"files\":[\"a\"]}\n"
                          "{\"serial\":\"../x\",\"files\":[\"a\"],\"pre\":\"p\"}\n"),
-              (Modules{"1:A1", "2:A2", "3:", "4:", "5:", "6:A3", "7:A4", "8:"}));
+              (Modules{"1:A1", "2:A2", "3:", "4:", "5:", "6:A3", "7:A4", "8:A5", "9:", "10:"}));
 }
 
 TEST(Manifest, NeedsItsColumns) {
     for (const char* text :
          {"", "A1,a.raw\n", "serial\nA1\n", "serial,files,serial\n", "serial,files,lens\n"})
         EXPECT_THROW(modules_of(text), Failure) << text;
+}
+
+// In parts of a few serials, as where they do not fit the memory at once.
+TEST(Manifest, TellsTheSerialsThatRepeat) {
+    std::string text = "serial,files\n";
+    for (const char* serial : {"A1", "A2", "A1", "A3", "A4", "A2", "A5", "A1", "A6"})
+        text += serial + std::string(",a\n");
+    const fuzz::MemoryFile file(text);
+    for (const size_t at_once : {size_t{1}, size_t{2}, size_t{5}, size_t{1000}}) {
+        const ManifestSurvey survey = survey_manifest(file.path(), {1, 1}, at_once);
+        EXPECT_EQ(survey.modules, 9U);
+        EXPECT_EQ(survey.repeats, (std::vector<uint64_t>{4, 7, 9})) << at_once;
+    }
 }
 
 // sha256sum and another program's modulo computed the hashes and the shares.
@@ -76,7 +91,7 @@ TEST(Shard, IsReadFromItsWords) {
     EXPECT_EQ(shard_from("2/5")->number, 2U);
     EXPECT_EQ(shard_from("2/5")->count, 5U);
     for (const char* text :
-         {"", "2", "0/5", "6/5", "2/", "/5", "2/5 ", "-1/5", "1/99999999999999999999", "1/10000000"})
+         {"", "2", "0/5", "6/5", "2/", "/5", "2/5 ", "-1/5", "1/99999999999999999999", "1/10000000", "2x5"})
         EXPECT_FALSE(shard_from(text)) << text;
 }
 

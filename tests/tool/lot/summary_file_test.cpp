@@ -9,26 +9,29 @@
 namespace zerklsc::tool {
 namespace {
 
-// Three modules, the last of which failed; frames of 64 x 48 with a step of 16 have tables of 5 x 5 nodes.
+// Frames of 64 x 48 with a step of 16 have tables of 5 x 5 nodes.
+ResultLine module_of(int i) {
+    ResultLine result;
+    result.serial = "A" + std::to_string(7 + i);
+    result.settings = "0123456789abcdef";
+    result.verdict = i == 2 ? ModuleVerdict::fail : i == 1 ? ModuleVerdict::warn : ModuleVerdict::pass;
+    result.frame = {64, 48, 10, BayerPattern::grbg, {64, 65, 66, 67 + i}};
+    result.grid = {4, 16, 5, 5, 3, 90};
+    result.checks = {{"exposure", "Gr", 0.5 * i, Verdict::pass}, {"dust", "", std::nullopt, Verdict::warn}};
+    result.numbers.flatness = {0.5, 0.25, 0.125 * i, 1e-7};
+    result.optical_centre = {{{0.5, 0.25}, {0.51, 0.52}, {0.1 * i, 1}, {0, 0.3}}};
+    result.gains.emplace();
+    for (auto& plane : *result.gains)
+        for (int node = 0; node < 25; ++node)
+            plane.push_back(static_cast<uint16_t>(1024 + 100 * i + node));
+    return result;
+}
+
+// Three modules, the last of which failed.
 LotSummary three_modules() {
     LotSummary lot;
-    for (int i = 0; i < 3; ++i) {
-        ResultLine result;
-        result.serial = "A" + std::to_string(7 + i);
-        result.settings = "0123456789abcdef";
-        result.verdict = i == 2 ? ModuleVerdict::fail : i == 1 ? ModuleVerdict::warn : ModuleVerdict::pass;
-        result.frame = {64, 48, 10, BayerPattern::grbg, {64, 65, 66, 67 + i}};
-        result.grid = {4, 16, 5, 5, 3, 90};
-        result.checks = {{"exposure", "Gr", 0.5 * i, Verdict::pass},
-                         {"dust", "", std::nullopt, Verdict::warn}};
-        result.numbers.flatness = {0.5, 0.25, 0.125 * i, 1e-7};
-        result.optical_centre = {{{0.5, 0.25}, {0.51, 0.52}, {0.1 * i, 1}, {0, 0.3}}};
-        result.gains.emplace();
-        for (auto& plane : *result.gains)
-            for (int node = 0; node < 25; ++node)
-                plane.push_back(static_cast<uint16_t>(1024 + 100 * i + node));
-        lot.add(result, "line");
-    }
+    for (int i = 0; i < 3; ++i)
+        lot.add(module_of(i), "line");
     return lot;
 }
 
@@ -90,6 +93,27 @@ TEST(SummaryFile, WithAnyNumberChangedIsRefusedOrSound) {
     EXPECT_GT(refused, numbers.size() * (body.size() - body.find('\n')) / 2);
     EXPECT_FALSE(reads_soundly(with_checksum(body + '\0')));
     EXPECT_FALSE(reads_soundly(whole.substr(0, body.find('\n') + 3)));
+    EXPECT_FALSE(reads_soundly("no summary"));
+    // A serial that stands there twice.
+    EXPECT_FALSE(
+        reads_soundly(with_checksum(body.substr(0, body.size() - 8) + body.substr(body.size() - 16, 8))));
+}
+
+TEST(LotSummary, TakesNoModuleOfAKindThatCannotBe) {
+    EXPECT_EQ(LotSummary().add(module_of(0), "x:1"), LotSummary::Taken::yes);
+    int ResultFrame::*const sides[] = {&ResultFrame::width, &ResultFrame::height, &ResultFrame::bits};
+    for (const auto side : sides) {
+        ResultLine result = module_of(0);
+        result.frame.value().*side -= 3;
+        EXPECT_THROW(LotSummary().add(result, "x:1"), Failure) << result.frame->width;
+    }
+    int ResultGrid::*const numbers[] = {&ResultGrid::algorithm, &ResultGrid::step, &ResultGrid::width,
+                                        &ResultGrid::height};
+    for (const auto number : numbers) {
+        ResultLine result = module_of(0);
+        result.grid.value().*number += 60;
+        EXPECT_THROW(LotSummary().add(result, "x:1"), Failure) << result.grid->step;
+    }
 }
 
 } // namespace

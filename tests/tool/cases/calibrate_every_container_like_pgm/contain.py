@@ -16,11 +16,12 @@ def chunk(name, data):
     return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
 
 
-def png(colour=0, interlace=0):
-    lines = b"".join(b"\0" + struct.pack(f">{WIDTH}H", *row) for row in rows)
-    head = struct.pack(">IIBBBBB", WIDTH, HEIGHT, 16, colour, 0, 0, interlace)
-    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head) + chunk(b"sBIT", b"\x0a") + chunk(b"IDAT", zlib.compress(lines))
-            + chunk(b"IEND", b""))
+def png(colour=0, interlace=0, depth=16, bits=b"\x0a"):
+    """Of 8 bits, the samples without the two lowest."""
+    lines = b"".join(b"\0" + (struct.pack(f">{WIDTH}H", *row) if depth == 16 else bytes(v >> 2 for v in row)) for row in rows)
+    head = struct.pack(">IIBBBBB", WIDTH, HEIGHT, depth, colour, 0, 0, interlace)
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head) + (chunk(b"sBIT", bits) if bits else b"")
+            + chunk(b"IDAT", zlib.compress(lines)) + chunk(b"IEND", b""))
 
 
 def tiff(order, tags, strips):
@@ -42,6 +43,12 @@ twenty = [rows[y:y + 20] for y in range(0, HEIGHT, 20)]
 write("flat.png", png())
 write("truncated.png", png()[:3000])
 write("interlaced.png", png(interlace=1))
+write("colour.png", png(colour=2, bits=None))
+write("four_bits.png", png(depth=4, bits=None))
+write("header.png", png().replace(b"IHDR", b"IHDX"))
+write("undescribed.png", png(bits=None))
+write("eight.png", png(depth=8, bits=None))
+open("eight.pgm", "wb").write(b"P5\n%d %d\n255\n" % (WIDTH, HEIGHT) + bytes(v >> 2 for v in flat.samples))
 write("little.tif", tiff("<", grey, [words("<", part) for part in twenty]))
 write("deflated.tiff", tiff(">", {**grey, 259: (3, [8])}, [zlib.compress(words(">", part)) for part in twenty]))
 write("smallest.tif", tiff("<", {**grey, 256: (4, [2]), 257: (4, [2])}, [words("<", [[60, 61]] * 2)]))

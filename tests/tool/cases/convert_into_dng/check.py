@@ -19,7 +19,7 @@ def make():
     sample = lambda x, y: 100 + (7 * x + 13 * y) % 800
     old = opcode_list([gain_map(0, WIDTH, HEIGHT, 1, 1, [1.5], pitch=1)])
     # A tag behind the one that is added, an area within a larger frame, and what looks like another compression.
-    kinds = {"strip": {}, "below": {"extra": {51022: (7, b"behind"), 50780: (5, [(1, 1)])}, "active": (4, 6, 4 + HEIGHT, 6 + WIDTH)},
+    kinds = {"strip": {}, "below": {"extra": {51022: (7, b"behind"), 51041: (7, b"farther"), 50780: (5, [(1, 1)])}, "active": (4, 6, 4 + HEIGHT, 6 + WIDTH)},
              "packed": {"extra": {259: (3, [7])}}, "mapped": {"opcodes": old, "extra": {51022: (7, b"behind")}}}
     for name, about in kinds.items():
         order, below = MAIN[name]
@@ -28,6 +28,7 @@ def make():
         # An odd length: what comes behind begins at an even place.
         pathlib.Path(name + ".dng").write_bytes(data + b"\0" * (name == "packed"))
     pathlib.Path("small.dng").write_bytes(make_dng(WIDTH, HEIGHT - 2, "GRBG", sample))
+    pathlib.Path("narrow.dng").write_bytes(make_dng(WIDTH - 2, HEIGHT, "GRBG", sample))
     pathlib.Path("pattern.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample))
 
 
