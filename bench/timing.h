@@ -2,17 +2,25 @@
 // all alike.
 #pragma once
 
+#include <time.h>
+
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <vector>
 
 namespace zerklsc::bench {
 
+// The processor time of this thread: what else the machine does in between does not count.
+inline double thread_seconds() {
+    timespec now;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
 inline double seconds_of(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = thread_seconds();
     work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return thread_seconds() - start;
 }
 
 inline double median(std::vector<double> values) {
