@@ -1,5 +1,4 @@
 """A headless Chromium that is driven over WebDriver by chromedriver, for tests of pages."""
-import base64
 import json
 import pathlib
 import shutil
@@ -75,7 +74,3 @@ class Browser:
     def press(self, key):
         self.post("/actions", {"actions": [{"type": "key", "id": "keys", "actions": [
             {"type": "keyDown", "value": key}, {"type": "keyUp", "value": key}]}]})
-
-    def screenshot(self, path):
-        answer = self.post("/goog/cdp/execute", {"cmd": "Page.captureScreenshot", "params": {}})
-        pathlib.Path(path).write_bytes(base64.b64decode(answer["data"]))

@@ -398,9 +398,9 @@ def check_texts(tool, _, modules):
     tool.run("lot", "some.jsonl", "--partial", "some.lot")
     assert tool.call("lot", "-", "--partial", "piped.lot", input=lines_of(lot)).returncode == 0
     assert tool.read("piped.lot") == tool.read("some.lot")
-    for serial in "first", "second":
+    for serial in "ab":
         tool.run("lot", tool.write(serial, text_of({**good, "serial": serial})), "--partial", serial + ".lot")
-    assert tool.document("lot", "first.lot", "second.lot")["sequence"]["modules"] == []
+    assert tool.document("lot", "a.lot", "b.lot")["sequence"]["modules"] == []
     # A line that no result can have, and one without an end.
     with open(tool.folder / "long.jsonl", "wb") as file:
         for serial in "S1", "S2":

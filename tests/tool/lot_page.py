@@ -1,10 +1,8 @@
 #!/usr/bin/env python3
 """Opens the page of a lot in a headless browser and compares what stands on it with the JSON of the command.
 
-  lot_page.py --tool build/release/tool/zerklsc [--keep FOLDER]
+  lot_page.py --tool build/release/tool/zerklsc
 Ends with 77 where Chromium and its driver are missing."""
-import pathlib
-
 from lot import lines_of, results
 from page_checks import BARS, LINES, check_cells, check_drawn, check_legend, check_page, paths_of, tool_and_browser
 from tool import options_with_tool
@@ -46,21 +44,15 @@ def check_legends(browser, document):
 
 
 def main():
-    parser = options_with_tool(__doc__)
-    parser.add_argument("--keep", type=pathlib.Path, help="put screenshots there")
-    options = parser.parse_args()
-    with tool_and_browser(options) as (tool, browser):
+    with tool_and_browser(options_with_tool(__doc__).parse_args()) as (tool, browser):
         def check_content():
             check_numbers(browser, document)
             check_legends(browser, document)
-        def look(name):
-            if options.keep:
-                browser.screenshot(options.keep / f"{name}.png")
         _, modules = results()
         modules[3]["serial"] = "<b>&amp;\"' 12"
         tool.write("lot.jsonl", lines_of(modules))
         document = tool.document("lot", "lot.jsonl", "-o", "lot.html")
-        check_page(browser, tool.folder / "lot.html", 10, check_content, lambda: check_charts(browser, document), look)
+        check_page(browser, tool.folder / "lot.html", 10, check_content, lambda: check_charts(browser, document))
 
 
 if __name__ == "__main__":

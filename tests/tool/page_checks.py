@@ -98,7 +98,7 @@ def check_drawn(browser, colours, is_drawn):
     raise AssertionError(counts)
 
 
-def check_page(browser, page, images, check_content, check_charts, look=lambda name: None):
+def check_page(browser, page, images, check_content, check_charts):
     """It asks for nothing but itself, each of its images is there and has words, and its charts are drawn however it is shown."""
     browser.resize(1280, 900)
     browser.open(page)
@@ -109,10 +109,8 @@ def check_page(browser, page, images, check_content, check_charts, look=lambda n
     check_charts()
     check_content()
     browser.resize(1280, browser.run("return document.documentElement.scrollHeight"))
-    look("desktop")
     browser.emulate(features=DARK)
     check_charts()
-    look("dark")
     browser.emulate(media="print", features=DARK)
     assert browser.run("return getComputedStyle(document.body).getPropertyValue('--ink').trim()") == "#26282e"
     check_charts()
@@ -120,6 +118,5 @@ def check_page(browser, page, images, check_content, check_charts, look=lambda n
     browser.resize(360, 740)
     assert browser.run("return document.documentElement.scrollWidth") <= 360
     check_charts()
-    look("phone")
     console = browser.console()
     assert console == [], console

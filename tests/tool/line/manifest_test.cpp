@@ -62,19 +62,6 @@ TEST(Manifest, NeedsItsColumns) {
         EXPECT_THROW(modules_of(text), Failure) << text;
 }
 
-// In parts of a few serials, as where they do not fit the memory at once.
-TEST(Manifest, TellsTheSerialsThatRepeat) {
-    std::string text = "serial,files\n";
-    for (const char* serial : {"A1", "A2", "A1", "A3", "A4", "A2", "A5", "A1", "A6"})
-        text += serial + std::string(",a\n");
-    const fuzz::MemoryFile file(text);
-    for (const size_t at_once : {size_t{1}, size_t{2}, size_t{5}, size_t{1000}}) {
-        const ManifestSurvey survey = survey_manifest(file.path(), {1, 1}, at_once);
-        EXPECT_EQ(survey.modules, 9U);
-        EXPECT_EQ(survey.repeats, (std::vector<uint64_t>{4, 7, 9})) << at_once;
-    }
-}
-
 // sha256sum and another program's modulo computed the hashes and the shares.
 TEST(Shard, IsChosenByTheSerialAlone) {
     EXPECT_EQ(hash_of_serial("A0001"), 0x2B348918419ECC2DU);

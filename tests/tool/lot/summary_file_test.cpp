@@ -71,20 +71,11 @@ TEST(SummaryFile, WithAnyNumberChangedIsRefusedOrSound) {
     const std::string body = whole.substr(0, whole.size() - 4);
     ASSERT_EQ(with_checksum(body), whole);
     ASSERT_TRUE(reads_soundly(whole));
-    const std::vector<std::string> numbers = {{},
-                                              {'\0'},
-                                              "\1",
-                                              "\2",
-                                              "\3",
-                                              "\x7f",
-                                              "\x80",
-                                              "\xff",
-                                              "\x80\x80\x80\x80\x10",
-                                              "\x81\x80\x80\x80\x80\x20",
-                                              "\xfe\xff\xff\xff\xff\xff\xff\xff\xff\1",
-                                              "\xff\xff\xff\xff\xff\xff\xff\xff\xff\1",
-                                              std::string(9, '\xff') + '\2',
-                                              std::string(11, '\xff')};
+    std::vector<std::string> numbers = {"", "\1", "\2", "\3", "\x7f", "\x80", "\xff"};
+    for (const char* last : {"", "\1", "\2", "\xff\xff"})
+        numbers.push_back(std::string(9, '\xff') + last);
+    numbers.insert(numbers.end(), {std::string(1, '\0'), "\x80\x80\x80\x80\x10", "\x81\x80\x80\x80\x80\x20",
+                                   '\xfe' + std::string(8, '\xff') + '\1'});
     size_t refused = 0;
     for (size_t at = body.find('\n') + 1; at < body.size(); ++at)
         for (const std::string& number : numbers)
@@ -101,15 +92,13 @@ TEST(SummaryFile, WithAnyNumberChangedIsRefusedOrSound) {
 
 TEST(LotSummary, TakesNoModuleOfAKindThatCannotBe) {
     EXPECT_EQ(LotSummary().add(module_of(0), "x:1"), LotSummary::Taken::yes);
-    int ResultFrame::*const sides[] = {&ResultFrame::width, &ResultFrame::height, &ResultFrame::bits};
-    for (const auto side : sides) {
+    for (const auto side : {&ResultFrame::width, &ResultFrame::height, &ResultFrame::bits}) {
         ResultLine result = module_of(0);
         result.frame.value().*side -= 3;
         EXPECT_THROW(LotSummary().add(result, "x:1"), Failure) << result.frame->width;
     }
-    int ResultGrid::*const numbers[] = {&ResultGrid::algorithm, &ResultGrid::step, &ResultGrid::width,
-                                        &ResultGrid::height};
-    for (const auto number : numbers) {
+    for (const auto number :
+         {&ResultGrid::algorithm, &ResultGrid::step, &ResultGrid::width, &ResultGrid::height}) {
         ResultLine result = module_of(0);
         result.grid.value().*number += 60;
         EXPECT_THROW(LotSummary().add(result, "x:1"), Failure) << result.grid->step;
