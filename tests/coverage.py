@@ -18,7 +18,7 @@ import re
 import subprocess
 import sys
 
-LEAST = {"src": 99.0, "tool": 92.0}  # per cent
+LEAST = {"src": 99.0, "tool": 95.0}  # per cent
 
 
 def taken_branches(build):
@@ -34,7 +34,7 @@ def taken_branches(build):
                                *objects], capture_output=True, check=True).stdout
     taken = collections.defaultdict(lambda: [0, 0])
     for file in json.loads(exported)["data"][0]["files"]:
-        name = os.path.relpath(file["filename"])
+        name = os.path.relpath(file["filename"]).removeprefix("../../")  # that of ccache's objects, from the build's folder
         for line, column, _, _, true, false, *_ in file["branches"]:
             taken[name, line, column][0] += true
             taken[name, line, column][1] += false
