@@ -82,8 +82,6 @@ for number, opcodes in enumerate((
         opcode_list(maps[:3] + [gain_map(3, W, H, 1, 1, [0.0])]))):
     dng(f"bad_{number:02}.dng", opcodes)
 dng("bad_pattern.dng", whole, pattern="RGGG")
-dng("bad_not_cfa.dng", whole, extra={262: (3, [34892])})
-dng("bad_area.dng", whole, active=(10, 10, 10, 10))
 # Levels in each type of number, and some that are none.
 for number, tags in enumerate((*({50714: (kind, [60, 61, 62, 63])} for kind in (1, 3, 4, 6, 8, 9, 11, 12)),
                                {50714: (10, [(120 + 2 * p, 2) for p in range(4)])}, {50714: (3, [64])}, {50714: (8, [60, -1, 62, 63])},
@@ -92,15 +90,14 @@ for number, tags in enumerate((*({50714: (kind, [60, 61, 62, 63])} for kind in (
 dng("levels_none.dng", whole, extra={50714: None, 50717: None})
 for name, tags in (("repeat", {33421: (3, [6, 6])}), ("no_width", {256: None}), ("no_height", {257: None}), ("low_colour", {33422: (6, [0, -1, 1, 2])}),
                    ("high_colour", {33422: (1, [0, 1, 3, 2])}), ("kind_13", {262: (13, [34892])}), ("kind_14", {262: (14, [32803])}),
-                   ("list_beyond", {51009: (14, [7])})):
+                   ("list_beyond", {51009: (14, [7])}), ("not_cfa", {262: (3, [34892])}), ("area", {50829: (4, [10, 10, 10, 10])}),
+                   ("narrow", {50829: (4, [0, 0, H, 1])}), ("low", {50829: (4, [0, 0, 1, W])}), ("wide", {50829: (4, [0, 0, H, 70000])}),
+                   ("high", {50829: (4, [0, 0, 70000, W])})):
     dng(f"bad_{name}.dng", whole, extra=tags)
-for number, area in enumerate(((0, 0, H, 1), (0, 0, 1, W), (0, 0, H, 70000), (0, 0, 70000, W))):
-    dng(f"bad_area_{number}.dng", whole, active=area)
 
 
 def directory(*entries, promised=None):
-    count = len(entries) if promised is None else promised
-    return struct.pack("<H", count) + b"".join(struct.pack("<HHII", *entry) for entry in entries) + bytes(4)
+    return struct.pack("<H", promised or len(entries)) + b"".join(struct.pack("<HHII", *entry) for entry in entries) + bytes(4)
 
 
 # More entries than there are, directories below that are nowhere or in a circle, an opcode list longer than any, or than the file.
@@ -113,9 +110,6 @@ pathlib.Path("bad_cut.dng").write_bytes(pathlib.Path("good.dng").read_bytes()[:4
 pathlib.Path("bad_header.dng").write_bytes(b"II*\0\xff\xff\0\0")
 
 gains = " ".join(str(1024 + i) for i in range(4 * 5 * 5))
-write("tables.txt", gains)
-write("bad_less.txt", gains[:gains.rindex(" ")])
-write("bad_more.txt", gains + "\n1")
-write("bad_word.txt", gains.replace("1030", "10.3"))
-write("bad_high.txt", gains.replace("1030", "65536"))
-write("bad_empty.txt", "\n")
+for name, text in (("tables", gains), ("bad_less", gains[:gains.rindex(" ")]), ("bad_more", gains + "\n1"), ("bad_empty", "\n"),
+                   ("bad_word", gains.replace("1030", "10.3")), ("bad_high", gains.replace("1030", "65536"))):
+    write(name + ".txt", text)
