@@ -172,8 +172,17 @@ std::optional<BayerPattern> pattern_of(LibRaw& raw, const SampleArea& area) {
 }
 
 // LibRaw splits black levels in a common part, one for each colour and one for each place in a repeated
-// block; a level below 0 has wrapped.
-BlackLevel black_of(const InputFile& file, LibRaw& raw, const SampleArea& area) {
+// block. A level below 0, which some processors make 0 and others a large number, is seen where it stands.
+BlackLevel black_of(InputFile& file, LibRaw& raw, const SampleArea& area) {
+    if (raw.imgdata.idata.dng_version != 0) {
+        constexpr uint16_t black_level_tag = 50714;
+        TiffFile tiff(file);
+        const TiffDirectory directory = tiff.mosaic_directory();
+        const TiffEntry* const tag = directory.find(black_level_tag);
+        for (const double level : tag != nullptr ? tiff.numbers(*tag, 4) : std::vector<double>())
+            if (!(level >= 0 && level <= 65535))
+                data_failure("{}: has a black level of {}: expected 0 to 65535", file.path(), level);
+    }
     const auto& colour = raw.imgdata.color;
     const unsigned rows = colour.cblack[4], columns = colour.cblack[5];
     BlackLevel black{};
