@@ -55,9 +55,24 @@ void check(const InputFile& file, int status) {
         data_failure("{}: cannot be read as a camera's raw file: {}", file.path(), libraw_strerror(status));
 }
 
+constexpr const char* other_sensor =
+    "{}: is not a Bayer mosaic: frames of other sensors cannot be calibrated";
+
+// LibRaw 0.20 writes a pattern of 6 x 6 over data of its own.
+void refuse_wide_patterns(InputFile& file) {
+    constexpr uint16_t cfa_pattern = 33422;
+    constexpr uint32_t widest = 16;
+    for (const TiffDirectory& directory : TiffFile(file).directories())
+        for (const TiffEntry& entry : directory.entries)
+            if (entry.tag == cfa_pattern && entry.count > widest)
+                data_failure(other_sensor, file.path());
+}
+
 std::unique_ptr<LibRaw> open_raw(InputFile& file) {
     if (extension_of(file.path()) == ".dng" && !begins_tiff(file.head()))
         data_failure("{}: is not a DNG: it does not begin as a TIFF does", file.path());
+    if (begins_tiff(file.head()))
+        refuse_wide_patterns(file);
     auto raw = std::make_unique<LibRaw>();
     raw->imgdata.params.max_raw_memory_mb = most_memory;
     raw->set_dataerror_handler(nullptr, nullptr);
@@ -66,7 +81,7 @@ std::unique_ptr<LibRaw> open_raw(InputFile& file) {
     check(file, file.size() == held.size() ? raw->open_buffer(const_cast<char*>(held.data()), held.size())
                                            : raw->open_file(file.path().c_str()));
     if (raw->imgdata.idata.filters < 1000 || raw->imgdata.idata.colors < 3)
-        data_failure("{}: is not a Bayer mosaic: frames of other sensors cannot be calibrated", file.path());
+        data_failure(other_sensor, file.path());
     const auto& sizes = raw->imgdata.sizes;
     if (sizes.left_margin + sizes.width > sizes.raw_width
         || sizes.top_margin + sizes.height > sizes.raw_height || sizes.width < 2 || sizes.height < 2)
