@@ -6,4 +6,5 @@ shift
 listed=$(mktemp)
 trap 'rm -f "$listed"' EXIT
 cat "$@" | c++filt | sort >"$listed"
+# shellcheck disable=SC2016  # a pattern
 "$bench" --rounds 0 --functions --brief | sed -n 's/^| `\(.*\)` | .*/\1/p' | sort | diff "$listed" -
