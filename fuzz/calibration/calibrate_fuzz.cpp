@@ -1,5 +1,7 @@
 // Calibration by sampling and by the surface fit, with any record on any frame, at any instruction set,
 // against their plain forms.
+#include <cstdlib>
+
 #include "calibration/beta_plain.h"
 #include "calibration/orvel_plain.h"
 #include "support/allocations.h"
@@ -37,8 +39,8 @@ void compare_sampling(Request& r, Tables tables) {
     const int32_t status = run(lsc2d_calibration_orvel, r, tables);
     uint16_t* list[4] = {expected[0].data(), expected[1].data(), expected[2].data(), expected[3].data()};
     const int64_t radius = r.param.filter_radius;
-    const int64_t side = 2 * radius + 1;
-    if (radius > largest_compared_radius || r.nx * side * r.ny * side > most_compared_samples)
+    const int64_t side = 2 * radius + 1, nodes = static_cast<int64_t>(expected[0].size());
+    if (std::abs(radius) > largest_compared_radius || nodes * side * side > most_compared_samples)
         return;
     if (status == 0)
         zerklsc::plain::calibrate_orvel(r.raw.data(), r.width, r.height, list, r.nx, r.ny, r.param);

@@ -140,8 +140,8 @@ std::optional<std::vector<uint16_t>> read_scattered(InputFile& file, const Sampl
 }
 
 // The same mistake cannot be mended here with fewer bits, nor with lossless JPEG, of which LibRaw reads the
-// first strip alone.
-void check_in_one_piece(InputFile& file, LibRaw& raw) {
+// first strip alone, and whatever number of samples that promises.
+void check_as_libraw_reads(InputFile& file, LibRaw& raw) {
     const bool uncompressed = is_uncompressed(raw);
     if (!uncompressed && decoder_of(raw) != "lossless_dng_load_raw()")
         return;
@@ -156,6 +156,8 @@ void check_in_one_piece(InputFile& file, LibRaw& raw) {
     if (!uncompressed && strip_count(directory) > 1)
         data_failure("{}: holds compressed samples in {} strips: write it in one strip, or in tiles",
                      file.path(), strip_count(directory));
+    if (!uncompressed)
+        check_jpeg_sizes(tiff, directory);
 }
 
 std::vector<uint16_t> read_plain(InputFile& file, LibRaw& raw, const SampleArea& area) {
@@ -248,7 +250,7 @@ RawFrame read_camera_raw(InputFile& file, const RawHints&) {
     frame.lens = data.lens.Lens;
     const bool plain = is_plain(*raw);
     if (!plain)
-        check_in_one_piece(file, *raw);
+        check_as_libraw_reads(file, *raw);
     frame.samples = plain ? read_plain(file, *raw, area) : unpack(file, *raw, area);
     set_depth(frame, data.color.maximum);
     frame.black = black_of(file, *raw, area);

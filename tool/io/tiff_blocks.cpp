@@ -1,4 +1,4 @@
-// strip_count, is_in_one_piece, read_blocks
+// strip_count, is_in_one_piece, check_jpeg_sizes, read_blocks
 #include "io/tiff_blocks.h"
 
 #include <algorithm>
@@ -72,6 +72,34 @@ Blocks blocks_of(TiffFile& tiff, const TiffDirectory& directory) {
     return blocks;
 }
 
+// All of the mosaic, whatever number of rows a strip is said to have.
+Blocks one_strip(TiffFile& tiff, const TiffDirectory& directory) {
+    return {number(tiff, directory, image_width, 0),
+            number(tiff, directory, image_height, 0),
+            1,
+            {static_cast<double>(number(tiff, directory, strip_offsets, 0))}};
+}
+
+// The most samples that a header of a JPEG promises before its scan; 0 where none begins there.
+uint64_t jpeg_samples(TiffFile& tiff, uint64_t at) {
+    constexpr uint64_t begin_of_image = 0xFFD8, begin_of_scan = 0xFFDA;
+    constexpr int most_segments = 64;
+    const auto word = [&](uint64_t from) { return tiff.word(from, 1) << 8 | tiff.word(from + 1, 1); };
+    if (word(at) != begin_of_image)
+        return 0;
+    at += 2;
+    uint64_t most = 0;
+    for (int segments = 0; word(at) >= 0xFF00 && word(at) != begin_of_scan; ++segments) {
+        if (segments == most_segments)
+            return UINT64_MAX;
+        const bool is_frame = word(at) == 0xFFC0 || word(at) == 0xFFC1 || word(at) == 0xFFC3;
+        if (is_frame)
+            most = std::max(most, word(at + 5) * word(at + 7) * tiff.word(at + 9, 1));
+        at += 2 + word(at + 2);
+    }
+    return most;
+}
+
 } // namespace
 
 uint32_t strip_count(const TiffDirectory& directory) {
@@ -91,6 +119,16 @@ bool is_in_one_piece(TiffFile& tiff, const TiffDirectory& directory) {
         if (begin[k] != begin[k - 1] + size[k - 1])
             return false;
     return true;
+}
+
+void check_jpeg_sizes(TiffFile& tiff, const TiffDirectory& directory) {
+    constexpr uint64_t tolerance = 2; // for writers that round sizes up
+    const Blocks blocks = is_tiled(directory) ? blocks_of(tiff, directory) : one_strip(tiff, directory);
+    for (const double offset : blocks.offsets)
+        if (jpeg_samples(tiff, static_cast<uint64_t>(offset)) > tolerance * blocks.width * blocks.height)
+            data_failure("{}: promises more compressed samples than the {} x {} of a strip or tile: the file "
+                         "is damaged",
+                         tiff.path(), blocks.width, blocks.height);
 }
 
 std::vector<uint16_t> read_blocks(InputFile& file, TiffFile& tiff, const TiffDirectory& directory,

@@ -19,6 +19,10 @@ uint32_t strip_count(const TiffDirectory& directory);
 // Whether the mosaic is in strips of which each begins where the one before ends.
 bool is_in_one_piece(TiffFile& tiff, const TiffDirectory& directory);
 
+// A data failure where the lossless JPEG of the one strip or of a tile promises more samples than that has: a
+// decoder would go through all of them.
+void check_jpeg_sizes(TiffFile& tiff, const TiffDirectory& directory);
+
 // The 16-bit samples of an area, row by row; a data failure where strips or tiles do not cover the mosaic, or
 // end behind the file.
 std::vector<uint16_t> read_blocks(InputFile& file, TiffFile& tiff, const TiffDirectory& directory,

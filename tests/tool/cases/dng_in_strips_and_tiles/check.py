@@ -37,6 +37,9 @@ if sys.argv[1] == "make":
         pathlib.Path(f"bad_{name}.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, tile=tile, forward=True, extra=tags))
     pathlib.Path("bad_big.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, compressed=True,
                                                      extra={256: (4, [40000]), 257: (4, [40000])}))
+    pathlib.Path("bad_jpeg.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, compressed=True, extra={257: (4, [HEIGHT // 2 - 2])}))
+    pathlib.Path("bad_jpeg_tiles.dng").write_bytes(make_dng(WIDTH, HEIGHT, "RGGB", sample, compressed=True, tile=(64, 48),
+                                                            extra={257: (4, [60]), 323: (4, [20])}))
     for name, tags in (("width", {256: (4, [1])}), ("pair", {258: (3, [16, 16])}), ("no_sizes", {325: (2, b"")}), ("float_side", {322: (11, [-1.0])}),
                        ("no_strips", {324: (2, b"")}), ("colour", {33422: (1, [0, 3, 3, 2])}), ("curve", {50712: (3, [60 * k for k in range(1001)])}),
                        ("area_a", {50829: (4, [0, 0, HEIGHT + 9, WIDTH])}), ("area_b", {50829: (4, [0, 0, HEIGHT, WIDTH + 9])}),
