@@ -14,9 +14,11 @@ const char* verdict_of(ExitCode code, bool doubtful) {
         return "fail";
     case exit_input:
         return "refuse";
-    default:
-        return "error";
+    case exit_usage:
+    case exit_system:
+        break;
     }
+    return "error";
 }
 
 } // namespace

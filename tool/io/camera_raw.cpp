@@ -25,16 +25,17 @@ constexpr std::array extensions{".dng", ".cr2", ".cr3", ".nef", ".nrw", ".arw", 
 bool says_dng(std::string_view head) {
     constexpr unsigned dng_version = 50706;
     const bool big = head.starts_with("MM");
-    const auto number = [&](size_t at, size_t bytes) {
+    const auto number = [&](uint64_t at, size_t bytes) {
         unsigned value = 0;
         for (size_t i = 0; i < bytes && at + bytes <= head.size(); ++i)
-            value |= unsigned{static_cast<unsigned char>(head[at + i])} << 8 * (big ? bytes - 1 - i : i);
+            value |= unsigned{static_cast<unsigned char>(head[static_cast<size_t>(at + i)])}
+                     << 8 * (big ? bytes - 1 - i : i);
         return value;
     };
     if ((!big && !head.starts_with("II")) || number(2, 2) != 42)
         return false;
-    const size_t directory = number(4, 4);
-    for (size_t i = 0; i < number(directory, 2); ++i)
+    const uint64_t directory = number(4, 4); // of 64 bits, which does not wrap below
+    for (uint64_t i = 0; i < number(directory, 2); ++i)
         if (number(directory + 2 + 12 * i, 2) == dng_version)
             return true;
     return false;
@@ -205,7 +206,7 @@ BlackLevel black_of(InputFile& file, LibRaw& raw, const SampleArea& area) {
     BlackLevel black{};
     for (unsigned plane = 0; plane < 4; ++plane) {
         unsigned level = colour.black + colour.cblack[colour_of_plane(raw, area, plane)];
-        if (rows * columns != 0)
+        if (rows != 0 && columns != 0)
             level += colour.cblack[6 + (plane >> 1) % rows * columns + (plane & 1) % columns];
         black[plane] = static_cast<int>(level);
         if (level > 65535)

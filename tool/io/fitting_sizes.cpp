@@ -92,9 +92,15 @@ std::vector<Size> candidates(uint64_t size, const RawHints& hints) {
 
 uint64_t packed_row_bytes(Packing packing, int width) {
     const auto samples = static_cast<uint64_t>(width);
-    return packing == Packing::raw10   ? (samples + 3) / 4 * 5
-           : packing == Packing::raw12 ? (samples + 1) / 2 * 3
-                                       : 2 * samples;
+    switch (packing) {
+    case Packing::raw10:
+        return (samples + 3) / 4 * 5;
+    case Packing::raw12:
+        return (samples + 1) / 2 * 3;
+    case Packing::words:
+        break;
+    }
+    return 2 * samples;
 }
 
 RowLayout headerless_layout(const InputFile& file, const RawHints& hints, Packing packing) {

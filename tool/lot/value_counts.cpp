@@ -10,13 +10,16 @@
 namespace zerklsc::tool {
 namespace {
 
-// The value of a rank from 0 on that is below the sum of the counts, in a rising list of values and counts.
+// The value of a rank from 0 on, in a rising list of values and counts.
 template <class Value>
 Value value_at(const std::vector<std::pair<Value, uint32_t>>& list, uint64_t rank) {
-    auto at = list.begin();
-    for (uint64_t before = at->second; before <= rank; before += at->second)
-        ++at;
-    return at->first;
+    uint64_t before = 0;
+    for (const auto& [value, count] : list) {
+        before += count;
+        if (before > rank)
+            return value;
+    }
+    return {};
 }
 
 template <class Value>
