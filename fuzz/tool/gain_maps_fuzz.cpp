@@ -19,12 +19,11 @@ constexpr uint16_t gain = 1536; // of every node: 1.5
 // Tables for the frame that the file says it has.
 GainTables tables_for(const std::string& path) {
     InputFile file(path);
-    TiffFile tiff(file);
-    const TiffDirectory directory = tiff.mosaic_directory();
-    const FrameSize size = mosaic_size(tiff, directory);
+    DngMosaic mosaic(file);
+    const FrameSize size = mosaic.size();
     if (size.width > largest_frame || size.height > largest_frame)
         data_failure("{}: would take long", path);
-    GainTables tables = empty_tables(size.width, size.height, 255, mosaic_pattern(tiff, directory));
+    GainTables tables = empty_tables(size.width, size.height, 255, mosaic.pattern());
     for (auto& gains : tables.gains)
         gains.assign(tables.table_size(), gain);
     return tables;

@@ -6,11 +6,10 @@
 #include <algorithm>
 #include <bit>
 
-#include "convert/dng_tags.h"
 #include "convert/target_grid.h"
 #include "convert/tiff_writer.h"
 #include "failure.h"
-#include "io/tiff_file.h"
+#include "io/dng_mosaic.h"
 #include "zerklsc.h"
 
 namespace zerklsc::tool {
@@ -73,44 +72,44 @@ std::string opcode_list(const GainTables& tables) {
 
 void add_mosaic(TiffWriter& tiff, const RawFrame& frame) {
     const auto width = static_cast<uint32_t>(frame.width), height = static_cast<uint32_t>(frame.height);
-    tiff.add_longs(254, {0}); // NewSubfileType: the main image
-    tiff.add_longs(256, {width});
-    tiff.add_longs(257, {height});
-    tiff.add_shorts(258, {16});     // BitsPerSample
-    tiff.add_shorts(259, {1});      // Compression: none
-    tiff.add_shorts(262, {32803});  // PhotometricInterpretation: colour filter array
-    tiff.add_shorts(274, {1});      // Orientation
-    tiff.add_shorts(277, {1});      // SamplesPerPixel
-    tiff.add_longs(278, {height});  // RowsPerStrip
-    tiff.add_shorts(284, {1});      // PlanarConfiguration
-    tiff.add_shorts(33421, {2, 2}); // CFARepeatPatternDim
+    tiff.add_longs(tag::new_subfile_type, {0}); // the main image
+    tiff.add_longs(tag::image_width, {width});
+    tiff.add_longs(tag::image_length, {height});
+    tiff.add_shorts(tag::bits_per_sample, {16});
+    tiff.add_shorts(tag::compression, {1}); // none
+    tiff.add_shorts(tag::photometric_interpretation, {tag::colour_filter_array});
+    tiff.add_shorts(tag::orientation, {1});
+    tiff.add_shorts(tag::samples_per_pixel, {1});
+    tiff.add_longs(tag::rows_per_strip, {height});
+    tiff.add_shorts(tag::planar_configuration, {1});
+    tiff.add_shorts(tag::cfa_repeat_pattern_dim, {2, 2});
     std::vector<uint8_t> colours;
     for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane) {
         constexpr std::array<uint8_t, 4> dng_colour{0, 1, 1, 2};
         colours.push_back(dng_colour[static_cast<size_t>(colour_of_plane(*frame.pattern, plane))]);
     }
-    tiff.add_bytes(33422, colours);               // CFAPattern
-    tiff.add_longs(50829, {0, 0, height, width}); // ActiveArea
+    tiff.add_bytes(tag::cfa_pattern, colours);
+    tiff.add_longs(tag::active_area, {0, 0, height, width});
 }
 
 void add_levels(TiffWriter& tiff, const RawFrame& frame) {
     const BlackLevel black = frame.black.value_or(BlackLevel{});
-    tiff.add_shorts(50713, {2, 2}); // BlackLevelRepeatDim
-    tiff.add_shorts(50714, std::vector<uint16_t>(black.begin(), black.end()));
-    tiff.add_longs(50717, {static_cast<uint32_t>(frame.white_level())});
+    tiff.add_shorts(tag::black_level_repeat_dim, {2, 2});
+    tiff.add_shorts(tag::black_level, std::vector<uint16_t>(black.begin(), black.end()));
+    tiff.add_longs(tag::white_level, {static_cast<uint32_t>(frame.white_level())});
 }
 
 void add_camera(TiffWriter& tiff, const RawFrame& frame) {
     const std::string camera = frame.camera.empty() ? "Unknown Bayer sensor" : frame.camera;
     const size_t space = camera.find(' '); // between make and model
-    tiff.add_text(271, camera.substr(0, space));
-    tiff.add_text(272, camera.substr(space + 1));
-    tiff.add_text(50708, camera);
-    tiff.add_bytes(50706, {1, 4, 0, 0});          // DNGVersion
-    tiff.add_bytes(50707, {1, 3, 0, 0});          // DNGBackwardVersion
-    tiff.add_rationals(50721, xyz_to_srgb, true); // ColorMatrix1
-    tiff.add_rationals(50728, {1, 1, 1}, false);  // AsShotNeutral
-    tiff.add_shorts(50778, {21});                 // CalibrationIlluminant1: D65
+    tiff.add_text(tag::make, camera.substr(0, space));
+    tiff.add_text(tag::model, camera.substr(space + 1));
+    tiff.add_text(tag::unique_camera_model, camera);
+    tiff.add_bytes(tag::dng_version, {1, 4, 0, 0});
+    tiff.add_bytes(tag::dng_backward_version, {1, 3, 0, 0});
+    tiff.add_rationals(tag::color_matrix_1, xyz_to_srgb, true);
+    tiff.add_rationals(tag::as_shot_neutral, {1, 1, 1}, false);
+    tiff.add_shorts(tag::calibration_illuminant_1, {21}); // D65
 }
 
 constexpr uint16_t undefined_type = 7;
@@ -124,7 +123,7 @@ std::string word(uint64_t value, size_t size, bool big_endian) {
 
 // An entry of a directory for a value that stands elsewhere.
 std::string opcode_entry(const std::string& list, uint64_t at, bool big_endian) {
-    return word(opcode_list_2, 2, big_endian) + word(undefined_type, 2, big_endian)
+    return word(tag::opcode_list_2, 2, big_endian) + word(undefined_type, 2, big_endian)
            + word(list.size(), 4, big_endian) + word(at, 4, big_endian);
 }
 
@@ -135,9 +134,9 @@ std::string with_entry(const std::string& file, const TiffDirectory& directory, 
     std::string bytes = word(directory.entries.size() + 1, 2, big_endian);
     bool inserted = false;
     for (const TiffEntry& old : directory.entries) {
-        if (!inserted && old.tag > opcode_list_2)
+        if (!inserted && old.tag > tag::opcode_list_2)
             bytes += entry;
-        inserted = inserted || old.tag > opcode_list_2;
+        inserted = inserted || old.tag > tag::opcode_list_2;
         bytes += file.substr(static_cast<size_t>(old.at), entry_bytes);
     }
     if (!inserted)
@@ -148,17 +147,17 @@ std::string with_entry(const std::string& file, const TiffDirectory& directory, 
     return bytes + next;
 }
 
-void check_frame(TiffFile& tiff, const TiffDirectory& directory, const GainTables& tables,
-                 const std::string& tables_path) {
-    const FrameSize size = mosaic_size(tiff, directory);
+void check_frame(DngMosaic& mosaic, const GainTables& tables, const std::string& tables_path) {
+    const FrameSize size = mosaic.size();
     if (size.width != tables.raw_width || size.height != tables.raw_height)
         data_failure("{}: is for frames of {} x {}, but the active area of {} is {} x {}: resample it first",
-                     tables_path, tables.raw_width, tables.raw_height, tiff.path(), size.width, size.height);
-    const BayerPattern pattern = mosaic_pattern(tiff, directory);
+                     tables_path, tables.raw_width, tables.raw_height, mosaic.path(), size.width,
+                     size.height);
+    const BayerPattern pattern = mosaic.pattern();
     if (pattern != tables.pattern)
         data_failure(
             "{}: is for the Bayer pattern {}, but {} is {}: take the tables of this module and orientation",
-            tables_path, name_of(tables.pattern), tiff.path(), name_of(pattern));
+            tables_path, name_of(tables.pattern), mosaic.path(), name_of(pattern));
 }
 
 std::string whole_file(InputFile& file) {
@@ -178,24 +177,25 @@ std::string whole_file(InputFile& file) {
 std::string insert_gain_maps(const std::string& path, const GainTables& tables,
                              const std::string& tables_path, bool replace) {
     InputFile file(path);
-    TiffFile tiff(file);
-    const TiffDirectory directory = tiff.mosaic_directory();
-    check_frame(tiff, directory, tables, tables_path);
-    const TiffEntry* const existing = directory.find(opcode_list_2);
+    DngMosaic mosaic(file);
+    const TiffDirectory& directory = mosaic.directory;
+    check_frame(mosaic, tables, tables_path);
+    const TiffEntry* const existing = directory.find(tag::opcode_list_2);
     if (existing != nullptr && !replace)
         data_failure("{}: has an OpcodeList2 of its own: give --replace to put the gain maps in its place",
                      path);
     std::string bytes = whole_file(file);
     const std::string list = opcode_list(tables);
-    const std::string entry = opcode_entry(list, bytes.size(), tiff.big_endian());
+    const std::string entry = opcode_entry(list, bytes.size(), mosaic.tiff.big_endian());
     const std::string grown =
-        existing == nullptr ? with_entry(bytes, directory, entry, tiff.big_endian()) : std::string();
+        existing == nullptr ? with_entry(bytes, directory, entry, mosaic.tiff.big_endian()) : std::string();
     bytes += list;
     if (existing != nullptr) {
         bytes.replace(static_cast<size_t>(existing->at), entry.size(), entry);
         return bytes;
     }
-    bytes.replace(static_cast<size_t>(directory.pointer_at), 4, word(bytes.size(), 4, tiff.big_endian()));
+    bytes.replace(static_cast<size_t>(directory.pointer_at), 4,
+                  word(bytes.size(), 4, mosaic.tiff.big_endian()));
     return bytes + grown;
 }
 
@@ -204,7 +204,7 @@ std::string encode_dng(const RawFrame& frame, const GainTables& tables) {
     add_mosaic(tiff, frame);
     add_levels(tiff, frame);
     add_camera(tiff, frame);
-    tiff.add_undefined(opcode_list_2, opcode_list(tables));
+    tiff.add_undefined(tag::opcode_list_2, opcode_list(tables));
     return tiff.bytes(frame.samples);
 }
 

@@ -9,16 +9,14 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "convert/dng_tags.h"
 #include "convert/shading_file.h"
 #include "failure.h"
-#include "io/tiff_file.h"
+#include "io/dng_mosaic.h"
 #include "zerklsc.h"
 
 namespace zerklsc::tool {
 namespace {
 
-constexpr uint16_t black_repeat = 50713, black_level = 50714, white_level = 50717;
 constexpr uint32_t gain_map_id = 9;
 constexpr double highest_gain = 64;
 
@@ -125,10 +123,10 @@ std::vector<GainMap> read_maps(const std::string& path, const std::string& list,
     return maps;
 }
 
-void read_levels(TiffFile& tiff, const TiffDirectory& directory, ShadingFile& file) {
-    const auto repeat = tag_values(tiff, directory, black_repeat, 2),
-               levels = tag_values(tiff, directory, black_level, 4);
-    const auto white = tag_values(tiff, directory, white_level, 1);
+void read_levels(DngMosaic& mosaic, ShadingFile& file) {
+    const auto repeat = mosaic.values(tag::black_level_repeat_dim, 2),
+               levels = mosaic.values(tag::black_level, 4);
+    const auto white = mosaic.values(tag::white_level, 1);
     const auto in_range = [](double level) { return level >= 0 && level <= 65535; };
     if (!white.empty() && in_range(white[0]))
         file.bits = std::clamp(static_cast<int>(std::bit_width(static_cast<unsigned>(white[0]))), 8, 16);
@@ -162,22 +160,21 @@ const GainMap& map_of_plane(const std::string& path, const std::vector<GainMap>&
 } // namespace
 
 ShadingFile read_gain_maps(InputFile& input) {
-    TiffFile tiff(input);
-    const TiffDirectory directory = tiff.mosaic_directory();
-    const TiffEntry* const opcodes = directory.find(opcode_list_2);
+    DngMosaic mosaic(input);
+    const TiffEntry* const opcodes = mosaic.directory.find(tag::opcode_list_2);
     if (opcodes == nullptr)
-        data_failure("{}: its mosaic has no OpcodeList2: expected a DNG with lens shading", tiff.path());
+        data_failure("{}: its mosaic has no OpcodeList2: expected a DNG with lens shading", mosaic.path());
     ShadingFile file;
     file.format = "dng";
-    const auto maps = read_maps(tiff.path(), tiff.bytes(*opcodes, largest_opcode_list), file.losses);
-    file.pattern = mosaic_pattern(tiff, directory);
-    read_levels(tiff, directory, file);
+    const auto maps = read_maps(mosaic.path(), mosaic.tiff.bytes(*opcodes, largest_opcode_list), file.losses);
+    file.pattern = mosaic.pattern();
+    read_levels(mosaic, file);
     ShadingSet set;
-    const FrameSize size = mosaic_size(tiff, directory);
+    const FrameSize size = mosaic.size();
     set.width = size.width & ~1;
     set.height = size.height & ~1;
     for (int plane = 0; plane < ZERKLSC_CHANNELS; ++plane) {
-        const GainMap& map = map_of_plane(tiff.path(), maps, plane, set);
+        const GainMap& map = map_of_plane(mosaic.path(), maps, plane, set);
         set.of(colour_of_plane(*file.pattern, plane)) = surface_of(map.grid);
         file.spacing_x = std::min(file.spacing_x, map.grid.x.spacing);
         file.spacing_y = std::min(file.spacing_y, map.grid.y.spacing);

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "convert/dng_tags.h"
 #include "convert/gain_surface.h"
 #include "convert/table_formats.h"
+#include "io/dng_mosaic.h"
 #include "io/input_file.h"
 
 namespace zerklsc::tool {

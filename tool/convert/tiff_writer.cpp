@@ -18,9 +18,6 @@ enum Type : uint16_t {
     srational = 10
 };
 
-constexpr uint16_t strip_offsets = 273;
-constexpr uint16_t strip_byte_counts = 279;
-
 void append(std::string& bytes, uint32_t value, int count) {
     for (int i = 0; i < count; ++i)
         bytes += static_cast<char>(value >> 8 * i & 0xFF);
@@ -65,14 +62,14 @@ void TiffWriter::add_undefined(uint16_t tag, const std::string& bytes) {
 }
 
 std::string TiffWriter::bytes(const std::vector<uint16_t>& samples) {
-    add_longs(strip_offsets, {0});
-    add_longs(strip_byte_counts, {static_cast<uint32_t>(2 * samples.size())});
+    add_longs(tag::strip_offsets, {0});
+    add_longs(tag::strip_byte_counts, {static_cast<uint32_t>(2 * samples.size())});
     constexpr size_t header_size = 8, count_size = 2, entry_size = 12, next_size = 4;
     size_t at = header_size + count_size + entry_size * entries_.size() + next_size;
     for (const auto& [tag, entry] : entries_)
         if (entry.value.size() > 4)
             at += (entry.value.size() + 1) / 2 * 2;
-    add_longs(strip_offsets, {static_cast<uint32_t>(at)});
+    add_longs(tag::strip_offsets, {static_cast<uint32_t>(at)});
 
     std::string file("II*\0\x08\0\0\0", header_size), values;
     append(file, static_cast<uint32_t>(entries_.size()), 2);

@@ -23,7 +23,6 @@ constexpr std::array extensions{".dng", ".cr2", ".cr3", ".nef", ".nrw", ".arw", 
 
 // Whether the first directory of a TIFF, where it stands in the head, has the tag DNGVersion.
 bool says_dng(std::string_view head) {
-    constexpr unsigned dng_version = 50706;
     const bool big = head.starts_with("MM");
     const auto number = [&](uint64_t at, size_t bytes) {
         unsigned value = 0;
@@ -36,7 +35,7 @@ bool says_dng(std::string_view head) {
         return false;
     const uint64_t directory = number(4, 4); // of 64 bits, which does not wrap below
     for (uint64_t i = 0; i < number(directory, 2); ++i)
-        if (number(directory + 2 + 12 * i, 2) == dng_version)
+        if (number(directory + 2 + 12 * i, 2) == tag::dng_version)
             return true;
     return false;
 }
@@ -61,11 +60,10 @@ constexpr const char* other_sensor =
 
 // LibRaw 0.20 writes a pattern of 6 x 6 over data of its own.
 void refuse_wide_patterns(InputFile& file) {
-    constexpr uint16_t cfa_pattern = 33422;
     constexpr uint32_t widest = 16;
     for (const TiffDirectory& directory : TiffFile(file).directories())
         for (const TiffEntry& entry : directory.entries)
-            if (entry.tag == cfa_pattern && entry.count > widest)
+            if (entry.tag == tag::cfa_pattern && entry.count > widest)
                 data_failure(other_sensor, file.path());
 }
 
@@ -112,14 +110,10 @@ bool is_plain(LibRaw& raw) {
 
 // LibRaw begins its frame a row or column further in where the corner of a DNG's active area is odd. The
 // frame of the file is that area, from whose corner its pattern and black levels repeat.
-SampleArea mosaic_area(InputFile& file, LibRaw& raw) {
+SampleArea mosaic_area(LibRaw& raw, DngMosaic* mosaic) {
     const auto& sizes = raw.imgdata.sizes;
     const SampleArea area{sizes.left_margin, sizes.top_margin, sizes.width, sizes.height};
-    if (raw.imgdata.idata.dng_version == 0)
-        return area;
-    TiffFile tiff(file);
-    const TiffDirectory directory = tiff.mosaic_directory();
-    const auto corners = active_area(tiff, directory);
+    const auto corners = mosaic == nullptr ? std::vector<double>{} : mosaic->active_area();
     const auto begins_at = [](double corner, uint64_t margin) {
         return corner == static_cast<double>(margin) || corner + 1 == static_cast<double>(margin);
     };
@@ -131,39 +125,27 @@ SampleArea mosaic_area(InputFile& file, LibRaw& raw) {
             static_cast<uint64_t>(corners[3] - corners[1]), static_cast<uint64_t>(corners[2] - corners[0])};
 }
 
-// LibRaw takes the samples of an uncompressed DNG to follow its first one row by row. Nothing where they do.
-std::optional<std::vector<uint16_t>> read_scattered(InputFile& file, const SampleArea& area) {
-    TiffFile tiff(file);
-    const TiffDirectory directory = tiff.mosaic_directory();
-    if (strip_count(directory) == 1)
-        return std::nullopt;
-    return read_blocks(file, tiff, directory, area);
-}
-
-// The same mistake cannot be mended here with fewer bits, nor with lossless JPEG, of which LibRaw reads the
-// first strip alone, and whatever number of samples that promises.
-void check_as_libraw_reads(InputFile& file, LibRaw& raw) {
+// LibRaw takes the samples of an uncompressed DNG to follow its first one row by row. Plain words are read
+// here wherever they stand; fewer bits are not, nor lossless JPEG, of which LibRaw reads the first strip
+// alone, and whatever number of samples that promises.
+void check_as_libraw_reads(LibRaw& raw, DngMosaic& mosaic) {
     const bool uncompressed = is_uncompressed(raw);
     if (!uncompressed && decoder_of(raw) != "lossless_dng_load_raw()")
         return;
-    TiffFile tiff(file);
-    const TiffDirectory directory = tiff.mosaic_directory();
     const unsigned bits = raw.get_internal_data_pointer()->unpacker_data.tiff_bps;
-    if (uncompressed && !is_in_one_piece(tiff, directory))
+    if (uncompressed && !is_in_one_piece(mosaic))
         data_failure(
             "{}: holds {}-bit samples{} in tiles or scattered strips, and only plain ones of 16 bits are "
             "read from there: write it in one strip, or compressed in tiles",
-            file.path(), bits, bits == 16 ? " for a linearization table" : "");
-    if (!uncompressed && strip_count(directory) > 1)
+            mosaic.path(), bits, bits == 16 ? " for a linearization table" : "");
+    if (!uncompressed && strip_count(mosaic) > 1)
         data_failure("{}: holds compressed samples in {} strips: write it in one strip, or in tiles",
-                     file.path(), strip_count(directory));
+                     mosaic.path(), strip_count(mosaic));
     if (!uncompressed)
-        check_jpeg_sizes(tiff, directory);
+        check_jpeg_sizes(mosaic);
 }
 
 std::vector<uint16_t> read_plain(InputFile& file, LibRaw& raw, const SampleArea& area) {
-    if (auto samples = read_scattered(file, area))
-        return std::move(*samples);
     const unpacker_data_t& unpacker = raw.get_internal_data_pointer()->unpacker_data;
     const uint64_t stride = 2 * uint64_t{raw.imgdata.sizes.raw_width};
     const uint64_t first = stride * area.top + 2 * area.left;
@@ -191,16 +173,11 @@ std::optional<BayerPattern> pattern_of(LibRaw& raw, const SampleArea& area) {
 
 // LibRaw splits black levels in a common part, one for each colour and one for each place in a repeated
 // block. A level below 0, which some processors make 0 and others a large number, is seen where it stands.
-BlackLevel black_of(InputFile& file, LibRaw& raw, const SampleArea& area) {
-    if (raw.imgdata.idata.dng_version != 0) {
-        constexpr uint16_t black_level_tag = 50714;
-        TiffFile tiff(file);
-        const TiffDirectory directory = tiff.mosaic_directory();
-        const TiffEntry* const tag = directory.find(black_level_tag);
-        for (const double level : tag != nullptr ? tiff.numbers(*tag, 4) : std::vector<double>())
+BlackLevel black_of(const InputFile& file, LibRaw& raw, DngMosaic* mosaic, const SampleArea& area) {
+    if (mosaic != nullptr)
+        for (const double level : mosaic->values(tag::black_level, 4))
             if (!(level >= 0 && level <= 65535))
                 data_failure("{}: has a black level of {}: expected 0 to 65535", file.path(), level);
-    }
     const auto& colour = raw.imgdata.color;
     const unsigned rows = colour.cblack[4], columns = colour.cblack[5];
     BlackLevel black{};
@@ -227,6 +204,17 @@ std::vector<uint16_t> unpack(const InputFile& file, LibRaw& raw, const SampleAre
     return samples;
 }
 
+std::vector<uint16_t> samples_of(InputFile& file, LibRaw& raw, DngMosaic* mosaic, const SampleArea& area) {
+    if (!is_plain(raw)) {
+        if (mosaic != nullptr)
+            check_as_libraw_reads(raw, *mosaic);
+        return unpack(file, raw, area);
+    }
+    if (mosaic != nullptr && strip_count(*mosaic) != 1)
+        return read_blocks(file, *mosaic, area);
+    return read_plain(file, raw, area);
+}
+
 void set_depth(RawFrame& frame, unsigned white) {
     // Some cameras deliver a little more than the level at which they clip.
     const int most = std::max(static_cast<int>(std::min(white, 65535U)), largest_sample(frame));
@@ -241,7 +229,11 @@ RawFrame read_camera_raw(InputFile& file, const RawHints&) {
     const auto& data = raw->imgdata;
     RawFrame frame;
     frame.format = data.idata.dng_version != 0 ? "DNG" : "camera raw";
-    SampleArea area = mosaic_area(file, *raw);
+    std::optional<DngMosaic> mosaic; // where LibRaw takes a DNG otherwise than it is meant
+    if (data.idata.dng_version != 0)
+        mosaic.emplace(file);
+    DngMosaic* const dng = mosaic ? &*mosaic : nullptr;
+    SampleArea area = mosaic_area(*raw, dng);
     area.width &= ~uint64_t{1};
     area.height &= ~uint64_t{1};
     frame.width = static_cast<int>(area.width);
@@ -249,12 +241,9 @@ RawFrame read_camera_raw(InputFile& file, const RawHints&) {
     frame.pattern = pattern_of(*raw, area);
     frame.camera = fmt::format("{} {}", data.idata.make, data.idata.model);
     frame.lens = data.lens.Lens;
-    const bool plain = is_plain(*raw);
-    if (!plain)
-        check_as_libraw_reads(file, *raw);
-    frame.samples = plain ? read_plain(file, *raw, area) : unpack(file, *raw, area);
+    frame.samples = samples_of(file, *raw, dng, area);
     set_depth(frame, data.color.maximum);
-    frame.black = black_of(file, *raw, area);
+    frame.black = black_of(file, *raw, dng, area);
     return frame;
 }
 

@@ -9,22 +9,19 @@
 namespace zerklsc::tool {
 namespace {
 
-constexpr uint16_t image_width = 256, image_height = 257, strip_offsets = 273, rows_per_strip = 278,
-                   strip_bytes = 279, tile_width = 322, tile_height = 323, tile_offsets = 324;
 constexpr uint64_t most_blocks = uint64_t{1} << 16;
 
 bool fits(double value) {
     return value >= 0 && value <= UINT32_MAX;
 }
 
-uint64_t number(TiffFile& tiff, const TiffDirectory& directory, uint16_t tag, uint64_t missing) {
-    const TiffEntry* const entry = directory.find(tag);
-    const auto values = entry == nullptr ? std::vector<double>{} : tiff.numbers(*entry, 1);
+uint64_t number(DngMosaic& mosaic, uint16_t tag, uint64_t missing) {
+    const auto values = mosaic.values(tag, 1);
     return values.empty() || !fits(values[0]) ? missing : static_cast<uint64_t>(values[0]);
 }
 
-bool is_tiled(const TiffDirectory& directory) {
-    return directory.find(tile_offsets) != nullptr;
+bool is_tiled(const DngMosaic& mosaic) {
+    return mosaic.directory.find(tag::tile_offsets) != nullptr;
 }
 
 // Equal rectangles, row by row.
@@ -42,27 +39,26 @@ bool follow_each_other(const Blocks& blocks, uint64_t width) {
     return blocks.width == width;
 }
 
-Blocks blocks_of(TiffFile& tiff, const TiffDirectory& directory) {
-    const uint64_t width = number(tiff, directory, image_width, 0),
-                   height = number(tiff, directory, image_height, 0);
-    const bool tiled = is_tiled(directory);
-    Blocks blocks{tiled ? number(tiff, directory, tile_width, 0) : width,
-                  tiled ? number(tiff, directory, tile_height, 0)
-                        : std::min(number(tiff, directory, rows_per_strip, height), height),
+Blocks blocks_of(DngMosaic& mosaic) {
+    const uint64_t width = number(mosaic, tag::image_width, 0), height = number(mosaic, tag::image_length, 0);
+    const bool tiled = is_tiled(mosaic);
+    Blocks blocks{tiled ? number(mosaic, tag::tile_width, 0) : width,
+                  tiled ? number(mosaic, tag::tile_length, 0)
+                        : std::min(number(mosaic, tag::rows_per_strip, height), height),
                   0,
                   {}};
-    const TiffEntry* const offsets = directory.find(tiled ? tile_offsets : strip_offsets);
+    const TiffEntry* const offsets = mosaic.directory.find(tiled ? tag::tile_offsets : tag::strip_offsets);
     const auto damaged = [&] {
-        data_failure("{}: says no strips or tiles of its mosaic: the file is damaged", tiff.path());
+        data_failure("{}: says no strips or tiles of its mosaic: the file is damaged", mosaic.path());
     };
     if (blocks.width == 0 || blocks.height == 0 || offsets == nullptr)
         damaged();
     blocks.across = (width + blocks.width - 1) / blocks.width;
     const uint64_t count = blocks.across * ((height + blocks.height - 1) / blocks.height);
     if (count > most_blocks || offsets->count != count)
-        data_failure("{}: names {} strips or tiles, but its mosaic of {} x {} has {} of {} x {}", tiff.path(),
-                     offsets->count, width, height, count, blocks.width, blocks.height);
-    blocks.offsets = tiff.numbers(*offsets, offsets->count);
+        data_failure("{}: names {} strips or tiles, but its mosaic of {} x {} has {} of {} x {}",
+                     mosaic.path(), offsets->count, width, height, count, blocks.width, blocks.height);
+    blocks.offsets = mosaic.tiff.numbers(*offsets, offsets->count);
     if (blocks.offsets.empty() || !std::ranges::all_of(blocks.offsets, fits))
         damaged();
     if (blocks.across == 1 && follow_each_other(blocks, width)) {
@@ -73,11 +69,11 @@ Blocks blocks_of(TiffFile& tiff, const TiffDirectory& directory) {
 }
 
 // All of the mosaic, whatever number of rows a strip is said to have.
-Blocks one_strip(TiffFile& tiff, const TiffDirectory& directory) {
-    return {number(tiff, directory, image_width, 0),
-            number(tiff, directory, image_height, 0),
+Blocks one_strip(DngMosaic& mosaic) {
+    return {number(mosaic, tag::image_width, 0),
+            number(mosaic, tag::image_length, 0),
             1,
-            {static_cast<double>(number(tiff, directory, strip_offsets, 0))}};
+            {static_cast<double>(number(mosaic, tag::strip_offsets, 0))}};
 }
 
 // The most samples that a header of a JPEG promises before its scan; 0 where none begins there.
@@ -102,40 +98,41 @@ uint64_t jpeg_samples(TiffFile& tiff, uint64_t at) {
 
 } // namespace
 
-uint32_t strip_count(const TiffDirectory& directory) {
-    const TiffEntry* const offsets = directory.find(strip_offsets);
-    return is_tiled(directory) || offsets == nullptr ? 0 : offsets->count;
+uint32_t strip_count(const DngMosaic& mosaic) {
+    const TiffEntry* const offsets = mosaic.directory.find(tag::strip_offsets);
+    return is_tiled(mosaic) || offsets == nullptr ? 0 : offsets->count;
 }
 
-bool is_in_one_piece(TiffFile& tiff, const TiffDirectory& directory) {
-    if (strip_count(directory) <= 1)
-        return strip_count(directory) == 1;
-    const TiffEntry* const offsets = directory.find(strip_offsets);
-    const TiffEntry* const bytes = directory.find(strip_bytes);
+bool is_in_one_piece(DngMosaic& mosaic) {
+    if (strip_count(mosaic) <= 1)
+        return strip_count(mosaic) == 1;
+    const TiffEntry* const offsets = mosaic.directory.find(tag::strip_offsets);
+    const TiffEntry* const bytes = mosaic.directory.find(tag::strip_byte_counts);
     if (bytes == nullptr || offsets->count > most_blocks || bytes->count != offsets->count)
         return false;
-    const auto begin = tiff.numbers(*offsets, offsets->count), size = tiff.numbers(*bytes, bytes->count);
+    const auto begin = mosaic.tiff.numbers(*offsets, offsets->count),
+               size = mosaic.tiff.numbers(*bytes, bytes->count);
     for (size_t k = 1; k < std::min(begin.size(), size.size()); ++k)
         if (begin[k] != begin[k - 1] + size[k - 1])
             return false;
     return true;
 }
 
-void check_jpeg_sizes(TiffFile& tiff, const TiffDirectory& directory) {
+void check_jpeg_sizes(DngMosaic& mosaic) {
     constexpr uint64_t tolerance = 2; // for writers that round sizes up
-    const Blocks blocks = is_tiled(directory) ? blocks_of(tiff, directory) : one_strip(tiff, directory);
+    const Blocks blocks = is_tiled(mosaic) ? blocks_of(mosaic) : one_strip(mosaic);
     for (const double offset : blocks.offsets)
-        if (jpeg_samples(tiff, static_cast<uint64_t>(offset)) > tolerance * blocks.width * blocks.height)
+        if (jpeg_samples(mosaic.tiff, static_cast<uint64_t>(offset))
+            > tolerance * blocks.width * blocks.height)
             data_failure("{}: promises more compressed samples than the {} x {} of a strip or tile: the file "
                          "is damaged",
-                         tiff.path(), blocks.width, blocks.height);
+                         mosaic.path(), blocks.width, blocks.height);
 }
 
-std::vector<uint16_t> read_blocks(InputFile& file, TiffFile& tiff, const TiffDirectory& directory,
-                                  const SampleArea& area) {
-    const Blocks blocks = blocks_of(tiff, directory);
-    if (area.left + area.width > number(tiff, directory, image_width, 0)
-        || area.top + area.height > number(tiff, directory, image_height, 0))
+std::vector<uint16_t> read_blocks(InputFile& file, DngMosaic& mosaic, const SampleArea& area) {
+    const Blocks blocks = blocks_of(mosaic);
+    if (area.left + area.width > number(mosaic, tag::image_width, 0)
+        || area.top + area.height > number(mosaic, tag::image_length, 0))
         data_failure("{}: contradicts itself: its active area reaches beyond its frame", file.path());
     if (2 * area.width * area.height > file.size().value_or(0))
         data_failure("{}: holds {} bytes, too few for {} x {} samples: the file is truncated", file.path(),
@@ -157,7 +154,7 @@ std::vector<uint16_t> read_blocks(InputFile& file, TiffFile& tiff, const TiffDir
         if (layout.shortest_end() > file.size().value_or(0))
             data_failure("{}: holds {} bytes, but a strip or tile ends at byte {}: the file is truncated",
                          file.path(), file.size().value_or(0), layout.shortest_end());
-        std::vector<uint16_t> part = read_word_rows(file, layout, tiff.big_endian());
+        std::vector<uint16_t> part = read_word_rows(file, layout, mosaic.tiff.big_endian());
         if (part.size() == area.width * area.height)
             return part;
         samples.resize(static_cast<size_t>(area.width * area.height));

@@ -1,4 +1,4 @@
-// TiffFile, active_area, begins_tiff
+// TiffFile, begins_tiff
 #include "io/tiff_file.h"
 
 #include <algorithm>
@@ -6,12 +6,12 @@
 #include <cmath>
 
 #include "failure.h"
+#include "io/tiff_tags.h"
 
 namespace zerklsc::tool {
 namespace {
 
 constexpr size_t most_directories = 64, most_entries = 4096;
-constexpr uint16_t sub_directories = 330, photometric = 262, colour_filter_array = 32803;
 
 enum Type : uint16_t {
     byte = 1,
@@ -100,21 +100,12 @@ std::vector<TiffDirectory> TiffFile::directories() {
         const uint64_t next = last.entries.back().at + 12;
         if (next + 4 <= file_.size().value_or(0))
             pointers.push_back(next);
-        const TiffEntry* const below = last.find(sub_directories);
+        const TiffEntry* const below = last.find(tag::sub_ifds);
         for (uint64_t k = 0; below != nullptr && k < std::min<uint64_t>(below->count, most_directories); ++k)
             if (below->value_at + 4 * k + 4 <= file_.size().value_or(0))
                 pointers.push_back(below->value_at + 4 * k);
     }
     return found;
-}
-
-TiffDirectory TiffFile::mosaic_directory() {
-    for (TiffDirectory& directory : directories()) {
-        const TiffEntry* const kind = directory.find(photometric);
-        if (kind != nullptr && numbers(*kind, 1) == std::vector<double>{colour_filter_array})
-            return directory;
-    }
-    data_failure("{}: holds no mosaic of a colour filter array: expected a DNG with raw samples", path());
 }
 
 std::vector<double> TiffFile::numbers(const TiffEntry& entry, uint32_t most) {
@@ -161,18 +152,6 @@ std::string TiffFile::bytes(const TiffEntry& entry, uint64_t limit) {
     std::string value(static_cast<size_t>(entry.bytes), '\0');
     file_.read(entry.value_at, std::as_writable_bytes(std::span(value)));
     return value;
-}
-
-std::vector<double> active_area(TiffFile& tiff, const TiffDirectory& directory) {
-    constexpr uint16_t tag = 50829;
-    const TiffEntry* const entry = directory.find(tag);
-    if (entry == nullptr)
-        return {};
-    std::vector<double> corners = tiff.numbers(*entry, 4);
-    if (entry->count != 4 || corners.size() != 4)
-        data_failure("{}: its active area is not the four numbers of top, left, bottom and right",
-                     tiff.path());
-    return corners;
 }
 
 } // namespace zerklsc::tool

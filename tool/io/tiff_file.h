@@ -35,8 +35,6 @@ class TiffFile {
     const std::string& path() const { return file_.path(); }
     // The directories of the chain and those below them, as far as they are sound.
     std::vector<TiffDirectory> directories();
-    // The first that holds a mosaic; a data failure where none does.
-    TiffDirectory mosaic_directory();
 
     // The values of a tag of whole, rational or floating numbers, at most `most` of them; empty for another
     // type.
@@ -51,10 +49,6 @@ class TiffFile {
     InputFile& file_;
     bool big_endian_ = false;
 };
-
-// Top, left, bottom and right of a DNG's mosaic in its frame; empty where it does not say, a data failure
-// where it says other than four numbers.
-std::vector<double> active_area(TiffFile& tiff, const TiffDirectory& directory);
 
 // Whether these are the first bytes of a TIFF of 32-bit offsets.
 bool begins_tiff(std::string_view head);
