@@ -55,22 +55,25 @@ TEST(Filter, CoversStrideManyRowsOfTheGivenColumns) {
     }
 }
 
-// The disc of sigma 1.5 has one tap in the third row from its centre, which is the last: a caller need not
-// have more.
+// The disc of sigma 1.5 has one tap in the third row from its centre, which is the last, that of sigma 0.5 in
+// the first: a caller need not have more.
 TEST(Filter, ReadsNoSampleWithoutAWeight) {
     Random random(11);
-    float sigma = 1.5f;
-    const imfilter_t filter = gaussian(9, &sigma), same = gaussian(3, &sigma);
+    float narrow = 0.5f, wide = 1.5f;
     const int32_t s1 = 11;
-    for (const Against side : {Against::front, Against::back}) {
-        Guarded<uint16_t> src(random_samples(random, (s1 + 6) * s1), side), dst(s1 * s1);
-        ASSERT_EQ(img_filter(src.data() + 3 * s1, dst.data(), s1, s1, &filter), 0);
-        std::vector<uint16_t> roomy = src.copy(), expected(dst.size());
-        roomy.insert(roomy.begin(), 3, 0);
-        roomy.insert(roomy.end(), 3, 0);
-        zerklsc::plain::filter_plane(&roomy[3 + 3 * s1], expected.data(), s1, s1, same);
-        EXPECT_EQ(dst.copy(), expected);
-    }
+    for (const auto& [sigma, reach] : {std::pair{&narrow, 1}, std::pair{&wide, 3}})
+        for (const Against side : {Against::front, Against::back}) {
+            const imfilter_t filter = gaussian(9, sigma), same = gaussian(reach, sigma);
+            Guarded<uint16_t> src(random_samples(random, static_cast<size_t>((s1 + 2 * reach) * s1)), side),
+                dst(s1 * s1);
+            ASSERT_EQ(img_filter(src.data() + reach * s1, dst.data(), s1, s1, &filter), 0);
+            std::vector<uint16_t> roomy = src.copy(), expected(dst.size());
+            roomy.insert(roomy.begin(), static_cast<size_t>(reach), 0);
+            roomy.insert(roomy.end(), static_cast<size_t>(reach), 0);
+            zerklsc::plain::filter_plane(&roomy[static_cast<size_t>(reach + reach * s1)], expected.data(), s1,
+                                         s1, same);
+            EXPECT_EQ(dst.copy(), expected) << reach;
+        }
 }
 
 TEST(Filter, RefusalsWriteNothing) {

@@ -1,5 +1,6 @@
 #include "zerklsc.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -35,6 +36,8 @@ TEST(LoadTable, ReadsWhatScanfReadsAndRepeatsTheLastValueAfterAFailure) {
         EXPECT_EQ(load_table(path.c_str(), table.data(), static_cast<int>(table.size())), 0);
         EXPECT_EQ(table.copy(), c.values) << c.text;
     }
+    EXPECT_EQ(open(path.c_str(), O_RDONLY), descriptor) << "a file stays open";
+    close(descriptor);
     std::filesystem::remove(path);
     uint16_t kept = 7;
     EXPECT_EQ(load_table(path.c_str(), &kept, 1), 0);

@@ -114,14 +114,14 @@ TEST(Bands, AnySplitOfPaddedRowsGivesTheBytesOfTheWholeAndNoOther) {
     EXPECT_GE(tried, 1000);
 }
 
-// Where a correction reads and writes in the frame of BandsCall: strides in bytes, the offset in samples.
+// Where a correction reads and writes in the frame of BandsCall: strides in bytes, offsets in samples.
 struct Placing {
-    size_t stride = 160, out_stride = 160, out_offset = 0;
+    size_t stride = 160, out_stride = 160, out_offset = 0, offset = 0;
 };
 
 struct BandsCall : ::testing::Test {
     zerklsc_status run(int32_t first_row, int32_t rows, const Placing& at = {}) {
-        return zerklsc_correct(&whole.info, frame.data(), at.stride, frame.data() + at.out_offset,
+        return zerklsc_correct(&whole.info, frame.data() + at.offset, at.stride, frame.data() + at.out_offset,
                                at.out_stride, first_row, rows);
     }
 
@@ -170,6 +170,8 @@ TEST_F(BandsCall, HostileRowsStridesAndOverlapsAreRefusedAndNothingIsWritten) {
         {{300, 300, 80}, 0, 20, ZERKLSC_OK},
         {{160, 128, 19 * 80 + 64}, 0, 20, ZERKLSC_OK}, // behind each other
         {{160, 160, 20 * 80}, 0, 20, ZERKLSC_OK},
+        {{160, 128, 0, 19 * 64 + 63}, 0, 20, ZERKLSC_OVERLAP},
+        {{160, 128, 0, 19 * 64 + 64}, 0, 20, ZERKLSC_OK},
     };
     for (const auto& c : cases) {
         frame = before;
