@@ -157,7 +157,7 @@ void write_outputs(ResultLine& result, const ModuleOutputs& outputs, const Files
 }
 
 // From captures whose checks let them pass.
-Files calibrate_module(ResultLine& result, const FlatCaptures& flats, const CheckedFlats& checked,
+Files calibrate_module(ResultLine& result, FlatCaptures& flats, CheckedFlats& checked,
                        const ModuleOptions& options, const ModuleOutputs& outputs,
                        const CaptureOptions& captures) {
     const RawFrame& frame = flats.average();
@@ -204,9 +204,9 @@ CheckedFlats examine(ResultLine& result, const FlatCaptures& flats, const Module
 Files go_its_way(ResultLine& result, const CaptureOptions& captures, const ModuleOptions& options,
                  const ModuleOutputs& outputs) {
     Report unused;
-    const FlatCaptures flats = read_flat_captures(captures, unused);
+    FlatCaptures flats = read_flat_captures(captures, unused);
     add_capture(result, flats.average());
-    const CheckedFlats checked = examine(result, flats, options);
+    CheckedFlats checked = examine(result, flats, options);
     if (!checked.refusal.empty()) {
         result.verdict = ModuleVerdict::refuse;
         result.reason = checked.refusal;

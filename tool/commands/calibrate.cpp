@@ -109,14 +109,14 @@ void run(const CalibrateOptions& options, Report& report) {
     check_table_name(options.output);
     algorithm_from(options.method.algorithm);
     limits_of(options.method.check);
-    const FlatCaptures flats = read_flat_captures(options.captures, report);
+    FlatCaptures flats = read_flat_captures(options.captures, report);
     const RawFrame& frame = flats.average();
     const CalibrationSettings settings = settings_for(options.method, frame);
     add_frame(report, frame);
     report.add("captures", JsonValue::list(options.captures.flats));
     report.add("average", name_of(flats.averaging));
     report.print(describe(frame));
-    const CheckedFlats checked =
+    CheckedFlats checked =
         check_flats(flats.captures, settings, options.method.check, options.method.clip_limit, report);
     const FrameLevels levels = measure_planes(frame, *frame.black, usual_blocks(frame));
     const Progress progress("calibrating " + frame.name);

@@ -61,8 +61,10 @@ Outcome try_method(const RawFrame& capture, const RawFrame& light, const Calibra
     check_grid_options(light, settings);
     const GainTables tables = calibrate(light, *capture.pattern, *capture.black, settings);
     const auto corrected = [&](const GainTables& by) {
-        return shading_of(
-            predict_levels(capture, by, "the calibrated tables", isp_of_algorithm(settings.algorithm)));
+        RawFrame copy = capture;
+        subtract_black(copy, tables.black);
+        return shading_of(predict_levels(copy, tables.black, by, "the calibrated tables",
+                                         isp_of_algorithm(settings.algorithm)));
     };
     GainTables packed = tables;
     decode_stream(encode_stream(tables, 0), "the OTP stream", packed);

@@ -17,7 +17,8 @@
 namespace zerklsc::tool {
 namespace {
 
-GainTables calibrate_light(RawFrame frame, const CalibrationSettings& settings) {
+// Takes the black level off the frame.
+GainTables calibrate_light(RawFrame& frame, const CalibrationSettings& settings) {
     check_grid_options(frame, settings);
     const BlackLevel black = *frame.black;
     subtract_black(frame, black);
@@ -25,11 +26,12 @@ GainTables calibrate_light(RawFrame frame, const CalibrationSettings& settings) 
 }
 
 // The average without what is kept out of gains.
-RawFrame clean_average(const FlatCaptures& flats, const CheckedFlats& checked) {
-    if (checked.cleaned.empty())
-        return flats.average();
-    return checked.cleaned.size() > 1 ? average_of(checked.cleaned, flats.averaging)
-                                      : checked.cleaned.front();
+RawFrame& clean_average(FlatCaptures& flats, CheckedFlats& checked) {
+    if (checked.cleaned.size() == 1)
+        return checked.cleaned.front();
+    if (!checked.cleaned.empty())
+        flats.averaged = average_of(checked.cleaned, flats.averaging);
+    return flats.averaged ? *flats.averaged : flats.captures.front();
 }
 
 } // namespace
@@ -51,8 +53,8 @@ CalibrationSettings settings_for(const MethodOptions& options, const RawFrame& f
     return settings;
 }
 
-GainTables calibrate_flats(const CaptureOptions& options, const FlatCaptures& flats,
-                           const CheckedFlats& checked, const CalibrationSettings& settings) {
+GainTables calibrate_flats(const CaptureOptions& options, FlatCaptures& flats, CheckedFlats& checked,
+                           const CalibrationSettings& settings) {
     GainTables tables = calibrate_light(clean_average(flats, checked), settings);
     tables.inputs = recorded(options, checked.findings);
     for (size_t i = 0; i < checked.kept_out.size(); ++i)
@@ -88,23 +90,27 @@ double Prediction::on_captures() const {
     return std::ranges::max(planes);
 }
 
-Prediction predict(const FlatCaptures& flats, const CheckedFlats& checked, const GainTables& tables,
+Prediction predict(FlatCaptures& flats, const CheckedFlats& checked, const GainTables& tables,
                    const CalibrationSettings& settings) {
-    const std::vector<RawFrame>& captures = flats.captures;
+    std::vector<RawFrame>& captures = flats.captures;
     const std::vector<RawFrame>& clean = checked.cleaned.empty() ? captures : checked.cleaned;
+    const bool several = captures.size() > 1;
     const Isp isp = isp_of_algorithm(settings.algorithm);
-    const auto levels = [&](const RawFrame& frame, const GainTables& gains) {
-        return predict_levels(frame, gains, "the calibrated tables", isp);
+    const auto levels = [&](RawFrame& capture, const GainTables& gains) {
+        RawFrame copy = several ? capture : RawFrame();
+        RawFrame& light = several ? copy : capture;
+        subtract_black(light, BlackLevel(*light.black));
+        return predict_levels(light, tables.black, gains, "the calibrated tables", isp);
     };
     Prediction prediction;
-    for (const RawFrame& capture : captures) {
+    for (RawFrame& capture : captures) {
         const FrameLevels corrected = levels(capture, tables);
         for (size_t plane = 0; plane < corrected.size(); ++plane)
             prediction.planes[plane] = std::max(prediction.planes[plane], corrected[plane].flatness());
     }
-    for (size_t i = 0; captures.size() > 1 && i < captures.size(); ++i) {
-        const GainTables others =
-            calibrate_light(average_of(clean, flats.averaging, static_cast<int>(i)), settings);
+    for (size_t i = 0; several && i < captures.size(); ++i) {
+        RawFrame average = average_of(clean, flats.averaging, static_cast<int>(i));
+        const GainTables others = calibrate_light(average, settings);
         prediction.on_left_out =
             std::max(prediction.on_left_out, worst_flatness(levels(captures[i], others)));
     }

@@ -25,9 +25,10 @@ void add_method_options(Command command, MethodOptions& options);
 // With the step and the algorithm that are taken for this capture.
 CalibrationSettings settings_for(const MethodOptions& options, const RawFrame& flat);
 
-// The tables of checked captures, with all that a table file says of where they come from.
-GainTables calibrate_flats(const CaptureOptions& options, const FlatCaptures& flats,
-                           const CheckedFlats& checked, const CalibrationSettings& settings);
+// The tables of checked captures, with all that a table file says of where they come from. The black level is
+// taken off the frame that they are measured on: the only capture, or the average.
+GainTables calibrate_flats(const CaptureOptions& options, FlatCaptures& flats, CheckedFlats& checked,
+                           const CalibrationSettings& settings);
 
 // Warns of gains that both ISPs raise, and of those that they cannot reach.
 void warn_about_gains(const std::string& name, const GainTables& tables);
@@ -40,8 +41,8 @@ struct Prediction {
     double on_captures() const; // the worst plane
 };
 
-// A data failure where the ISP cannot correct with these tables.
-Prediction predict(const FlatCaptures& flats, const CheckedFlats& checked, const GainTables& tables,
+// A data failure where the ISP cannot correct with these tables. An only capture is itself corrected.
+Prediction predict(FlatCaptures& flats, const CheckedFlats& checked, const GainTables& tables,
                    const CalibrationSettings& settings);
 
 // Warns where full correction leaves the captures visibly uneven.

@@ -88,7 +88,7 @@ void run(const ReportOptions& options, Report& report) {
     const std::string tables_name = input_name(options.tables);
     const GainTables tables = read_whole_gains(options.tables);
     const Isp isp = isp_of_option(options.isp, tables);
-    const RawFrame frame = read_raw_for(options.raw, tables, tables_name);
+    RawFrame frame = read_raw_for(options.raw, tables, tables_name);
     const Progress progress("writing " + output_name(options.output));
     add_frame(report, frame);
     report.print(describe(frame));
@@ -96,7 +96,8 @@ void run(const ReportOptions& options, Report& report) {
     add_checks(report, options, frame, tables);
     const PanelSize size = panel_size(frame.width, frame.height);
     const Shown before = show(frame, size);
-    const Shown after = show(correct_capture(frame, tables, tables_name, isp), size);
+    correct_capture(frame, tables, tables_name, isp);
+    const Shown after = show(frame, size);
     add_measures(report, tables, before, after);
     write_file(options.output, encode_page(PageKind::report, report.json(exit_success, ""),
                                            maps_of(tables, before, after, size)));

@@ -55,7 +55,8 @@ std::optional<RawFrame> corrected_frame(const PreviewOptions& options, const Gai
         how = fmt::format("after {}", name_of(isp));
         sheet.heading.push_back(
             fmt::format("corrected with {} as the {} ISP does", input_name(options.tables), name_of(isp)));
-        return correct_capture(std::move(frame), tables, input_name(options.tables), isp);
+        correct_capture(frame, tables, input_name(options.tables), isp);
+        return frame;
     }
     if (options.corrected.empty())
         return {};

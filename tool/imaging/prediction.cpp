@@ -5,17 +5,17 @@
 
 namespace zerklsc::tool {
 
-RawFrame correct_capture(RawFrame frame, const GainTables& tables, const std::string& tables_name, Isp isp) {
+void correct_capture(RawFrame& frame, const GainTables& tables, const std::string& tables_name, Isp isp) {
     scale_to_10_bits(frame);
     subtract_black(frame, BlackLevel(*frame.black));
     correct(frame, tables, tables_name, isp);
-    return frame;
 }
 
-FrameLevels predict_levels(const RawFrame& frame, const GainTables& tables, const std::string& tables_name,
-                           Isp isp) {
-    const RawFrame corrected = correct_capture(frame, tables, tables_name, isp);
-    return measure_planes(corrected, {}, usual_blocks(corrected));
+FrameLevels predict_levels(RawFrame& light, const BlackLevel& black, const GainTables& tables,
+                           const std::string& tables_name, Isp isp) {
+    scale_light_to_10_bits(light, black);
+    correct(light, tables, tables_name, isp);
+    return measure_planes(light, {}, usual_blocks(light));
 }
 
 double worst_flatness(const FrameLevels& levels) {

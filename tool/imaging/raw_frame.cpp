@@ -1,4 +1,5 @@
-// RawFrame, reserve_frame, largest_sample, text_of, subtract_black, add_black, scale_to_10_bits
+// RawFrame, reserve_frame, largest_sample, text_of, subtract_black, add_black, scale_to_10_bits,
+// scale_light_to_10_bits
 #include "imaging/raw_frame.h"
 
 #include <algorithm>
@@ -13,6 +14,15 @@ namespace zerklsc::tool {
 namespace {
 
 constexpr int isp_bits = 10;
+
+// Rounds a level of a deeper frame to nearest.
+struct To10Bits {
+    int shift;
+
+    explicit To10Bits(int bits) : shift(bits - isp_bits) {}
+    int level(int v) const { return (v + (1 << (shift - 1))) >> shift; }
+    int sample(int v) const { return std::min(level(v), (1 << isp_bits) - 1); }
+};
 
 // Replaces every sample by f(sample, its plane's level). The loop over the lanes becomes vector instructions.
 template <class F>
@@ -70,7 +80,8 @@ std::string text_of(const BlackLevel& black) {
 }
 
 void subtract_black(RawFrame& frame, const BlackLevel& black) {
-    transform_samples(frame, black, [](int v, int level) { return std::max(v - level, 0); });
+    if (black != BlackLevel{})
+        transform_samples(frame, black, [](int v, int level) { return std::max(v - level, 0); });
     frame.black = BlackLevel{};
     if (frame.white)
         *frame.white = std::max(*frame.white - std::ranges::max(black), 1);
@@ -86,17 +97,27 @@ void add_black(RawFrame& frame, const BlackLevel& black) {
 
 void scale_to_10_bits(RawFrame& frame) {
     if (frame.bits > isp_bits) {
-        const int shift = frame.bits - isp_bits;
-        const int half = 1 << (shift - 1);
-        transform_samples(frame, {},
-                          [=](int v, int) { return std::min((v + half) >> shift, (1 << isp_bits) - 1); });
+        const To10Bits scaled(frame.bits);
+        transform_samples(frame, {}, [=](int v, int) { return scaled.sample(v); });
         if (frame.black)
             for (int& b : *frame.black)
-                b = (b + half) >> shift;
+                b = scaled.level(b);
         if (frame.white)
-            *frame.white = std::min((*frame.white + half) >> shift, (1 << isp_bits) - 1);
+            *frame.white = scaled.sample(*frame.white);
     }
     frame.bits = isp_bits;
+}
+
+void scale_light_to_10_bits(RawFrame& light, const BlackLevel& black) {
+    if (light.bits > isp_bits) {
+        const To10Bits scaled(light.bits);
+        // Samples below black are in the light as if they stood at it, and either way become 0.
+        const auto above = [=](int v, int b) { return scaled.sample(v + b) - scaled.level(b); };
+        transform_samples(light, black, [=](int v, int b) { return std::max(above(v, b), 0); });
+        if (light.white)
+            *light.white = std::max(above(*light.white, std::ranges::max(black)), 1);
+    }
+    light.bits = isp_bits;
 }
 
 } // namespace zerklsc::tool

@@ -76,4 +76,7 @@ void add_black(RawFrame& frame, const BlackLevel& black);
 // Scales to 10 bits, rounding to nearest: the depth of the ISP's corrections and parameter generators.
 void scale_to_10_bits(RawFrame& frame);
 
+// The same of a frame whose black level `black` has been taken off: what taking it off afterwards leaves.
+void scale_light_to_10_bits(RawFrame& light, const BlackLevel& black);
+
 } // namespace zerklsc::tool
