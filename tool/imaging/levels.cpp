@@ -29,12 +29,13 @@ class BlockSums {
     // How many rows from the plane's top the present blocks end.
     int next_edge() const { return rows_[block_row_ + 1]; }
 
-    // The sums of the columns over rows of the present blocks, up to row `end` of the plane.
-    void add(const std::vector<uint32_t>& column_sums, int end) {
+    // The sums of the plane's columns, which are every second one, over rows of the present blocks, up to row
+    // `end` of the plane.
+    void add(const uint32_t* column_sums, int end) {
         const size_t columns = columns_.size() - 1;
         for (size_t i = 0; i < columns; ++i)
             for (int x = columns_[i]; x < columns_[i + 1]; ++x)
-                sums_[block_row_ * columns + i] += column_sums[static_cast<size_t>(x)];
+                sums_[block_row_ * columns + i] += column_sums[2 * x];
         if (end == next_edge() && block_row_ + 2 < rows_.size())
             ++block_row_;
     }
@@ -68,18 +69,16 @@ class PlaneSums {
     PlaneSums(int width, int height, int blocks, double side)
         : coarse_(width, height, blocks, blocks),
           fine_(width, height, odd_count(width / side), odd_count(height / side)),
-          columns_(static_cast<size_t>(width)), samples_(double(width) * double(height)) {}
+          samples_(double(width) * double(height)) {}
 
-    // Of the next row, to which its light is added.
-    uint32_t* columns() { return columns_.data(); } // of at most 32767 samples each
+    // How many rows from the top a block ends next.
+    int next_edge() const { return std::min(coarse_.next_edge(), fine_.next_edge()); }
 
-    void end_row() {
-        ++row_;
-        if (row_ != coarse_.next_edge() && row_ != fine_.next_edge())
-            return;
-        coarse_.add(columns_, row_);
-        fine_.add(columns_, row_);
-        std::ranges::fill(columns_, 0U);
+    // As BlockSums::add(), up to that edge.
+    void add(const uint32_t* column_sums) {
+        const int end = next_edge();
+        coarse_.add(column_sums, end);
+        fine_.add(column_sums, end);
     }
 
     PlaneLevels levels(const RawFrame& frame) const {
@@ -89,18 +88,24 @@ class PlaneSums {
 
   private:
     BlockSums coarse_, fine_;
-    std::vector<uint32_t> columns_;
     double samples_;
-    int row_ = 0;
 };
 
 // Adds what is above black in a row of the frame, whose samples belong to two planes in turn.
-void add_light(const uint16_t* row, size_t width, int even_black, int odd_black, uint32_t* even,
-               uint32_t* odd) {
-    for (size_t x = 0; x < width; ++x) {
-        even[x] += static_cast<uint32_t>(std::max(int{row[2 * x]} - even_black, 0));
-        odd[x] += static_cast<uint32_t>(std::max(int{row[2 * x + 1]} - odd_black, 0));
-    }
+void add_light(const uint16_t* row, std::array<int, 2> black, std::vector<uint32_t>& column_sums) {
+    constexpr size_t lanes = 16;
+    std::array<uint16_t, lanes> level;
+    for (size_t i = 0; i < lanes; ++i)
+        level[i] = static_cast<uint16_t>(std::min(black[i % 2], 0xFFFF));
+    uint32_t* const sums = column_sums.data();
+    const size_t width = column_sums.size();
+    const auto light = [](uint16_t v, uint16_t b) { return static_cast<uint16_t>(std::max(v, b) - b); };
+    size_t x = 0;
+    for (; x + lanes <= width; x += lanes)
+        for (size_t i = 0; i < lanes; ++i)
+            sums[x + i] += light(row[x + i], level[i]);
+    for (; x < width; ++x)
+        sums[x] += light(row[x], level[x % lanes]);
 }
 
 // The pixel in the middle of a block of a frame divided so.
@@ -159,12 +164,15 @@ FrameLevels measure_planes(const RawFrame& frame, const BlackLevel& black, int b
     FrameLevels levels;
     for (size_t first = 0; first < levels.size(); first += 2) {
         PlaneSums even(width, height, blocks, side), odd = even;
-        for (int y = static_cast<int>(first / 2); y < frame.height; y += 2) {
-            const auto start = static_cast<size_t>(y) * static_cast<size_t>(frame.width);
-            add_light(&frame.samples[start], static_cast<size_t>(width), black[first], black[first + 1],
-                      even.columns(), odd.columns());
-            even.end_row();
-            odd.end_row();
+        std::vector<uint32_t> sums(static_cast<size_t>(frame.width)); // of at most 32767 samples each
+        for (int row = 0; row < height; ++row) {
+            const size_t y = 2 * static_cast<size_t>(row) + first / 2;
+            add_light(&frame.samples[y * sums.size()], {black[first], black[first + 1]}, sums);
+            if (row + 1 == even.next_edge()) {
+                even.add(&sums[0]);
+                odd.add(&sums[1]);
+                std::ranges::fill(sums, 0U);
+            }
         }
         levels[first] = even.levels(frame);
         levels[first + 1] = odd.levels(frame);

@@ -30,16 +30,17 @@ void transform_samples(RawFrame& frame, const BlackLevel& levels, F f) {
     constexpr size_t lanes = 32;
     const auto width = static_cast<size_t>(frame.width);
     for (size_t y = 0; y < static_cast<size_t>(frame.height); ++y) {
-        std::array<int, lanes> level;
+        // No sample reaches a level of more bits.
+        std::array<uint16_t, lanes> level;
         for (size_t i = 0; i < lanes; ++i)
-            level[i] = levels[2 * (y & 1) + (i & 1)];
+            level[i] = static_cast<uint16_t>(std::min(levels[2 * (y & 1) + (i & 1)], 0xFFFF));
         uint16_t* const row = frame.samples.data() + y * width;
         size_t x = 0;
         for (; x + lanes <= width; x += lanes)
             for (size_t i = 0; i < lanes; ++i)
-                row[x + i] = static_cast<uint16_t>(f(int{row[x + i]}, level[i]));
+                row[x + i] = static_cast<uint16_t>(f(row[x + i], level[i]));
         for (; x < width; ++x)
-            row[x] = static_cast<uint16_t>(f(int{row[x]}, level[x & 1]));
+            row[x] = static_cast<uint16_t>(f(row[x], level[x & 1]));
     }
 }
 
@@ -81,7 +82,8 @@ std::string text_of(const BlackLevel& black) {
 
 void subtract_black(RawFrame& frame, const BlackLevel& black) {
     if (black != BlackLevel{})
-        transform_samples(frame, black, [](int v, int level) { return std::max(v - level, 0); });
+        transform_samples(frame, black,
+                          [](uint16_t v, uint16_t level) { return std::max(v, level) - level; });
     frame.black = BlackLevel{};
     if (frame.white)
         *frame.white = std::max(*frame.white - std::ranges::max(black), 1);
