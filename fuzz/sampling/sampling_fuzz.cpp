@@ -10,6 +10,7 @@ using namespace zerklsc::fuzz;
 
 // What the plain forms do in some milliseconds.
 constexpr int64_t most_taps = 1 << 17;
+constexpr int64_t most_samples = 1 << 20;
 
 int64_t taps(const imfilter_t& filter, int64_t levels) {
     const int64_t width = 2 * int64_t{std::max(filter.filter_radius, 0)} + 1;
@@ -58,8 +59,8 @@ void run_filter(const Input& input, const imfilter_t& filter, int32_t s1, int32_
     const int64_t levels = elements_of(s1, s2), r = std::max(filter.filter_radius, 0);
     if (levels < 0 || taps(filter, levels) > most_taps)
         return;
-    const int64_t margin = r * (std::max(s1, 0) + 1), size = (int64_t{s1} - 1) * s1 + s2;
-    if (margin > most_taps)
+    const int64_t margin = r * (std::max<int64_t>(s1, 0) + 1), size = (int64_t{s1} - 1) * s1 + s2;
+    if (margin > most_samples || size > most_samples)
         return;
     const auto src = input.buffer<uint16_t>(levels == 0 ? 0 : 2 * margin + size);
     std::vector<uint16_t> dst(levels == 0 ? 0 : static_cast<size_t>(size), 7), expected = dst;
