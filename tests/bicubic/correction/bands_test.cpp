@@ -161,7 +161,8 @@ TEST_F(BandsCall, HostileRowsStridesAndOverlapsAreRefusedAndNothingIsWritten) {
         {{0, 0, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
         {{SIZE_MAX - 1, 160, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
         {{160, SIZE_MAX / 2 - 1, 3000}, 0, 20, ZERKLSC_BAD_STRIDE},
-        {{160, 160, 1}, 0, 20, ZERKLSC_OVERLAP},  // half a pixel's row further
+        {{160, 160, 1}, 0, 20, ZERKLSC_OVERLAP}, // a sample further
+        {{160, 160, 1}, 3, 1, ZERKLSC_OVERLAP},
         {{160, 160, 80}, 0, 20, ZERKLSC_OVERLAP}, // a row further
         {{160, 160, 79}, 0, 20, ZERKLSC_OVERLAP},
         {{160, 176, 0}, 0, 20, ZERKLSC_OVERLAP},            // in place with another stride
