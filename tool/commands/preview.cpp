@@ -30,7 +30,7 @@ struct PreviewOptions {
 };
 
 // The frame that was corrected elsewhere, in the same geometry.
-RawFrame read_corrected(const PreviewOptions& options, const RawFrame& before) {
+RawFrame read_corrected(const PreviewOptions& options, const RawDescription& before) {
     RawOptions raw = options.raw;
     raw.path = options.corrected;
     raw.black = options.corrected_black;
@@ -47,22 +47,24 @@ struct Sheet {
     std::vector<PanelRow> rows;
 };
 
-// The frame in its corrected form, as the tables or another program make it, or nothing.
-std::optional<RawFrame> corrected_frame(const PreviewOptions& options, const GainTables& tables,
-                                        RawFrame frame, Sheet& sheet, std::string& how) {
+// What is shown of the frame in its corrected form, as the tables or another program make it, or nothing.
+std::optional<Shown> show_corrected(const PreviewOptions& options, const GainTables& tables, RawFrame frame,
+                                    PanelSize size, Sheet& sheet, std::string& how) {
     if (!options.tables.empty()) {
         const Isp isp = isp_of_option(options.isp, tables);
         how = fmt::format("after {}", name_of(isp));
         sheet.heading.push_back(
             fmt::format("corrected with {} as the {} ISP does", input_name(options.tables), name_of(isp)));
         correct_capture(frame, tables, input_name(options.tables), isp);
-        return frame;
+        return show(frame, size);
     }
     if (options.corrected.empty())
         return {};
     how = "after";
     sheet.heading.push_back(fmt::format("corrected: {}", options.corrected));
-    return read_corrected(options, frame);
+    const RawDescription before = frame;
+    frame = RawFrame(); // There is no need for room for both.
+    return show(read_corrected(options, before), size);
 }
 
 void report_shown(Report& report, const char* name, const Shown& shown) {
@@ -100,21 +102,21 @@ Sheet make_sheet(const PreviewOptions& options, Report& report) {
     const PanelSize size = panel_size(frame.width, frame.height);
     const Shown before = show(frame, size);
     report_shown(report, "before", before);
-    const double low = lowest_percent(before);
-    Sheet sheet{{describe(frame)}, {illumination_row("before: relative illumination", before, low)}};
+    Sheet sheet{{describe(frame)}, {}};
     sheet.heading[0].pop_back();
     std::string how;
-    const auto corrected = corrected_frame(options, tables, std::move(frame), sheet, how);
-    const Shown after = corrected ? show(*corrected, size) : Shown();
+    const auto after = show_corrected(options, tables, std::move(frame), size, sheet, how);
+    const double low = lowest_percent(before);
+    sheet.rows.push_back(illumination_row("before: relative illumination", before, low));
     if (!options.tables.empty())
         sheet.rows.push_back(gain_row(tables, size));
-    if (corrected) {
-        report_shown(report, "after", after);
-        sheet.rows.push_back(illumination_row(how + ": relative illumination", after, low));
-        sheet.rows.push_back(residual_row(how, after));
+    if (after) {
+        report_shown(report, "after", *after);
+        sheet.rows.push_back(illumination_row(how + ": relative illumination", *after, low));
+        sheet.rows.push_back(residual_row(how, *after));
     }
-    sheet.rows.push_back(colour_row(before, corrected ? &after : nullptr, size));
-    finish(report, sheet, before.any_clipped() || (corrected && after.any_clipped()));
+    sheet.rows.push_back(colour_row(before, after ? &*after : nullptr, size));
+    finish(report, sheet, before.any_clipped() || (after && after->any_clipped()));
     return sheet;
 }
 

@@ -23,8 +23,9 @@ std::string brief_percent(double percent) {
 
 void check_clipping(const RawFrame& frame, double limit) {
     std::string clipped_channels, noted_channels;
+    const auto fractions = clipped_fractions(frame);
     for (const Colour colour : all_colours) {
-        const double clipped = 100 * clipped_fraction(frame, plane_of_colour(*frame.pattern, colour));
+        const double clipped = 100 * fractions[static_cast<size_t>(plane_of_colour(*frame.pattern, colour))];
         // Fewer than a tenth of the limit are defective pixels.
         std::string& list = clipped > limit ? clipped_channels : noted_channels;
         if (clipped > limit / 10)

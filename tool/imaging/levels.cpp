@@ -1,4 +1,5 @@
-// PlaneLevels, usual_blocks, measure_planes, levels_of, colour_changes, colour_shading, clipped_fraction
+// PlaneLevels, usual_blocks, measure_planes, levels_of, colour_changes, colour_shading, add_light,
+// clipped_fractions
 #include "imaging/levels.h"
 
 #include <algorithm>
@@ -91,21 +92,8 @@ class PlaneSums {
     double samples_;
 };
 
-// Adds what is above black in a row of the frame, whose samples belong to two planes in turn.
-void add_light(const uint16_t* row, std::array<int, 2> black, std::vector<uint32_t>& column_sums) {
-    constexpr size_t lanes = 16;
-    std::array<uint16_t, lanes> level;
-    for (size_t i = 0; i < lanes; ++i)
-        level[i] = static_cast<uint16_t>(std::min(black[i % 2], 0xFFFF));
-    uint32_t* const sums = column_sums.data();
-    const size_t width = column_sums.size();
-    const auto light = [](uint16_t v, uint16_t b) { return static_cast<uint16_t>(std::max(v, b) - b); };
-    size_t x = 0;
-    for (; x + lanes <= width; x += lanes)
-        for (size_t i = 0; i < lanes; ++i)
-            sums[x + i] += light(row[x + i], level[i]);
-    for (; x < width; ++x)
-        sums[x] += light(row[x], level[x % lanes]);
+const uint16_t* row_of(const RawFrame& frame, int y) {
+    return &frame.samples[static_cast<size_t>(y) * static_cast<size_t>(frame.width)];
 }
 
 // The pixel in the middle of a block of a frame divided so.
@@ -166,8 +154,7 @@ FrameLevels measure_planes(const RawFrame& frame, const BlackLevel& black, int b
         PlaneSums even(width, height, blocks, side), odd = even;
         std::vector<uint32_t> sums(static_cast<size_t>(frame.width)); // of at most 32767 samples each
         for (int row = 0; row < height; ++row) {
-            const size_t y = 2 * static_cast<size_t>(row) + first / 2;
-            add_light(&frame.samples[y * sums.size()], {black[first], black[first + 1]}, sums);
+            add_light(frame, 2 * row + static_cast<int>(first / 2), black, sums);
             if (row + 1 == even.next_edge()) {
                 even.add(&sums[0]);
                 odd.add(&sums[1]);
@@ -205,17 +192,46 @@ Deviation colour_shading(const FrameLevels& levels, BayerPattern pattern, Colour
                              [&](int i, int j) { return changes.at(i, j); });
 }
 
-double clipped_fraction(const RawFrame& frame, int plane) {
-    const int white = frame.white_level();
-    int64_t clipped = 0;
-    for (int y = plane >> 1; y < frame.height; y += 2) {
-        int in_row = 0;
-        const uint16_t* const row = &frame.samples[static_cast<size_t>(y) * static_cast<size_t>(frame.width)];
-        for (int x = plane & 1; x < frame.width; x += 2)
-            in_row += row[x] >= white ? 1 : 0;
-        clipped += in_row;
+void add_light(const RawFrame& frame, int y, const BlackLevel& black, std::vector<uint32_t>& column_sums) {
+    constexpr size_t lanes = 16;
+    std::array<uint16_t, lanes> level;
+    for (size_t i = 0; i < lanes; ++i)
+        level[i] = static_cast<uint16_t>(std::min(black[2 * (static_cast<size_t>(y) & 1) + i % 2], 0xFFFF));
+    const uint16_t* const row = row_of(frame, y);
+    uint32_t* const sums = column_sums.data();
+    const size_t width = column_sums.size();
+    const auto light = [](uint16_t v, uint16_t b) { return static_cast<uint16_t>(std::max(v, b) - b); };
+    size_t x = 0;
+    for (; x + lanes <= width; x += lanes)
+        for (size_t i = 0; i < lanes; ++i)
+            sums[x + i] += light(row[x + i], level[i]);
+    for (; x < width; ++x)
+        sums[x] += light(row[x], level[x % lanes]);
+}
+
+std::array<double, 4> clipped_fractions(const RawFrame& frame) {
+    constexpr size_t lanes = 16;
+    const auto width = static_cast<size_t>(frame.width);
+    const auto below_white = static_cast<uint16_t>(std::clamp(frame.white_level() - 1, 0, 0xFFFF));
+    std::array<double, 4> fractions{};
+    for (int y = 0; y < frame.height; ++y) {
+        const uint16_t* const row = row_of(frame, y);
+        std::array<uint16_t, lanes> clipped{}; // of at most 4096 samples each
+        const auto count = [below_white](uint16_t& clipped_in_lane, uint16_t sample) {
+            clipped_in_lane = static_cast<uint16_t>(clipped_in_lane + (sample > below_white ? 1 : 0));
+        };
+        size_t x = 0;
+        for (; x + lanes <= width; x += lanes)
+            for (size_t i = 0; i < lanes; ++i)
+                count(clipped[i], row[x + i]);
+        for (; x < width; ++x)
+            count(clipped[x % lanes], row[x]);
+        for (size_t i = 0; i < lanes; ++i)
+            fractions[2 * (static_cast<size_t>(y) & 1) + i % 2] += clipped[i];
     }
-    return static_cast<double>(clipped) / (double(frame.width / 2) * double(frame.height / 2));
+    for (double& fraction : fractions)
+        fraction /= double(frame.width / 2) * double(frame.height / 2);
+    return fractions;
 }
 
 } // namespace zerklsc::tool

@@ -61,7 +61,11 @@ BlockMeans colour_changes(const FrameLevels& levels, BayerPattern pattern, Colou
 // The largest of these.
 Deviation colour_shading(const FrameLevels& levels, BayerPattern pattern, Colour colour);
 
-// The part of a plane's samples that stand at the white level, before black is taken off.
-double clipped_fraction(const RawFrame& frame, int plane);
+// Adds what is above black in row `y` of the frame to the sums of its columns, which belong to two planes in
+// turn.
+void add_light(const RawFrame& frame, int y, const BlackLevel& black, std::vector<uint32_t>& column_sums);
+
+// The part of each plane's samples that stand at the white level, before black is taken off.
+std::array<double, 4> clipped_fractions(const RawFrame& frame);
 
 } // namespace zerklsc::tool

@@ -15,11 +15,6 @@ Canvas::Canvas(int width, int height, Rgb background)
     : width_(width), height_(height),
       pixels_(static_cast<size_t>(width) * static_cast<size_t>(height), background) {}
 
-void Canvas::set(int x, int y, Rgb colour) {
-    if (x >= 0 && x < width_ && y >= 0 && y < height_)
-        pixels_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)] = colour;
-}
-
 void Canvas::fill(Rectangle area, Rgb colour) {
     for (int y = area.y; y < area.y + area.height; ++y)
         for (int x = area.x; x < area.x + area.width; ++x)

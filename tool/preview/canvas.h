@@ -1,6 +1,7 @@
 // A picture in memory with what is needed to draw on it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -24,7 +25,10 @@ class Canvas {
     const std::vector<Rgb>& pixels() const { return pixels_; }
 
     // Drawing outside the picture does nothing.
-    void set(int x, int y, Rgb colour);
+    void set(int x, int y, Rgb colour) {
+        if (x >= 0 && x < width_ && y >= 0 && y < height_)
+            pixels_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)] = colour;
+    }
     void fill(Rectangle area, Rgb colour);
     // A line of one pixel around the area, outside of it.
     void frame(Rectangle area, Rgb colour);

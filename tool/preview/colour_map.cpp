@@ -50,7 +50,9 @@ constexpr Map diverging{{{1, 97, 189},
                          {175, 47, 9}}};
 
 uint8_t between(uint8_t a, uint8_t b, double t) {
-    return static_cast<uint8_t>(std::lround(a + (b - a) * t));
+    const double value = a + (b - a) * t;
+    const int whole = static_cast<int>(value);
+    return static_cast<uint8_t>(value - whole < 0.5 ? whole : whole + 1); // as lround() does
 }
 
 Rgb look_up(const Map& map, double t) {

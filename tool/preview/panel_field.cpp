@@ -1,4 +1,4 @@
-// PanelField, brightness_field, clipped_places, block_field, node_field, gain_field
+// PanelField, brightness_fields, clipped_places, block_field, node_field, gain_field
 #include "preview/panel_field.h"
 
 #include <algorithm>
@@ -9,35 +9,39 @@
 namespace zerklsc::tool {
 namespace {
 
-// The samples of a plane that fall on one drawn pixel: one at least.
-struct SamplesUnder {
-    int x0, x1, y0, y1;
+// Along a side, the samples of a plane that fall on one drawn pixel: one at least.
+struct Under {
+    int begin, end;
 
-    SamplesUnder(const RawFrame& frame, PanelSize size, int x, int y) {
-        const int w = frame.width / 2, h = frame.height / 2;
-        x0 = x * w / size.width, x1 = std::max((x + 1) * w / size.width, x0 + 1);
-        y0 = y * h / size.height, y1 = std::max((y + 1) * h / size.height, y0 + 1);
-    }
-    double count() const { return double(x1 - x0) * (y1 - y0); }
+    Under(int pixel, int pixels, int samples)
+        : begin(pixel * samples / pixels), end(std::max((pixel + 1) * samples / pixels, begin + 1)) {}
+    int count() const { return end - begin; }
 };
 
-// The mean of what is above `black`.
-double mean_of(const RawFrame& frame, int plane, const SamplesUnder& under, int black) {
-    uint64_t sum = 0;
-    for (int j = under.y0; j < under.y1; ++j)
-        for (int i = under.x0; i < under.x1; ++i) {
-            const int light = frame.at(2 * i + (plane & 1), 2 * j + (plane >> 1)) - black;
-            sum += static_cast<uint64_t>(std::max(light, 0));
-        }
-    return static_cast<double>(sum) / under.count();
+// Adds a row of pixels to the field of a plane, by the sums of its columns, every second of which is its own,
+// over the samples of `rows`.
+void add_means(const uint32_t* column_sums, int columns, const Under& rows, PanelField& field) {
+    for (int x = 0; x < field.width; ++x) {
+        const Under under(x, field.width, columns);
+        uint64_t sum = 0;
+        for (int i = under.begin; i < under.end; ++i)
+            sum += column_sums[2 * i];
+        field.values.push_back(static_cast<double>(sum) / (double(under.count()) * rows.count()));
+    }
 }
 
-bool any_clipped(const RawFrame& frame, int plane, const SamplesUnder& under) {
-    for (int j = under.y0; j < under.y1; ++j)
-        for (int i = under.x0; i < under.x1; ++i)
+bool any_clipped(const RawFrame& frame, int plane, const Under& columns, const Under& rows) {
+    for (int j = rows.begin; j < rows.end; ++j)
+        for (int i = columns.begin; i < columns.end; ++i)
             if (frame.at(2 * i + (plane & 1), 2 * j + (plane >> 1)) >= frame.white_level())
                 return true;
     return false;
+}
+
+PanelField empty_field(PanelSize size) {
+    PanelField field{size.width, size.height, {}};
+    field.values.reserve(static_cast<size_t>(size.width) * static_cast<size_t>(size.height));
+    return field;
 }
 
 // Values that lie `stride` apart.
@@ -48,9 +52,10 @@ struct Line {
 
 // Replaces each value by the mean over a window that is cut off at the ends.
 void smooth(Line line, int radius) {
-    std::vector<double> sums{0}; // of so many values from the beginning
+    std::vector<double> sums(static_cast<size_t>(line.count) + 1); // of so many values from the beginning
     for (int i = 0; i < line.count; ++i)
-        sums.push_back(sums.back() + line.values[static_cast<ptrdiff_t>(i) * line.stride]);
+        sums[static_cast<size_t>(i) + 1] =
+            sums[static_cast<size_t>(i)] + line.values[static_cast<ptrdiff_t>(i) * line.stride];
     for (int i = 0; i < line.count; ++i) {
         const int begin = std::max(i - radius, 0), end = std::min(i + radius + 1, line.count);
         const double sum = sums[static_cast<size_t>(end)] - sums[static_cast<size_t>(begin)];
@@ -97,26 +102,37 @@ PanelField PanelField::scaled(double factor) const {
     return result;
 }
 
-PanelField brightness_field(const RawFrame& frame, int plane, int black, PanelSize size) {
-    PanelField field{size.width, size.height, {}};
-    for (int y = 0; y < size.height; ++y)
-        for (int x = 0; x < size.width; ++x)
-            field.values.push_back(mean_of(frame, plane, SamplesUnder(frame, size, x, y), black));
-    for (int round = 0; round < 2; ++round)
-        smooth(field, 3);
-    return field;
+std::array<PanelField, 4> brightness_fields(const RawFrame& frame, const BlackLevel& black, PanelSize size) {
+    std::array fields{empty_field(size), empty_field(size), empty_field(size), empty_field(size)};
+    std::vector<uint32_t> sums(static_cast<size_t>(frame.width));
+    for (int y = 0; y < size.height; ++y) {
+        const Under rows(y, size.height, frame.height / 2);
+        for (const int parity : {0, 1}) {
+            std::ranges::fill(sums, 0U);
+            for (int j = rows.begin; j < rows.end; ++j)
+                add_light(frame, 2 * j + parity, black, sums);
+            for (const size_t column : {0, 1})
+                add_means(&sums[column], frame.width / 2, rows,
+                          fields[2 * static_cast<size_t>(parity) + column]);
+        }
+    }
+    for (PanelField& field : fields)
+        for (int round = 0; round < 2; ++round)
+            smooth(field, 3);
+    return fields;
 }
 
 std::vector<bool> clipped_places(const RawFrame& frame, int plane, PanelSize size) {
     std::vector<bool> places;
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x)
-            places.push_back(any_clipped(frame, plane, SamplesUnder(frame, size, x, y)));
+            places.push_back(any_clipped(frame, plane, Under(x, size.width, frame.width / 2),
+                                         Under(y, size.height, frame.height / 2)));
     return places;
 }
 
 PanelField block_field(const BlockMeans& blocks, PanelSize size) {
-    PanelField field{size.width, size.height, {}};
+    PanelField field = empty_field(size);
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x) {
             // Half a block beyond the middles of the outermost blocks, these go on.
@@ -134,7 +150,7 @@ PanelField node_field(const GainTables& tables, const std::vector<double>& value
     const auto node = [&](int i, int j) {
         return values[static_cast<size_t>((j + 1) * tables.table_width + i + 1)];
     };
-    PanelField field{size.width, size.height, {}};
+    PanelField field = empty_field(size);
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x) {
             const double u = (x + 0.5) * tables.plane_width() / size.width / tables.step;

@@ -1,6 +1,7 @@
 // A quantity over a plane at the size at which it is drawn.
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "imaging/gain_tables.h"
@@ -27,8 +28,8 @@ struct PanelSize {
     int width, height;
 };
 
-// The plane's brightness above `black`, averaged so far that noise does not show.
-PanelField brightness_field(const RawFrame& frame, int plane, int black, PanelSize size);
+// The planes' brightness above `black`, averaged so far that noise does not show.
+std::array<PanelField, 4> brightness_fields(const RawFrame& frame, const BlackLevel& black, PanelSize size);
 
 // Which pixels of such a field, row by row, lie over a sample of the plane at the white level.
 std::vector<bool> clipped_places(const RawFrame& frame, int plane, PanelSize size);

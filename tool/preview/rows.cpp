@@ -31,6 +31,7 @@ double usual_reach(std::vector<double> deviations) {
 // The scale of deviations in percent, the same to both sides.
 void set_deviation_scale(PanelRow& row) {
     std::vector<double> all;
+    all.reserve(row.panels.size() * row.panels.front().field.values.size());
     for (const Panel& panel : row.panels)
         all.insert(all.end(), panel.field.values.begin(), panel.field.values.end());
     const double reach = usual_reach(std::move(all));
@@ -73,13 +74,15 @@ bool Shown::any_clipped() const {
 
 Shown show(const RawFrame& frame, PanelSize size) {
     Shown shown{*frame.pattern, measure_planes(frame, *frame.black, usual_blocks(frame)), {}, {}, {}};
+    auto brightness = brightness_fields(frame, *frame.black, size);
+    const auto clipped = clipped_fractions(frame);
     for (size_t i = 0; i < all_colours.size(); ++i) {
-        const int plane = plane_of_colour(shown.pattern, all_colours[i]);
-        const int black = (*frame.black)[static_cast<size_t>(plane)];
-        shown.brightness[i] = brightness_field(frame, plane, black, size);
-        shown.clipped_fraction[i] = clipped_fraction(frame, plane);
-        if (shown.clipped_fraction[i] > 0)
-            shown.clipped[i] = clipped_places(frame, plane, size);
+        const int number = plane_of_colour(shown.pattern, all_colours[i]);
+        const auto plane = static_cast<size_t>(number);
+        shown.brightness[i] = std::move(brightness[plane]);
+        shown.clipped_fraction[i] = clipped[plane];
+        if (clipped[plane] > 0)
+            shown.clipped[i] = clipped_places(frame, number, size);
     }
     return shown;
 }

@@ -34,29 +34,34 @@ Rgb darker(Rgb c) {
     return {dim(c.r), dim(c.g), dim(c.b)};
 }
 
-bool crosses_contour(const PanelRow& row, const PanelField& field, int x, int y) {
+// Between which contours each pixel of a line lies, and after the last one what it has.
+std::vector<double> bands_of(const PanelRow& row, const PanelField& field, int y) {
+    std::vector<double> bands(static_cast<size_t>(field.width) + 1);
     if (row.contour <= 0)
-        return false;
+        return bands;
     // The ends of the scale are no contours: a field touches them in single points.
-    const auto band = [&](int i, int j) {
-        const double value = field.at(std::min(i, field.width - 1), std::min(j, field.height - 1));
-        return std::ceil(std::clamp(value, row.low, row.high) / row.contour);
-    };
-    return band(x, y) != band(x + 1, y) || band(x, y) != band(x, y + 1);
+    for (int x = 0; x < field.width; ++x)
+        bands[static_cast<size_t>(x)] =
+            std::ceil(std::clamp(field.at(x, y), row.low, row.high) / row.contour);
+    bands.back() = bands[bands.size() - 2];
+    return bands;
 }
 
 void draw_field(Canvas& canvas, int left, int top, const PanelRow& row, const Panel& panel) {
     const PanelField& field = panel.field;
-    for (int y = 0; y < field.height; ++y)
+    std::vector<double> bands, below = bands_of(row, field, 0);
+    for (int y = 0; y < field.height; ++y) {
+        bands = std::move(below);
+        below = bands_of(row, field, std::min(y + 1, field.height - 1));
         for (int x = 0; x < field.width; ++x) {
+            const auto at = static_cast<size_t>(x);
             const Rgb colour = colour_of(row, field.at(x, y));
             const bool clipped =
                 !panel.clipped.empty() && panel.clipped[static_cast<size_t>(y * field.width + x)];
-            canvas.set(left + x, top + y,
-                       clipped                             ? clipping_ink
-                       : crosses_contour(row, field, x, y) ? darker(colour)
-                                                           : colour);
+            const bool contour = bands[at] != bands[at + 1] || bands[at] != below[at];
+            canvas.set(left + x, top + y, clipped ? clipping_ink : contour ? darker(colour) : colour);
         }
+    }
 }
 
 void draw_panel(Canvas& canvas, int left, int top, const PanelRow& row, const Panel& panel) {
