@@ -25,6 +25,7 @@ TEST(Filter, CoversStrideManyRowsOfTheGivenColumns) {
                  {6, 4, gaussian(2, &sigma)},
                  {6, 4, box(0)},
                  {5, 5, box(1, 77)},
+                 {1, 9, box(2)},
                  {9, 12, box(3)},
                  {40, 33, box(7)},
                  {20, 35, box(90)},

@@ -67,12 +67,15 @@ TEST(TableMapping, NodePositionsKeepSixteenBits) {
     const lsc2d_crop whole{0, 0, 60001, 20};
     ASSERT_EQ(lsc2d_table_mapping(&src, &dst, &whole), 0);
     EXPECT_EQ(to[1 * 6 + 4], 4000 + 2446);
-    // The furthest position is not that of the last node: a source that holds no more than the last one needs
-    // is refused.
+    // The furthest position is not that of the last node but of one in between, or the first: a source that
+    // holds no more than the last one needs is refused.
     const std::vector<uint16_t> before = to.copy();
     lsc2d_table_desc narrow = src;
     narrow.table_w = 5;
     EXPECT_EQ(lsc2d_table_mapping(&narrow, &dst, &whole), -1);
+    const lsc2d_table_desc few{20001, 20, 10000, 10, 5, 5, to.data()}; // from 60000, 4464 and 14464
+    const lsc2d_crop far_right{60000, 0, 20001, 20};
+    EXPECT_EQ(lsc2d_table_mapping(&narrow, &few, &far_right), -1);
     const lsc2d_table_desc low{20, 60001, 10, 30000, 5, 5, from.data()},
         tall{20, 60001, 10, 30000, 5, 6, to.data()};
     const lsc2d_crop upright{0, 0, 20, 60001};
