@@ -29,7 +29,7 @@ function(zerklsc_add_kernel source)
         target_compile_definitions(${object} PRIVATE ZERKLSC_INSTRUCTION_SET=${instruction_set})
         target_link_libraries(${object} PRIVATE zerklsc_library_flags)
         target_compile_options(${object} PRIVATE ${ZERKLSC_FLAGS_${instruction_set}} -O3)
-        if(NOT kernel_NARROW)
+        if(NOT kernel_NARROW AND ZERKLSC_TARGET_X86)
             # Three copies: loops are written out up to a size above which it no longer made them faster.
             target_compile_options(${object} PRIVATE
                                    $<$<CXX_COMPILER_ID:GNU>:--param=max-completely-peeled-insns=60>)

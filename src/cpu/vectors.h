@@ -92,15 +92,16 @@ ZERKLSC_SIMD void prefetch(const uint16_t* in, uint16_t* out) {
 // Operations that each family has instructions of its own for. Words are read as signed, but by multiply_high
 // and saturating_subtract.
 //   every_lane<i>(a)           lane i of the words a in every lane
-//   pair_dot(a, b)             sums of the products of two neighbouring words, modulo 2^32
-//   pack(a, b)                 sums as words, saturated; in each 16 bytes first those of a, then those of b
 //   interleave_low, _high      words of a and b in turn, from the low or high half of each 16 bytes
 //   lower, higher(a, b)        minimum, maximum
+//   saturating_subtract(a, b)  a - b, 0 where b is more
+//   is_zero(a)                 whether no bit is set
+// All but NEON, which has better for the same purpose, also have
+//   pair_dot(a, b)             sums of the products of two neighbouring words, modulo 2^32
+//   pack(a, b)                 sums as words, saturated; in each 16 bytes first those of a, then those of b
 //   multiply_high(a, b)        upper halves of the products
 //   multiply_rounded(a, b)     products by 2^15, rounded half up; words below 2^15. Only where it is one
 //                              instruction, as `multiplies_rounded_at_once` says
-//   saturating_subtract(a, b)  a - b, 0 where b is more
-//   is_zero(a)                 whether no bit is set
 #if defined(__SSE2__) && (ZERKLSC_VECTOR_BYTES < 32 || defined(__AVX2__))                                    \
     && (ZERKLSC_VECTOR_BYTES < 64 || defined(__AVX512BW__))
 #include "cpu/vectors_x86.h"

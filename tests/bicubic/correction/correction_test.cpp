@@ -11,13 +11,18 @@
 #include "support/instruction_sets.h"
 
 #if defined(__x86_64__) || defined(__i386__)
-// The vectors of the widest instruction set, built for the base instruction set.
+// The vectors of the widest instruction set, built for the base instruction set, and the form without
+// vectors.
 namespace zerklsc::wide {
 void correct_cells(const Correction& correction);
 }
-constexpr auto correct_wide = zerklsc::wide::correct_cells;
+namespace zerklsc::words {
+void correct_cells(const Correction& correction);
+}
+constexpr auto correct_wide = zerklsc::wide::correct_cells, correct_words = zerklsc::words::correct_cells;
 #else
-constexpr auto correct_wide = zerklsc::plain::correct; // no vectors are longer than those that run here
+// No vectors are longer than those that run here, and base may have none.
+constexpr auto correct_wide = zerklsc::plain::correct, correct_words = correct_wide;
 #endif
 
 namespace {
@@ -69,7 +74,8 @@ class Correction : public ::testing::Test {
         form(c);
     }
 
-    // The library's function on each instruction set, the plain form, the widest vectors; in place and not.
+    // The library's function on each instruction set, the plain form, the widest vectors and none; in place
+    // and not.
     void compare(const CorrectionModel& model) {
         const auto expected = model.corrected();
         const auto function = model.vessal2 ? bicubic_lnc_correction_vessaL2 : bicubic_lnc_correction_tvessa2;
@@ -77,10 +83,12 @@ class Correction : public ::testing::Test {
         for (const std::string& form : forms) {
             Guarded<uint16_t>& result = random.between(0, 1) == 0 ? frame.in : frame.out;
             std::copy(model.in.begin(), model.in.end(), frame.in.data());
-            if (form == "plain") {
-                correct(model, zerklsc::plain::correct, result.data(), frame);
-            } else if (form == "wide") {
-                correct(model, correct_wide, result.data(), frame);
+            const auto unchosen = form == "plain"   ? zerklsc::plain::correct
+                                  : form == "wide"  ? correct_wide
+                                  : form == "words" ? correct_words
+                                                    : nullptr;
+            if (unchosen != nullptr) {
+                correct(model, unchosen, result.data(), frame);
             } else {
                 setenv("ZERKLSC_CPU", form.c_str(), 1);
                 EXPECT_EQ(function(frame.in.data(), result.data(), frame.param.data()), 0);
@@ -100,7 +108,7 @@ class Correction : public ::testing::Test {
 
     static std::vector<std::string> all_forms() {
         std::vector<std::string> words = instruction_set_words();
-        words.insert(words.end(), {"plain", "wide"});
+        words.insert(words.end(), {"plain", "wide", "words"});
         return words;
     }
 
