@@ -120,6 +120,8 @@ TEST(OtpContainer, RefusesWhatTheLibraryCannotDecode) {
     const OtpContainer container{BayerPattern::rggb, 0, 24, 48, 4, 5, 12, "", std::string(18, '\0')};
     const std::string fault = fault_of(encode_otp_container(container));
     EXPECT_TRUE(fault.starts_with("m: grid: 4 x 5 in mode 0 cannot be stored")) << fault;
+    const OtpContainer empty{BayerPattern::rggb, 0, 36, 60, 6, 8, 6, "", ""};
+    EXPECT_TRUE(fault_of(encode_otp_container(empty)).starts_with("m: stream size: is 0, "));
 }
 
 } // namespace
