@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "io/sample_rows.h"
+#include "io/tiff_tags.h"
 
 namespace zerklsc::tool {
 namespace {
