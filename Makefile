@@ -1,7 +1,7 @@
 # The two commands of the README, and what they are made of. Everything is built in build/ by CMake's presets.
 
 .DEFAULT_GOAL := help
-.PHONY: help demo test fuzz coverage test-targets test-memory test-verdicts test-slurm test-kills mutate bench bench-line package release configured packages test-faults
+.PHONY: help demo test fuzz coverage test-targets test-memory test-verdicts test-slurm test-kills mutate bench bench-arm bench-line package release configured packages test-faults
 
 help:
 	@echo "make demo           install what is missing, build, calibrate and correct a simulated module, show the result"
@@ -17,6 +17,7 @@ help:
 	@echo "make mutate         change the library in 80 small ways and the tool in 40, one at a time, and tell what share the tests catch"
 	@echo "make bench          install what is missing, build, time every kernel and function against its plain form and its peers, each"
 	@echo "                    command against a copy of its file; RENEW=1 writes the latter into docs/performance.md"
+	@echo "make bench-arm      count the instructions of the corrections on ARM; RENEW=1 writes them into docs/performance.md"
 	@echo "make bench-line     measure what a line of modules costs; RENEW=1 writes it into docs/scale.md"
 	@echo "make package        install what is missing, make Debian packages in build/package, check them"
 
@@ -98,6 +99,12 @@ bench: packages
 	@cmake --build --preset release
 	@build/release/bench/zerklsc_bench --bench --functions --memory
 	@bench/file_cost.py --tool build/release/tool/zerklsc $(if $(RENEW),--renew docs/performance.md)
+
+bench-arm: packages
+	@cmake/install-packages.sh arm
+	@set -e; for preset in arm aarch64; do \
+	    cmake --preset "$$preset" > /dev/null; cmake --build --preset "$$preset" --target zerklsc_correct_once; done
+	@bench/arm_counts.py --arm build/arm --aarch64 build/aarch64 $(if $(RENEW),--renew docs/performance.md)
 
 bench-line: configured
 	@cmake/install-packages.sh bench

@@ -8,6 +8,7 @@
 #   coverage what counts the branches that the tests take
 #   lint     what looks at the sources: formatting, faults, scripts, the reference of the header
 #   package  Debian's tools for packages
+#   arm      cross compilers of both ARMs, an emulator and models of their processors
 #   bench    the libraries that the benchmarks compare with, and a profiler
 #   slurm    a scheduler, to try a lot over several machines
 set -eu
@@ -24,8 +25,9 @@ packages_of() {
     lint) echo clang-format clang-tidy shellcheck doxygen ;;
     package) echo build-essential debhelper dpkg-dev doxygen lintian ;;
     bench) echo libopencv-imgproc-dev liblensfun-dev libeigen3-dev libopenblas-dev linux-perf ;;
+    arm) echo g++-arm-linux-gnueabihf g++-aarch64-linux-gnu googletest qemu-user llvm ;;
     slurm) echo slurm-wlm munge ;;
-    *) echo "install-packages.sh: unknown step '$1' (build, ci, afl, targets, memory, coverage, lint, package, bench or slurm)" >&2 && exit 2 ;;
+    *) echo "install-packages.sh: unknown step '$1' (build, ci, afl, targets, memory, coverage, lint, package, arm, bench or slurm)" >&2 && exit 2 ;;
     esac
 }
 
