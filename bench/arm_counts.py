@@ -53,11 +53,11 @@ def per_pixel(build, processor, *arguments):
 
 
 def inner_loop(build, triplet, instruction_set):
-    """The smallest loop that prefetches, in the function that corrects cells of many pixels."""
+    """The smallest loop that prefetches, in the function that corrects whole cells."""
     kernel, = build.glob(f"src/**/zerklsc_correction_kernel_{instruction_set}.dir/*.o")
     listing = subprocess.run([f"{triplet}-objdump", "-d", "--no-show-raw-insn", kernel], capture_output=True, text=True,
                              check=True).stdout
-    cells = listing[listing.index("correct_long_cells"):]
+    cells = listing[listing.index("correct_equal_cells"):]
     code = [(int(address, 16), text) for address, text in re.findall(r"^ +([0-9a-f]+):\t(.*)$", cells, re.M)]
     fetch = next(i for i, (_, text) in enumerate(code) if re.match("pld|prfm", text))
     for address, text in code[fetch:]:

@@ -125,15 +125,27 @@ struct Block {
     const PixelTaps* last_taps;
     Strip strips[2];
 
-    [[gnu::always_inline]] Cell cell(int32_t i) const {
-        return {i + 1 < count ? taps : last_taps, cell_nodes(strips[0] + i, strips[1] + i)};
+    [[gnu::always_inline]] CellNodes nodes(int32_t i) const {
+        return cell_nodes(strips[0] + i, strips[1] + i);
     }
 };
 
-[[gnu::noinline]] void correct_long_cells(const Block& block, int32_t cell_pixels, int32_t room,
-                                          const uint16_t* in, uint16_t* out) {
-    for (int32_t i = 0; i < block.count; ++i, room -= cell_pixels, in += cell_pixels, out += cell_pixels)
-        correct_pixels(block.cell(i), smaller_of(cell_pixels, room), room, in, out);
+// Corrects `count` pixels of each cell from `first` to before `end`. It is not inlined, so that its loop has
+// the registers to itself.
+[[gnu::noinline]] void correct_equal_cells(const Block& block, int32_t first, int32_t end,
+                                           const PixelTaps* taps, int32_t count, int32_t room,
+                                           const uint16_t* in, uint16_t* out) {
+    for (int32_t i = first; i < end; ++i, room -= count, in += count, out += count)
+        correct_pixels(Cell{taps, block.nodes(i)}, count, room, in, out);
+}
+
+void correct_long_cells(const Block& block, int32_t cell_pixels, int32_t room, const uint16_t* in,
+                        uint16_t* out) {
+    const int32_t last = block.count - 1;
+    const int32_t x = last * cell_pixels;
+    correct_equal_cells(block, 0, last, block.taps, cell_pixels, room, in, out);
+    correct_equal_cells(block, last, block.count, block.last_taps, smaller_of(cell_pixels, room - x),
+                        room - x, in + x, out + x);
 }
 
 // Lays out the gains of all cells, each of which overwrites what the one before has beyond its pixels.
@@ -143,7 +155,7 @@ void correct_short_cells(const Block& block, int32_t cell_pixels, int32_t room, 
     const int32_t pixels = smaller_of(block.count * cell_pixels, room);
     for (int32_t i = 0; i < block.count; ++i) {
         const int32_t first = i * cell_pixels;
-        Cell cell = block.cell(i);
+        Cell cell{i + 1 < block.count ? block.taps : block.last_taps, block.nodes(i)};
         for (int32_t x = 0; x < smaller_of(cell_pixels, pixels - first); x += pixels_at_once)
             store_pixels(gains + first + x, cell.next());
     }
