@@ -6,8 +6,6 @@
 #include "bicubic/correction/cells.h"
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
-namespace {
-
 // A row is corrected in blocks of so many cells, so that the strip between the passes has a size.
 constexpr int32_t max_cells = 128;
 constexpr int32_t block_columns = max_cells + 3 + columns_at_once;
@@ -15,7 +13,7 @@ constexpr int32_t block_columns = max_cells + 3 + columns_at_once;
 // Gains of neighbouring grid columns on a row of the frame.
 using Strip = uint16_t[block_columns];
 
-int32_t smaller_of(int32_t a, int32_t b) {
+static int32_t smaller_of(int32_t a, int32_t b) {
     return a < b ? a : b;
 }
 
@@ -26,14 +24,14 @@ struct Nodes {
 };
 
 // Whether the table has all of `count` nodes from one on.
-bool has_nodes(const Correction& c, int64_t first, int32_t count) {
+static bool has_nodes(const Correction& c, int64_t first, int32_t count) {
     return first >= 0 && first + count <= int64_t{c.table_w} * c.table_h;
 }
 
 // Copies `count` nodes and fills up a vector. Where the steps name nodes outside the table they go one by
 // one.
-void copy_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row, int32_t count,
-                uint16_t* copy) {
+static void copy_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row, int32_t count,
+                       uint16_t* copy) {
     const int64_t first = int64_t{row} * c.table_w + column;
     store(copy, Columns{});
     if (has_nodes(c, first, count))
@@ -43,8 +41,8 @@ void copy_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row,
             copy[i] = node(c, plane, column + i, row);
 }
 
-void find_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row, int32_t count,
-                Nodes& nodes) {
+static void find_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row, int32_t count,
+                       Nodes& nodes) {
     const int32_t whole = count < columns_at_once ? columns_at_once : count;
     for (int32_t i = 0; i < 4; ++i) {
         const int64_t first = int64_t{row + i} * c.table_w + column;
@@ -55,7 +53,7 @@ void find_nodes(const Correction& c, int32_t plane, int32_t column, int32_t row,
     }
 }
 
-void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, uint16_t* strip) {
+static void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, uint16_t* strip) {
     const int32_t other = weights.anchor == 0 ? 1 : 0;
     const RowTaps taps = row_taps(weights.tap + other);
     const uint16_t* const anchor = nodes.row[weights.anchor];
@@ -71,8 +69,8 @@ void blend_rows(const Nodes& nodes, int32_t count, const PhaseWeights& weights, 
 }
 
 // Fills the strips of both pixels of a Bayer pair with `count` grid columns.
-void fill_strips(const Correction& c, const RowPosition& row, int32_t column, int32_t count,
-                 Strip strips[2]) {
+static void fill_strips(const Correction& c, const RowPosition& row, int32_t column, int32_t count,
+                        Strip strips[2]) {
     for (int32_t side = 0; side < 2; ++side) {
         const int32_t plane = 2 * row.parity + side;
         Nodes nodes;
@@ -86,5 +84,4 @@ void fill_strips(const Correction& c, const RowPosition& row, int32_t column, in
     }
 }
 
-} // namespace
 } // namespace zerklsc::ZERKLSC_INSTRUCTION_SET
