@@ -111,7 +111,7 @@ std::array<PanelField, 4> brightness_fields(const RawFrame& frame, const BlackLe
             std::ranges::fill(sums, 0U);
             for (int j = rows.begin; j < rows.end; ++j)
                 add_light(frame, 2 * j + parity, black, sums);
-            for (const size_t column : {0, 1})
+            for (const size_t column : {size_t{0}, size_t{1}})
                 add_means(&sums[column], frame.width / 2, rows,
                           fields[2 * static_cast<size_t>(parity) + column]);
         }
