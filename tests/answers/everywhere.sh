@@ -11,12 +11,15 @@ declare -A emulator=([x86_64]="" [i686]=qemu-i386 [arm]=qemu-arm [aarch64]=qemu-
 declare -A cpus=([arm]="max cortex-a15,neon=off")
 declare -A flags=([O0]=-O0 [O3]=-O3 [lto]="-O3 -flto")
 
-# build FAMILY COMPILER FORM FOLDER
+# build FAMILY COMPILER FORM FOLDER. Clang's own linker does not know s390x; GNU's crashes where it optimises for 32-bit ARM.
 build() {
     local name=${triple[$1]} chosen=()
     case $2 in
     gcc) chosen=(-DCMAKE_C_COMPILER="${name:+$name-}gcc" -DCMAKE_CXX_COMPILER="${name:+$name-}g++") ;;
-    clang) chosen=(-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=lld) ;;
+    clang)
+        chosen=(-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++)
+        [ "$1" = s390x ] || chosen+=(-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld -DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=lld)
+        ;;
     esac
     if [ -n "$name" ]; then
         chosen+=(-DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR="$1" -DCMAKE_FIND_ROOT_PATH="/usr/$name"
