@@ -98,9 +98,27 @@ LineOff line_off(const std::vector<float>& means, int line) {
     return {mean - (lower + upper) / 2, std::max({lower - mean, mean - upper, 0.0F})};
 }
 
-// Lines whose mean is far from those of their neighbours.
-std::vector<int> find_lines(const std::vector<float>& means, float least) {
-    std::vector<int> lines;
+// How many of the samples of each line stand out, of `lines` that are `stride` samples apart.
+std::vector<int> counts_along(const std::vector<uint32_t>& samples, int lines, int stride) {
+    std::vector<int> counts(static_cast<size_t>(lines));
+    for (const uint32_t place : samples)
+        ++counts[place / static_cast<uint32_t>(stride) % static_cast<uint32_t>(lines)];
+    return counts;
+}
+
+// The lines from `first` to before `end` are off as one: from the line before and from the line behind them.
+bool are_off(const std::vector<float>& means, size_t first, size_t end, float reach) {
+    const float lower = std::min(means[first - 1], means[end]) - reach;
+    const float upper = std::max(means[first - 1], means[end]) + reach;
+    return std::all_of(means.begin() + static_cast<std::ptrdiff_t>(first),
+                       means.begin() + static_cast<std::ptrdiff_t>(end),
+                       [&](float mean) { return mean < lower || mean > upper; });
+}
+
+// Lines whose mean is far from those of their neighbours, and runs of lines of which more than `most` samples
+// stand out: such hide each other.
+std::vector<int> find_lines(const std::vector<float>& means, float least, const std::vector<int>& out,
+                            int most) {
     std::vector<float> from_middle, from_both;
     for (int i = 0; i < static_cast<int>(means.size()); ++i) {
         const LineOff off = line_off(means, i);
@@ -108,8 +126,19 @@ std::vector<int> find_lines(const std::vector<float>& means, float least) {
         from_both.push_back(off.from_both);
     }
     const auto reach = static_cast<float>(8 * deviation_from(from_middle, 0)) + least;
-    for (size_t i = 0; i < from_both.size(); ++i)
-        if (from_both[i] > reach)
+    std::vector<uint8_t> dead(means.size());
+    for (size_t i = 0; i < means.size(); ++i)
+        dead[i] = from_both[i] > reach ? 1 : 0;
+    for (size_t first = 1, end = 1; first < means.size(); first = end + 1) {
+        for (end = first; end < means.size() && out[end] > most; ++end) {
+        }
+        if (end > first && end < means.size() && are_off(means, first, end, reach))
+            std::fill(dead.begin() + static_cast<std::ptrdiff_t>(first),
+                      dead.begin() + static_cast<std::ptrdiff_t>(end), uint8_t{1});
+    }
+    std::vector<int> lines;
+    for (size_t i = 0; i < dead.size(); ++i)
+        if (dead[i] != 0)
             lines.push_back(static_cast<int>(i));
     return lines;
 }
@@ -239,9 +268,13 @@ Outliers find_outliers(const FlatCapture& capture, const Analysis& analysis) {
     for (size_t plane = 0; plane < 4; ++plane) {
         const PlaneTiles& tiles = analysis.tiles.planes[plane];
         const auto least = static_cast<float>(0.01 * analysis.planes[plane].bright);
-        outliers.rows[plane] = find_lines(tiles.row_means, least);
-        outliers.columns[plane] = find_lines(tiles.column_means, least);
         find_samples(capture, analysis, plane, outliers);
+        const int width = capture.frame.width / 2, height = capture.frame.height / 2;
+        const std::vector<uint32_t>& samples = outliers.samples[plane];
+        outliers.rows[plane] =
+            find_lines(tiles.row_means, least, counts_along(samples, height, width), width / 2);
+        outliers.columns[plane] =
+            find_lines(tiles.column_means, least, counts_along(samples, width, 1), height / 2);
         outliers.rest[plane] = rest_of_good_samples(capture, analysis, plane, outliers.samples[plane]);
         find_dust(capture, analysis, plane, outliers);
         // A frame full of them is no frame with dust on it; counting spots would take long.
