@@ -20,6 +20,9 @@
 #endif
 #endif
 
+// How vectors longer than a register are handed on does not matter: every function here is inlined.
+#pragma GCC diagnostic ignored "-Wpsabi"
+
 #define ZERKLSC_SIMD [[gnu::always_inline]] static inline
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {

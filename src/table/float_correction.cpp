@@ -30,23 +30,39 @@ ColumnTaps column_taps(const FloatCorrection& job, int32_t first, int32_t count,
     return {count, job.step_x, first % job.step_x, {taps[0], taps[1], taps[2], taps[3]}};
 }
 
+// The rows from row `first` on that lie between the same table rows, at most as many as go together.
+void weigh_rows(const FloatCorrection& job, int32_t first, RowGroup& group) {
+    const int32_t left = job.step_y - first % job.step_y;
+    group.rows = std::min({most_rows, left, job.height - first});
+    for (int32_t y = 0; y < group.rows; ++y) {
+        const Taps taps = place(first + y, job.step_y).taps;
+        const float weights[4] = {taps.c0, taps.c1, taps.c2, taps.c3};
+        std::copy_n(weights, 4, group.weights[y]);
+    }
+}
+
 // Corrects `count` columns from column `first` on over the whole height.
 void correct_strip(const FloatCorrection& job, int32_t first, int32_t count, float* storage) {
     const auto sum_nodes = ZERKLSC_KERNEL(sum_nodes);
-    const auto correct_row = ZERKLSC_KERNEL(correct_row);
+    const auto correct_rows = ZERKLSC_KERNEL(correct_rows);
     const ColumnTaps columns = column_taps(job, first, count, storage);
     // The row sums of table row r stand in place r % 4.
     const auto sums_of = [&](int64_t r) { return storage + (4 + r % 4) * count; };
+    RowGroup group;
+    group.stride = job.width;
+    group.count = count;
     int64_t next = 0;
-    for (int32_t j = 0; j < job.height; ++j) {
-        const auto [cell, taps] = place(j, job.step_y);
-        for (const int64_t end = int64_t{cell} + 4; next < end; ++next)
+    for (int32_t j = 0; j < job.height; j += group.rows) {
+        const int64_t cell = j / job.step_y;
+        for (; next < cell + 4; ++next)
             sum_nodes(columns, job.table + next * job.row_length + first / job.step_x, sums_of(next));
-        const float* const sums[4] = {sums_of(cell), sums_of(int64_t{cell} + 1), sums_of(int64_t{cell} + 2),
-                                      sums_of(int64_t{cell} + 3)};
-        const float weights[4] = {taps.c0, taps.c1, taps.c2, taps.c3};
+        for (int32_t i = 0; i < 4; ++i)
+            group.sums[i] = sums_of(cell + i);
         const ptrdiff_t start = ptrdiff_t{j} * job.width + first;
-        correct_row(job.src + start, job.dst + start, count, sums, weights);
+        group.src = job.src + start;
+        group.dst = job.dst + start;
+        weigh_rows(job, j, group);
+        correct_rows(group);
     }
 }
 

@@ -28,8 +28,20 @@ struct ColumnTaps {
 // Reduces one table row to a row sum for every column; `nodes` is the first tap of the first column.
 ZERKLSC_DECLARE_KERNEL(sum_nodes, void(const ColumnTaps& columns, const uint16_t* nodes, float* sums))
 
-// Corrects `count` samples of one image row from the row sums of the four table rows around it.
-ZERKLSC_DECLARE_KERNEL(correct_row, void(const uint16_t* src, uint16_t* dst, int32_t count,
-                                         const float* const sums[4], const float weights[4]))
+// So many rows between the same table rows are corrected together, which is faster than one by one.
+inline constexpr int32_t most_rows = 4;
+
+// Neighbouring rows between the same table rows, from one column on; `stride` lies between two rows of each
+// plane.
+struct RowGroup {
+    const uint16_t* src;
+    uint16_t* dst;
+    ptrdiff_t stride;
+    int32_t count, rows; // samples of a row, and rows
+    const float* sums[4];
+    float weights[most_rows][4];
+};
+
+ZERKLSC_DECLARE_KERNEL(correct_rows, void(const RowGroup& group))
 
 } // namespace zerklsc
