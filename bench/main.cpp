@@ -71,8 +71,8 @@ int main(int argc, char** argv) {
         print_machine();
     if (bench) {
         auto rows =
-            gather<Workload>({bicubic_workloads, generator_workloads, sampling_workloads, table_workloads,
-                              bayer_workloads, calibration_workloads, compress_workloads});
+            gather<Workload>({pass_workloads, bicubic_workloads, generator_workloads, sampling_workloads,
+                              table_workloads, bayer_workloads, calibration_workloads, compress_workloads});
         std::erase_if(rows, [&](const Workload& row) { return row.name.find(only) == std::string::npos; });
         print_table(rows, budget, !brief);
         if (only.empty())

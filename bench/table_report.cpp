@@ -61,17 +61,19 @@ std::string cell(double ratio, double goal, bool lower_is_better) {
 }
 
 void print_row(const Workload& row, double budget, bool with_plain) {
-    const Times times = measure(row, budget, with_plain);
+    const bool has_plain = with_plain && row.plain;
+    const Times times = measure(row, budget, has_plain);
     fmt::print("| {} |", row.name);
     for (size_t i = 0; i < levels.size(); ++i)
         fmt::print(" {} |", times.fast[i] > 0 && row.frame_bytes > 0
                                 ? cell(times.fast[i] / times.memcpy[i], row.at_most[i], true)
                                 : "");
     for (size_t i = 0; i < levels.size(); ++i)
-        fmt::print(" {} |", times.fast[i] > 0 && with_plain
+        fmt::print(" {} |", times.fast[i] > 0 && has_plain
                                 ? cell(times.plain / times.fast[i], row.at_least[i], false)
                                 : "");
-    fmt::print(" {:.3g} | {:.3g} |\n", 1e3 * times.highest, 1e3 * times.plain);
+    fmt::print(" {:.3g} | {} |\n", 1e3 * times.highest,
+               has_plain ? fmt::format("{:.3g}", 1e3 * times.plain) : "");
     std::fflush(stdout);
 }
 

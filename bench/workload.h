@@ -32,6 +32,8 @@ struct Check {
     std::function<std::string(testing::Random&)> once;
 };
 
+std::vector<Workload> pass_workloads();
+
 // One file of bench/ for each folder of src/ that has kernels.
 std::vector<Workload> bayer_workloads();
 std::vector<Check> bayer_checks();
