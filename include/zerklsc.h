@@ -549,7 +549,7 @@ ZERKLSC_API int32_t get_pixel_maximum(const pix_point* points, int32_t count);
  * Taps are read at their plain positions, whatever the boundary mode: the caller provides a margin of at
  * least the radius around the region. The level is rounded as by img_sample().
  *
- * Memory for a radius of r: at most 16 * (s2 + 2r + 1) + 4 * (r + 1) + 64 for a box, and
+ * Memory for a radius of r: at most 12 * (s2 + r) + 640 for a box, and
  * (8 * (s2 + 2r + 1) + 16) * (2r + 1) + 4 * (r + 1) for a disc.
  *
  * @param src     first sample of the region in a plane of row stride s1

@@ -31,4 +31,13 @@ Scratch<T> allocate(int32_t width, int32_t height) {
     return allocate<T>(static_cast<uint64_t>(width) * static_cast<uint64_t>(height));
 }
 
+constexpr size_t cache_line = 64;
+
+// The first address from p on where a cache line starts.
+template <class T>
+T* aligned(T* p) {
+    const size_t over = reinterpret_cast<uintptr_t>(p) % cache_line;
+    return p + (over == 0 ? 0 : (cache_line - over) / sizeof(T));
+}
+
 } // namespace zerklsc

@@ -1,9 +1,10 @@
 // img_filter
 #include <algorithm>
 #include <cstddef>
+#include <numeric>
 
-#include "sampling/column_sums.h"
 #include "sampling/mask.h"
+#include "sampling/sum_kernels.h"
 #include "sampling/window.h"
 #include "zerklsc.h"
 
@@ -20,10 +21,76 @@ struct Region {
     ptrdiff_t stride;
 };
 
-// The sums that windows of a size need, and their kernels.
+// Strips whose sums stay in the cache; but not so narrow that the margins at their sides are most of the
+// work.
+int32_t strip_width(const Window& window, int32_t columns) {
+    constexpr int32_t cached_sums = 1 << 16;
+    constexpr int32_t widest = 2048;
+    const int32_t margin = 2 * window.reach_of(0);
+    const int32_t cached = window.box ? widest : cached_sums / (margin + 1) - margin;
+    return std::min(columns, std::max({std::min(cached, widest), 256, margin}));
+}
+
+// A row of boxes that moves down: each step takes one row of samples in and one out.
+class Boxes {
+  public:
+    Boxes(const Window& window, const Region& strip) : window_(window) {
+        const ptrdiff_t half = whole_lines((ptrdiff_t{strip.columns} + 1) / 2);
+        const ptrdiff_t pairs = whole_lines(half + window.radius);
+        memory_ = allocate<uint32_t>(static_cast<uint64_t>(2 * line + 2 * pairs + 4 * half));
+        if (memory_ == nullptr)
+            return;
+        uint32_t* const running = aligned(memory_.get()) + line;
+        uint32_t* const sums = running + 2 * pairs;
+        running[-1] = 0;
+        row_ = {{running + pairs, running}, {sums, sums + half}, {sums + 2 * half, sums + 3 * half}};
+    }
+
+    explicit operator bool() const { return memory_ != nullptr; }
+
+    void filter(const Region& strip) {
+        const uint16_t* const corner = strip.src - window_.radius * (strip.stride + 1);
+        sum_first_row(corner, strip);
+        for (int32_t row = 0; row < strip.rows; ++row) {
+            const uint16_t* const entering = corner + (row + 2 * window_.radius) * strip.stride;
+            const uint16_t* const leaving = row == 0 ? entering : corner + (row - 1) * strip.stride;
+            move_(row_, entering, leaving, window_.radius, strip.columns, window_.scale,
+                  strip.dst + row * strip.stride);
+        }
+    }
+
+  private:
+    // All parts of the memory start with a cache line: vectors across two of them take a fifth longer.
+    static constexpr ptrdiff_t line = cache_line / sizeof(uint32_t);
+
+    static ptrdiff_t whole_lines(ptrdiff_t count) { return (count + line - 1) / line * line; }
+
+    // The sums of the columns stand where the running sums will.
+    void sum_first_row(const uint16_t* corner, const Region& strip) {
+        const int32_t others = 2 * window_.radius;
+        uint32_t* const columns = row_.running[1];
+        std::fill_n(columns, strip.columns + others, 0u);
+        for (int32_t y = 0; y <= others; ++y)
+            add_row_(columns, corner + y * strip.stride, strip.columns + others);
+        uint64_t sum = std::accumulate(columns, columns + others, uint64_t{0});
+        for (ptrdiff_t x = 0; x < strip.columns; ++x) {
+            sum += columns[x + others];
+            row_.high[x % 2][x / 2] = static_cast<uint32_t>(sum / box_high_unit);
+            row_.low[x % 2][x / 2] = static_cast<uint32_t>(sum % box_high_unit);
+            sum -= columns[x];
+        }
+    }
+
+    const Window& window_;
+    Scratch<uint32_t> memory_;
+    BoxRow row_ = {};
+    AddRow* add_row_ = ZERKLSC_KERNEL(add_row);
+    MoveBoxes* move_ = ZERKLSC_KERNEL(move_boxes);
+};
+
+// The sums that discs of a size need, and their kernels.
 struct NarrowSums {
     using Sum = uint32_t;
-    RunningColumns* run_columns = ZERKLSC_KERNEL(running_columns);
     RunningSamples* run_samples = ZERKLSC_KERNEL(running_samples);
     AverageSpans* average;
 
@@ -31,7 +98,6 @@ struct NarrowSums {
         : average(window.taps <= max_small_taps ? ZERKLSC_KERNEL(average_small_spans)
                                                 : ZERKLSC_KERNEL(average_spans)) {}
 
-    void run(const uint32_t* columns, int32_t count, Sum* sums) const { run_columns(columns, count, sums); }
     void run(const uint16_t* samples, int32_t count, Sum* sums) const {
         run_samples(samples, count, 1, sums);
     }
@@ -43,55 +109,11 @@ struct WideSums {
 
     explicit WideSums(const Window&) {}
 
-    template <class Value>
-    static void run(const Value* values, int32_t count, Sum* sums) {
+    static void run(const uint16_t* samples, int32_t count, Sum* sums) {
         sums[0] = 0;
         for (ptrdiff_t i = 0; i < count; ++i)
-            sums[i + 1] = sums[i] + values[i];
+            sums[i + 1] = sums[i] + samples[i];
     }
-};
-
-// Strips whose sums stay in the cache; but not so narrow that the margins at their sides are most of the
-// work.
-int32_t strip_width(const Window& window, int32_t columns) {
-    constexpr int32_t cached_sums = 1 << 16;
-    constexpr int32_t widest = 2048;
-    const int32_t margin = 2 * window.reach_of(0);
-    const int32_t cached = window.box ? widest : cached_sums / (margin + 1) - margin;
-    return std::min(columns, std::max({std::min(cached, widest), 256, margin}));
-}
-
-// The sums of the columns under a row of boxes move down with it, and a box is one span of their running
-// sums.
-template <class Kernels>
-class Boxes {
-  public:
-    using Sum = typename Kernels::Sum;
-
-    Boxes(const Window& window, const Region& strip)
-        : kernels_(window), window_(window), side_(2 * window.radius + 1),
-          sums_(strip.columns + side_ - 1, strip.stride, side_, 1),
-          running_(allocate<Sum>(static_cast<uint64_t>(strip.columns) + static_cast<uint64_t>(side_))) {}
-
-    explicit operator bool() const { return sums_ && running_ != nullptr; }
-
-    void filter(const Region& strip) {
-        const int32_t width = strip.columns + side_ - 1;
-        const SpanRow<Sum> span = {running_.get(), running_.get() + side_};
-        sums_.start(strip.src - window_.radius, width);
-        for (int32_t row = 0; row < strip.rows; ++row) {
-            sums_.move_to(row - window_.radius);
-            kernels_.run(sums_.columns(), width, running_.get());
-            kernels_.average(&span, 1, strip.columns, window_.scale, strip.dst + row * strip.stride);
-        }
-    }
-
-  private:
-    Kernels kernels_;
-    const Window& window_;
-    int32_t side_;
-    ColumnSums sums_;
-    Scratch<Sum> running_;
 };
 
 // The running sums of the rows under a disc serve all discs that they lie under: row y stands in place y %
@@ -167,12 +189,6 @@ bool filter_strips(const Region& region, const Window& window) {
     return true;
 }
 
-template <class Kernels>
-bool filter_with(const Region& region, const Window& window) {
-    return window.box ? filter_strips<Boxes<Kernels>>(region, window)
-                      : filter_strips<Discs<Kernels>>(region, window);
-}
-
 } // namespace
 
 // s1 is both the row stride and the number of rows, s2 the number of columns: callers pass width and height
@@ -187,7 +203,8 @@ int32_t img_filter(const uint16_t* src, uint16_t* dst, int32_t s1, int32_t s2, c
         return -1;
     if (s1 < 1 || s2 < 1)
         return 0;
-    const bool narrow = window.taps <= max_narrow_taps;
-    return (narrow ? filter_with<NarrowSums>(region, window) : filter_with<WideSums>(region, window)) ? 0
-                                                                                                      : -1;
+    const bool filtered = window.box                       ? filter_strips<Boxes>(region, window)
+                          : window.taps <= max_narrow_taps ? filter_strips<Discs<NarrowSums>>(region, window)
+                                                           : filter_strips<Discs<WideSums>>(region, window);
+    return filtered ? 0 : -1;
 }

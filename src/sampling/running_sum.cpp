@@ -1,7 +1,5 @@
 // Running sums of a row, and the averages over windows whose rows are spans between them.
-#include <utility>
-
-#include "cpu/vectors.h"
+#include "sampling/running_lanes.h"
 #include "sampling/sum_kernels.h"
 
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
@@ -9,35 +7,9 @@ namespace {
 
 using Narrow = Vector<uint32_t>;
 using Wide = Vector<uint64_t>;
-using Lanes = std::make_integer_sequence<int, lanes<Narrow>>;
 
-// As many elements of another type.
-template <class T, class V>
-using As = Vector<T, lanes<V> * int32_t{sizeof(T)}>;
-
-// The lanes moved up by `by`, with zeros below them.
-template <int by, class V, int... lane>
-ZERKLSC_SIMD V moved_up(V v, std::integer_sequence<int, lane...>) {
-    return shuffle<(lane < by ? lane : lanes<V> + lane - by)...>(V{}, v);
-}
-
-// The highest `interleave` lanes, over and over.
-template <int interleave, class V, int... lane>
-ZERKLSC_SIMD V highest(V v, std::integer_sequence<int, lane...>) {
-    return shuffle<(lanes<V> - interleave + lane % interleave)...>(v, v);
-}
-
-// Every lane plus all those below it at multiples of `interleave`.
-template <int interleave, class V>
-ZERKLSC_SIMD V running(V v) {
-    if constexpr (interleave < lanes<V>)
-        return running<2 * interleave>(v + moved_up<interleave>(v, Lanes{}));
-    else
-        return v;
-}
-
-template <int interleave, class Value>
-ZERKLSC_SIMD void run_along(const Value* values, int32_t count, uint32_t* sums) {
+template <int interleave>
+ZERKLSC_SIMD void run_along(const uint16_t* samples, int32_t count, uint32_t* sums) {
     using V = Narrow;
     for (int32_t i = 0; i < interleave; ++i)
         sums[i] = 0;
@@ -45,12 +17,13 @@ ZERKLSC_SIMD void run_along(const Value* values, int32_t count, uint32_t* sums) 
     int32_t i = 0;
     V carry{};
     for (; i + lanes<V> <= count; i += lanes<V>) {
-        const V sum = running<interleave>(__builtin_convertvector(load<As<Value, V>>(values + i), V)) + carry;
+        const V sum =
+            running<interleave>(__builtin_convertvector(load<As<uint16_t, V>>(samples + i), V)) + carry;
         store(sums + i, sum);
-        carry = highest<interleave>(sum, Lanes{});
+        carry = highest<interleave>(sum);
     }
     for (; i < count; ++i)
-        sums[i] = sums[i - interleave] + values[i];
+        sums[i] = sums[i - interleave] + samples[i];
 }
 
 // How sums become floats, rounded once.
@@ -115,10 +88,6 @@ void running_samples(const uint16_t* samples, int32_t count, int32_t interleave,
         run_along<2>(samples, count, sums);
     else
         run_along<1>(samples, count, sums);
-}
-
-void running_columns(const uint32_t* columns, int32_t count, uint32_t* sums) {
-    run_along<1>(columns, count, sums);
 }
 
 void average_spans(const SpanRow<uint32_t>* rows, int32_t row_count, int32_t count, float scale,

@@ -23,9 +23,6 @@ using ExchangeRow = void(uint32_t* sums, const uint16_t* entering, const uint16_
 // is 1 or 2.
 using RunningSamples = void(const uint16_t* samples, int32_t count, int32_t interleave, uint32_t* sums);
 
-// The same with sums of columns in place of samples, without an interleave.
-using RunningColumns = void(const uint32_t* columns, int32_t count, uint32_t* sums);
-
 // A row of a window by the running sums at its two ends, for the leftmost of the windows that stand side by
 // side.
 template <class Sum>
@@ -41,13 +38,28 @@ using AverageSpans = void(const SpanRow<uint32_t>* rows, int32_t row_count, int3
 using AverageWideSpans = void(const SpanRow<uint64_t>* rows, int32_t row_count, int32_t count, float scale,
                               uint16_t* dst);
 
+// A row of boxes side by side. What belongs to even numbers and to odd ones stands apart, for number x in
+// place x / 2.
+struct BoxRow {
+    uint32_t* running[2]; // working memory, for each sample of a row under the boxes; running[1][-1] is 0
+    uint32_t* high[2];    // the sum under each box is high * box_high_unit + low
+    uint32_t* low[2];     // below box_high_unit
+};
+constexpr int32_t box_low_bits = 22;
+constexpr int32_t box_high_unit = 1 << box_low_bits;
+
+// Takes a row of samples into `count` boxes and another one out of them, from the first sample under the
+// first box on, and writes the rounded levels: the sums times `scale`, which is 1 by the number of taps.
+using MoveBoxes = void(BoxRow boxes, const uint16_t* entering, const uint16_t* leaving, int32_t radius,
+                       int32_t count, float scale, uint16_t* dst);
+
 ZERKLSC_DECLARE_KERNEL(add_pairs, AddPairs)
 ZERKLSC_DECLARE_KERNEL(add_row, AddRow)
 ZERKLSC_DECLARE_KERNEL(exchange_row, ExchangeRow)
 ZERKLSC_DECLARE_KERNEL(running_samples, RunningSamples)
-ZERKLSC_DECLARE_KERNEL(running_columns, RunningColumns)
 ZERKLSC_DECLARE_KERNEL(average_spans, AverageSpans)
 ZERKLSC_DECLARE_KERNEL(average_small_spans, AverageSpans)
 ZERKLSC_DECLARE_KERNEL(average_wide_spans, AverageWideSpans)
+ZERKLSC_DECLARE_KERNEL(move_boxes, MoveBoxes)
 
 } // namespace zerklsc

@@ -28,9 +28,7 @@ TEST(Filter, CoversStrideManyRowsOfTheGivenColumns) {
                  {1, 9, box(2)},
                  {9, 12, box(3)},
                  {40, 33, box(7)},
-                 {20, 35, box(90)},
-                 {20, 35, box(91)},
-                 {20, 35, box(127)},
+                 {20, 99, box(90)},
                  {8, 35, box(128)},
                  {3, 70, box(9)},
                  {41, 67, gaussian(9, &sigma)},
@@ -54,6 +52,42 @@ TEST(Filter, CoversStrideManyRowsOfTheGivenColumns) {
             EXPECT_EQ(dst.copy(), expected) << s1 << ' ' << s2 << " radius " << filter.filter_radius << cpu;
         });
     }
+}
+
+// Rows of few samples lie over each other, so that large boxes need little memory. Where all samples that
+// enter are bright and all that leave are dark, or the other way round, the sums change the most.
+TEST(Filter, SumsUpLargeBoxesOfExtremes) {
+    Random random(12);
+    const struct {
+        int32_t radius, s1, s2;
+    } cases[] = {{200, 3, 2100}, {511, 9, 77}, {2048, 4, 99}, {11584, 3, 41}};
+    for (const auto& [radius, s1, s2] : cases)
+        for (const uint16_t first : std::vector<uint16_t>{0, 65534, 65535}) {
+            const int64_t margin = int64_t{radius} * (s1 + 1), size = 2 * margin + (s1 - 1) * s1 + s2;
+            std::vector<uint16_t> src(static_cast<size_t>(size), first);
+            std::fill(src.begin() + size / 2, src.end(), first == 65534 ? uint16_t{0} : uint16_t{65535});
+            for (int64_t i = radius % 7; i < size && first < 65535; i += 700)
+                src[static_cast<size_t>(i)] = static_cast<uint16_t>(random.between(0, 65535));
+            std::vector<int64_t> up_to = {0};
+            for (const uint16_t sample : src)
+                up_to.push_back(up_to.back() + sample);
+            std::vector<uint16_t> dst(static_cast<size_t>((s1 - 1) * s1 + s2)), expected(dst.size());
+            const float side = static_cast<float>(2 * radius + 1), scale = 1.0f / (side * side);
+            for (int32_t row = 0; row < s1; ++row)
+                for (int64_t at = row * s1; at < row * s1 + s2; ++at) {
+                    int64_t sum = 0;
+                    for (int64_t y = 0; y <= 2 * radius; ++y)
+                        sum += up_to[static_cast<size_t>(at + y * s1 + 2 * radius + 1)]
+                               - up_to[static_cast<size_t>(at + y * s1)];
+                    expected[static_cast<size_t>(at)] =
+                        static_cast<uint16_t>(static_cast<int32_t>(static_cast<float>(sum) * scale + 0.5f));
+                }
+            const imfilter_t filter = box(radius);
+            on_each_instruction_set([&](const std::string& cpu) {
+                EXPECT_EQ(img_filter(&src[static_cast<size_t>(margin)], dst.data(), s1, s2, &filter), 0);
+                EXPECT_EQ(dst, expected) << radius << ' ' << first << ' ' << cpu;
+            });
+        }
 }
 
 // The disc of sigma 1.5 has one tap in the third row from its centre, which is the last, that of sigma 0.5 in

@@ -179,7 +179,7 @@ constexpr EntryPoint all[] = {
      [](W& b) { return get_filter_mask(b.mask + 2 * b.r * (b.r + 1), b.mask_sum, b.disc); }},
     {"_Z16get_boundary_posiii", [](W& b) { return get_boundary_pos(b.w, -3, 0); }},
     {"img_filter", [](W& b) { return filtered(b, b.box); }, taken,
-     [](const W& b) { return int64_t{16} * (b.s + 2 * b.r + 1) + 4 * (b.r + 1) + 64; }, upper_bound},
+     [](const W& b) { return int64_t{12} * (b.s + b.r) + 640; }, upper_bound},
     {"img_filter", [](W& b) { return filtered(b, b.disc); }, taken,
      [](const W& b) { return (int64_t{8} * (b.s + 2 * b.r + 1) + 16) * (2 * b.r + 1) + 4 * (b.r + 1); }, 2.5},
     {"img_sample_grid", [](W& b) { return samples(b, b.box); }, taken, plane_sums, upper_bound},

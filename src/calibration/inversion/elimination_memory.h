@@ -11,15 +11,6 @@
 
 namespace zerklsc {
 
-constexpr size_t cache_line = 64;
-
-// The first address from p on where a cache line starts.
-template <class T>
-T* aligned(T* p) {
-    const size_t over = reinterpret_cast<uintptr_t>(p) % cache_line;
-    return p + (over == 0 ? 0 : (cache_line - over) / sizeof(T));
-}
-
 // `values` is no smaller than the matrix.
 template <class T>
 struct Workspace {
