@@ -57,8 +57,9 @@ class Presets {
         if (!preset)
             return settings;
         try {
-            set_from_preset(path_in(folder_, *preset), "batch",
-                            [&](Command command) { add_module_options(command, settings.options); });
+            set_from_preset(
+                path_in(folder_, *preset), "batch",
+                [&](Command command) { add_module_options(command, settings.options); }, add_commands);
             check_words(settings.options);
         } catch (const Failure& failure) {
             settings.fault = with_name(failure.what(), path_in(folder_, *preset), *preset);

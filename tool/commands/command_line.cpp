@@ -248,7 +248,7 @@ Request parse_command_line(const Program& program, int argc, char** argv) {
         request.run = [tree = option_tree(app).text()](Report& report) { report.print(tree); };
         return request;
     }
-    words = with_preset(app, words);
+    words = with_preset(app, program.add_commands, words);
     // CLI11 takes the words from the last to the first.
     std::ranges::reverse(words);
     try {

@@ -1,7 +1,6 @@
 // The command line as the commands see it: options that fill variables, with their ranges and defaults.
 //
-// The parser behind it is CLI11. Its headers take several seconds to compile, so only command_line.cpp sees
-// them.
+// The parser behind it is CLI11. Its headers take several seconds to compile, so few files see them.
 #pragma once
 
 #include <cstdint>
@@ -83,12 +82,15 @@ class Command {
     Request* request_; // filled when the command is named
 };
 
+// Adds the command of that name, or all of them where none has it.
+using AddCommands = void (*)(Command, std::string_view name);
+
 // The program as its own help describes it.
 struct Program {
     const char* description;
     const char* footer;
-    std::string version;                                  // what --version prints
-    void (*add_commands)(Command, std::string_view name); // all of them where none has that name
+    std::string version; // what --version prints
+    AddCommands add_commands;
 };
 
 // Finds the command and sets its options. The request has nothing to run where help or the version was asked

@@ -5,7 +5,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "commands.h"
 #include "failure.h"
 #include "io/file_identity.h"
 #include "io/preset_file.h"
@@ -60,14 +59,15 @@ void add_item(const CLI::Option& option, const PresetItem& item, std::vector<std
             usage_failure("--preset: {} is {}: expected true or false", item.name, value);
 }
 
-bool program_has(const std::string& name) {
+bool program_has(AddCommands add_commands, const std::string& name) {
     CLI::App app;
     Request request;
-    add_commands(Command(&app, &request));
+    add_commands(Command(&app, &request), "");
     return any_command_has(app, name);
 }
 
-void apply(const CLI::App& app, const std::string& path, std::vector<std::string>& words) {
+void apply(const CLI::App& app, AddCommands add_commands, const std::string& path,
+           std::vector<std::string>& words) {
     const CLI::App* const command = command_of(app, words);
     if (command == nullptr)
         return;
@@ -78,7 +78,7 @@ void apply(const CLI::App& app, const std::string& path, std::vector<std::string
         if (!everywhere && item.section != command->get_name())
             continue;
         const CLI::Option* const option = option_of(*command, item.name);
-        if (option == nullptr && (!everywhere || !program_has(item.name)))
+        if (option == nullptr && (!everywhere || !program_has(add_commands, item.name)))
             usage_failure("--preset: {}: {} is no option{}", path, item.name,
                           everywhere ? "" : " of " + command->get_name());
         if (option != nullptr && !is_given(*option, given))
@@ -88,7 +88,8 @@ void apply(const CLI::App& app, const std::string& path, std::vector<std::string
 
 } // namespace
 
-std::vector<std::string> with_preset(const CLI::App& app, const std::vector<std::string>& words) {
+std::vector<std::string> with_preset(const CLI::App& app, AddCommands add_commands,
+                                     const std::vector<std::string>& words) {
     std::vector<std::string> rest;
     std::string path;
     const std::string with_value = std::string(preset_option) + "=";
@@ -101,12 +102,12 @@ std::vector<std::string> with_preset(const CLI::App& app, const std::vector<std:
             rest.push_back(words[i]);
     }
     if (!path.empty())
-        apply(app, path, rest);
+        apply(app, add_commands, path, rest);
     return rest;
 }
 
 void set_from_preset(const std::string& path, const std::string& section,
-                     const std::function<void(Command)>& add_options) {
+                     const std::function<void(Command)>& add_options, AddCommands add_commands) {
     CLI::App app;
     Request request;
     add_options(Command(&app, &request));
@@ -117,7 +118,7 @@ void set_from_preset(const std::string& path, const std::string& section,
             continue;
         if (const CLI::Option* const option = option_of(app, item.name))
             add_item(*option, item, words);
-        else if (!everywhere || !program_has(item.name))
+        else if (!everywhere || !program_has(add_commands, item.name))
             usage_failure("--preset: {}: {} is no option of a module", path, item.name);
     }
     std::ranges::reverse(words);
