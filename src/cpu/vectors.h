@@ -42,6 +42,10 @@ using Vector = typename VectorOf<T, bytes>::Type;
 template <class V>
 constexpr int32_t lanes = int32_t{sizeof(V)} / int32_t{sizeof(V{}[0])};
 
+// As many elements of another type.
+template <class T, class V>
+using As = Vector<T, lanes<V> * int32_t{sizeof(T)}>;
+
 using Words = Vector<uint16_t>;
 using SignedWords = Vector<int16_t>;
 using Sums = Vector<int32_t>;

@@ -9,10 +9,6 @@
 namespace zerklsc::ZERKLSC_INSTRUCTION_SET {
 namespace {
 
-// As many elements of another type.
-template <class T, class V>
-using As = Vector<T, lanes<V> * int32_t{sizeof(T)}>;
-
 template <class V>
 using Lanes = std::make_integer_sequence<int, lanes<V>>;
 

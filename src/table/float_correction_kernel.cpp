@@ -15,9 +15,6 @@ using Floats = Vector<float, (vector_bytes > 32 ? vector_bytes : 32)>;
 #endif
 using OneFloat = Vector<float, sizeof(float)>;
 
-template <class T, class V>
-using Like = Vector<T, lanes<V> * int32_t{sizeof(T)}>;
-
 // `rows` rows of a group, in variables of their own: the compiler cannot tell that the samples written are
 // no part of the group. The weights take the unit of the gains in: it is a power of two, which rounds
 // nothing.
@@ -47,8 +44,8 @@ struct Rows {
 // Cubic weights add up to less than 1.3 in magnitude, so a gain stays below 1.3 * 1.3 * 64 and its product
 // with a sample below 2^23: it fits 32 bits whatever its sign, and as an integer it is an exact float.
 template <bool floors, class V, int32_t rows>
-ZERKLSC_SIMD void correct_columns(const Rows<rows>& job, int32_t x, Like<int32_t, V>& signs) {
-    using Integers = Like<int32_t, V>;
+ZERKLSC_SIMD void correct_columns(const Rows<rows>& job, int32_t x, As<int32_t, V>& signs) {
+    using Integers = As<int32_t, V>;
     const V s0 = load<V>(job.sums[0] + x);
     const V s1 = load<V>(job.sums[1] + x);
     const V s2 = load<V>(job.sums[2] + x);
@@ -57,12 +54,12 @@ ZERKLSC_SIMD void correct_columns(const Rows<rows>& job, int32_t x, Like<int32_t
         const float* const w = job.weights[y];
         const V gain = w[0] * s0 + w[1] * s1 + w[2] * s2 + w[3] * s3;
         signs |= reinterpret_cast<Integers>(gain);
-        const auto samples = load<Like<uint16_t, V>>(job.src + y * job.stride + x);
+        const auto samples = load<As<uint16_t, V>>(job.src + y * job.stride + x);
         const V value = __builtin_convertvector(__builtin_convertvector(samples, Integers), V) * gain + 0.5f;
         Integers corrected = __builtin_convertvector(value, Integers);
         if constexpr (floors)
             corrected += __builtin_convertvector(corrected, V) > value;
-        store(job.dst + y * job.stride + x, __builtin_convertvector(corrected, Like<uint16_t, V>));
+        store(job.dst + y * job.stride + x, __builtin_convertvector(corrected, As<uint16_t, V>));
     }
 }
 
@@ -70,7 +67,7 @@ ZERKLSC_SIMD void correct_columns(const Rows<rows>& job, int32_t x, Like<int32_t
 template <bool floors, class V, int32_t rows>
 bool correct_all_columns(const Rows<rows> job) {
     const int32_t last = job.count - lanes<V>;
-    Like<int32_t, V> signs{};
+    As<int32_t, V> signs{};
     for (int32_t x = 0; x < job.count; x += lanes<V>)
         correct_columns<floors, V>(job, x < last ? x : last, signs);
     int32_t sign = 0;
