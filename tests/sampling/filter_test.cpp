@@ -61,11 +61,13 @@ TEST(Filter, SumsUpLargeBoxesOfExtremes) {
     const struct {
         int32_t radius, s1, s2;
     } cases[] = {{200, 3, 2100}, {511, 9, 77}, {2048, 4, 99}, {11584, 3, 41}};
-    for (const auto& [radius, s1, s2] : cases)
+    for (const auto& one : cases)
         for (const uint16_t first : std::vector<uint16_t>{0, 65534, 65535}) {
+            const int32_t radius = one.radius, s1 = one.s1, s2 = one.s2;
             const int64_t margin = int64_t{radius} * (s1 + 1), size = 2 * margin + (s1 - 1) * s1 + s2;
             std::vector<uint16_t> src(static_cast<size_t>(size), first);
-            std::fill(src.begin() + size / 2, src.end(), first == 65534 ? uint16_t{0} : uint16_t{65535});
+            std::fill(src.begin() + static_cast<ptrdiff_t>(size / 2), src.end(),
+                      first == 65534 ? uint16_t{0} : uint16_t{65535});
             for (int64_t i = radius % 7; i < size && first < 65535; i += 700)
                 src[static_cast<size_t>(i)] = static_cast<uint16_t>(random.between(0, 65535));
             std::vector<int64_t> up_to = {0};
