@@ -1,7 +1,11 @@
 // The operations of vectors.h for x86: SSE2, AVX2 or AVX-512, as long as a vector is.
 #pragma once
 
+#if defined(__AVX2__)
 #include <immintrin.h>
+#else
+#include <emmintrin.h> // a tenth of the other
+#endif
 
 // ZERKLSC_X86(name) is the intrinsic of that name on whole vectors.
 #if ZERKLSC_VECTOR_BYTES == 64

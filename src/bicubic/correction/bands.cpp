@@ -9,9 +9,6 @@
 namespace zerklsc {
 namespace {
 
-constexpr int32_t narrowest_slice = 128;
-constexpr int32_t fixed_phases = 64;
-
 bool is_known(int32_t algorithm) {
     return algorithm >= ZERKLSC_ALGORITHM_HALVANE && algorithm <= ZERKLSC_ALGORITHM_ORVEL_WEIGHTS;
 }

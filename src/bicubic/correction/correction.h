@@ -66,6 +66,9 @@ RowPosition row_position(const Correction& correction, int32_t y);
 // on into the next row, and stays at the first and the last node of the table.
 uint16_t node(const Correction& correction, int32_t plane, int32_t column, int32_t row);
 
+// The narrowest slice of a frame that the tvessa2 ISP is made for.
+inline constexpr int32_t narrowest_slice = 128;
+
 // The line that says which pointer of a call is missing; null when none is.
 const char* missing_pointer(const uint16_t* in, const uint16_t* out, const isp_param_tag* param);
 

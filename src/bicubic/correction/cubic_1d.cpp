@@ -8,8 +8,6 @@
 namespace zerklsc {
 namespace {
 
-constexpr int32_t fixed_phases = 64;
-
 PhaseWeights from_row(const int16_t row[3], bool mirrored) {
     const auto rest = static_cast<int16_t>(low16(ZERKLSC_UNITY_GAIN - row[0] - row[1] - row[2]));
     if (mirrored)

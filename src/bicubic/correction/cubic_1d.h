@@ -25,7 +25,10 @@ struct PhaseWeights {
 // front. A row outside the block becomes the nearest one that is inside.
 PhaseWeights programmed_phase(const lnc_bicubic_weight_t_64_tag& weights, int32_t phase, int32_t step);
 
-// From the fixed table, whose 64 phases are spread over the cell in whole multiples. A step of 0 counts as
+// The phases of the fixed table.
+inline constexpr int32_t fixed_phases = 64;
+
+// From the fixed table, whose phases are spread over the cell in whole multiples. A step of 0 counts as
 // one above 64: the multiple is 0 and every phase is phase 0. A phase beyond the end of the cell is its end.
 PhaseWeights fixed_phase(int32_t phase, int32_t step);
 

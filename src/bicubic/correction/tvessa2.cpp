@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr int32_t narrowest_slice = 128;
-
 // The hardware's register for the step has 8 bits.
 int32_t step_of(const isp_param_tag& param) {
     return param.grid & 255;

@@ -1,0 +1,15 @@
+option(ZERKLSC_UNITY "Compile the files of each folder as one" OFF)
+
+# Compiles the files of each folder of a target as one, but for those that match EXCEPT.
+function(zerklsc_unite_folders target)
+    cmake_parse_arguments(PARSE_ARGV 1 unite "" EXCEPT "")
+    get_target_property(files ${target} SOURCES)
+    list(FILTER files INCLUDE REGEX "/[^/]*\\.cpp$")
+    list(FILTER files EXCLUDE REGEX "${unite_EXCEPT}")
+    foreach(file IN LISTS files)
+        get_filename_component(folder ${file} DIRECTORY)
+        get_filename_component(folder ${folder} NAME)
+        set_source_files_properties(${file} PROPERTIES UNITY_GROUP ${folder})
+    endforeach()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ${ZERKLSC_UNITY} UNITY_BUILD_MODE GROUP)
+endfunction()
