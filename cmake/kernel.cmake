@@ -44,7 +44,9 @@ function(zerklsc_add_kernel source)
                 set_property(GLOBAL PROPERTY zerklsc_first_kernel_${instruction_set} ${object})
             endif()
         endif()
-        set_property(TARGET zerklsc_objects APPEND PROPERTY ZERKLSC_KERNELS $<TARGET_OBJECTS:${object}>)
+        # Not the precompiled header, which counts as one too.
+        set_property(TARGET zerklsc_objects APPEND PROPERTY ZERKLSC_KERNELS
+                                                            $<FILTER:$<TARGET_OBJECTS:${object}>,INCLUDE,[.]o$>)
         set_property(TARGET zerklsc_objects APPEND PROPERTY ZERKLSC_KERNEL_TARGETS ${object})
     endforeach()
 endfunction()
