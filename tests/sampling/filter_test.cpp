@@ -60,7 +60,7 @@ TEST(Filter, SumsUpLargeBoxesOfExtremes) {
     Random random(12);
     const struct {
         int32_t radius, s1, s2;
-    } cases[] = {{200, 3, 2100}, {511, 9, 77}, {2048, 4, 99}, {11584, 3, 41}};
+    } cases[] = {{200, 3, 2100}, {511, 9, 77}, {2048, 4, 97}, {11584, 3, 41}};
     for (const auto& one : cases)
         for (const uint16_t first : std::vector<uint16_t>{0, 65534, 65535}) {
             const int32_t radius = one.radius, s1 = one.s1, s2 = one.s2;
