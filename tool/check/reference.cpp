@@ -64,48 +64,67 @@ Distance distance_of(const LogCells& cells, const GainTables& tables, size_t pla
     return distance;
 }
 
-} // namespace
-
-void check_reference(const Judgement& judgement, const GainTables& reference) {
-    Distance own{0, 0};
-    double best = 1e9;
-    const Placement* best_placement = &placements[0];
-    std::array<double, 4> deviations{};
-    for (const Placement& placement : placements) {
-        Distance worst{0, 0};
-        for (size_t plane = 0; plane < 4; ++plane) {
-            // By colour: a sensor that is read the other way round has its colours in other planes.
-            const Colour colour = colour_of_plane(judgement.capture.pattern, static_cast<int>(plane));
-            const auto other = static_cast<size_t>(plane_of_colour(reference.pattern, colour));
-            const Distance one =
-                distance_of(judgement.analysis.planes[plane].cells, reference, other, placement);
-            worst.deviation = std::max(worst.deviation, one.deviation);
-            worst.largest = std::max(worst.largest, one.largest);
-            if (&placement == &placements[0])
-                deviations[plane] = one.deviation;
-        }
-        if (&placement == &placements[0])
-            own = worst;
-        if (worst.deviation < best) {
-            best = worst.deviation;
-            best_placement = &placement;
-        }
+// Of each plane. By colour: a sensor that is read the other way round has its colours in other planes.
+std::array<Distance, 4> distances_of(const Judgement& judgement, const GainTables& reference,
+                                     const Placement& placement) {
+    std::array<Distance, 4> distances;
+    for (size_t plane = 0; plane < 4; ++plane) {
+        const Colour colour = colour_of_plane(judgement.capture.pattern, static_cast<int>(plane));
+        const auto other = static_cast<size_t>(plane_of_colour(reference.pattern, colour));
+        distances[plane] = distance_of(judgement.analysis.planes[plane].cells, reference, other, placement);
     }
-    constexpr double noticeable = 0.01;
-    bool misplaced =
-        best_placement != &placements[0] && own.deviation > noticeable && best < own.deviation / 2;
-    std::string what = best_placement->name;
-    for (size_t plane = 0; plane < 4 && !misplaced; ++plane)
+    return distances;
+}
+
+Distance worst_of(const std::array<Distance, 4>& distances) {
+    Distance worst{0, 0};
+    for (const Distance& one : distances) {
+        worst.deviation = std::max(worst.deviation, one.deviation);
+        worst.largest = std::max(worst.largest, one.largest);
+    }
+    return worst;
+}
+
+// A deviation below this is no reason to look for a better fit.
+constexpr double noticeable = 0.01;
+
+// How the planes that come far closer to other planes of the reference than to their own are exchanged;
+// empty where none do.
+std::string exchanged_planes(const Judgement& judgement, const GainTables& reference,
+                             const std::array<Distance, 4>& own) {
+    std::string what;
+    for (size_t plane = 0; plane < 4 && what.empty(); ++plane)
         for (size_t other = 0; other < 4; ++other) {
             const double exchanged =
                 distance_of(judgement.analysis.planes[plane].cells, reference, other, placements[0])
                     .deviation;
-            if (other != plane && deviations[plane] > noticeable && exchanged < deviations[plane] / 3) {
-                misplaced = true;
+            const double deviation = own[plane].deviation;
+            if (other != plane && deviation > noticeable && exchanged < deviation / 3)
                 what = fmt::format("with the plane of {} in the place of {}", judgement.capture.colour(plane),
                                    judgement.capture.colour(other));
-            }
         }
+    return what;
+}
+
+} // namespace
+
+void check_reference(const Judgement& judgement, const GainTables& reference) {
+    const std::array<Distance, 4> upright = distances_of(judgement, reference, placements[0]);
+    const Distance own = worst_of(upright);
+    double best = own.deviation;
+    const Placement* best_placement = &placements[0];
+    for (size_t i = 1; i < placements.size(); ++i) {
+        const double deviation = worst_of(distances_of(judgement, reference, placements[i])).deviation;
+        if (deviation < best) {
+            best = deviation;
+            best_placement = &placements[i];
+        }
+    }
+    const bool is_turned =
+        best_placement != &placements[0] && own.deviation > noticeable && best < own.deviation / 2;
+    const std::string exchanged = is_turned ? "" : exchanged_planes(judgement, reference, upright);
+    const bool misplaced = is_turned || !exchanged.empty();
+    const std::string what = exchanged.empty() ? best_placement->name : exchanged;
     judgement.add(
         "reference", "", 100 * (std::exp(own.largest) - 1),
         "the shading is not that of the reference: look for another lens or a lens out of its seat");

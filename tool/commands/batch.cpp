@@ -291,6 +291,21 @@ void run(BatchOptions options, Report& report) {
     batch.judge();
 }
 
+constexpr auto batch_footer =
+    "A manifest names files relative to its own folder, several of one module with ';' between, and for "
+    "each\n"
+    "module the preset that overrides these options. The same command goes on with what a signal, a "
+    "kill or a\n"
+    "full disk has stopped; the results are the same, byte for byte, whatever --jobs is.\n"
+    "Exit code: that of the worst module. 0: pass or warn; 1: a module failed a limit; 3: a flat field "
+    "was\n"
+    "refused or could not be read; 4: the batch could not go on.\n\n"
+    "Example:\n"
+    "  zerklsc simulate --seed 1 -o a1.pgm\n"
+    "  zerklsc simulate --seed 2 -o a2.pgm\n"
+    "  printf 'serial,files\\nA1,a1.pgm\\nA2,a2.pgm\\n' > lot.csv\n"
+    "  zerklsc batch lot.csv -o results.jsonl";
+
 } // namespace
 
 void add_batch(Command app) {
@@ -319,20 +334,7 @@ void add_batch(Command app) {
         .takes("I/N")
         .show_default();
     add_module_options(command, options->module);
-    command.footer(
-        "A manifest names files relative to its own folder, several of one module with ';' between, and for "
-        "each\n"
-        "module the preset that overrides these options. The same command goes on with what a signal, a "
-        "kill or a\n"
-        "full disk has stopped; the results are the same, byte for byte, whatever --jobs is.\n"
-        "Exit code: that of the worst module. 0: pass or warn; 1: a module failed a limit; 3: a flat field "
-        "was\n"
-        "refused or could not be read; 4: the batch could not go on.\n\n"
-        "Example:\n"
-        "  zerklsc simulate --seed 1 -o a1.pgm\n"
-        "  zerklsc simulate --seed 2 -o a2.pgm\n"
-        "  printf 'serial,files\\nA1,a1.pgm\\nA2,a2.pgm\\n' > lot.csv\n"
-        "  zerklsc batch lot.csv -o results.jsonl");
+    command.footer(batch_footer);
     command.action([options](Report& report) { run(*options, report); });
 }
 

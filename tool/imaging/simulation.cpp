@@ -94,9 +94,7 @@ class Noise {
     double shot_, read_;
 };
 
-} // namespace
-
-RawFrame simulate(const SimulationSettings& settings) {
+RawFrame dark_frame(const SimulationSettings& settings) {
     RawFrame frame;
     frame.width = settings.width;
     frame.height = settings.height;
@@ -104,7 +102,13 @@ RawFrame simulate(const SimulationSettings& settings) {
     frame.pattern = settings.pattern;
     frame.black = BlackLevel{settings.black, settings.black, settings.black, settings.black};
     frame.samples.resize(static_cast<size_t>(frame.width) * static_cast<size_t>(frame.height));
+    return frame;
+}
 
+} // namespace
+
+RawFrame simulate(const SimulationSettings& settings) {
+    RawFrame frame = dark_frame(settings);
     const double top = frame.full_scale();
     const double range = top - settings.black;
     const std::vector<float> dust = dust_map(settings);

@@ -13,6 +13,8 @@
 namespace zerklsc::tool {
 namespace {
 
+namespace tbb = oneapi::tbb;
+
 // Throws what has been caught when its turn has come.
 Finish thrower() {
     return [caught = std::current_exception()] { std::rethrow_exception(caught); };
@@ -26,11 +28,14 @@ Finish finish_of(const Task& task) {
     }
 }
 
+std::shared_ptr<Finish> run_task(const std::shared_ptr<Task>& task) {
+    return std::make_shared<Finish>(finish_of(*task));
+}
+
 } // namespace
 
 // Nothing is thrown through the pipeline, which would lose what it holds at that moment.
 void run_in_order(int jobs, const std::function<Task()>& next) {
-    namespace tbb = oneapi::tbb;
     const tbb::global_control more_than_cores(tbb::global_control::max_allowed_parallelism,
                                               static_cast<size_t>(jobs));
     std::atomic<bool> ended = false;
@@ -48,9 +53,6 @@ void run_in_order(int jobs, const std::function<Task()>& next) {
             control.stop();
         return task;
     };
-    const auto run = [](const std::shared_ptr<Task>& task) {
-        return std::make_shared<Finish>(finish_of(*task));
-    };
     const auto finish = [&](const std::shared_ptr<Finish>& result) {
         if (thrown)
             return;
@@ -63,7 +65,8 @@ void run_in_order(int jobs, const std::function<Task()>& next) {
     };
     const auto whole =
         tbb::make_filter<void, std::shared_ptr<Task>>(tbb::filter_mode::serial_in_order, take)
-        & tbb::make_filter<std::shared_ptr<Task>, std::shared_ptr<Finish>>(tbb::filter_mode::parallel, run)
+        & tbb::make_filter<std::shared_ptr<Task>, std::shared_ptr<Finish>>(tbb::filter_mode::parallel,
+                                                                           &run_task)
         & tbb::make_filter<std::shared_ptr<Finish>, void>(tbb::filter_mode::serial_in_order, finish);
     tbb::task_arena arena(jobs);
     arena.execute([&] { tbb::parallel_pipeline(static_cast<size_t>(4 * jobs), whole); });
@@ -72,7 +75,7 @@ void run_in_order(int jobs, const std::function<Task()>& next) {
 }
 
 int usual_jobs() {
-    return oneapi::tbb::info::default_concurrency();
+    return tbb::info::default_concurrency();
 }
 
 } // namespace zerklsc::tool

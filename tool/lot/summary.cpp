@@ -129,6 +129,35 @@ void add_sums(CentreSums& to, const CentreSums& from) {
         }
 }
 
+void add_lines(LinesLeftOut& to, const LinesLeftOut& from) {
+    to.torn += from.torn;
+    to.bad += from.bad;
+    to.repeated += from.repeated;
+    to.other_kind += from.other_kind;
+}
+
+// A data failure, which names the part, where it is no part of the same lot.
+void check_part(const LotSummary& whole, const LotSummary& part, const std::string& name) {
+    if (whole.kind && part.kind && *whole.kind != *part.kind)
+        data_failure("{}: holds modules of another kind, {}, than {} before it: merge those of one kind",
+                     name, text_of(*part.kind), text_of(*whole.kind));
+    if (whole.modules() + part.modules() > LotSummary::most_modules)
+        data_failure("{}: makes more than the {} modules of which a lot may consist", name,
+                     LotSummary::most_modules);
+}
+
+// A data failure, which names where they come from, for serials that are there.
+void take_serials(SerialSet& serials, const SerialSet& more, const std::string& name) {
+    uint64_t twice = 0;
+    for (const uint64_t mark : more.sorted())
+        twice += serials.insert(mark) ? 0 : 1;
+    if (twice > 0)
+        data_failure(
+            "{}: holds {} serials that were there before: give the results themselves, of which each "
+            "serial counts once, or each part once",
+            name, twice);
+}
+
 } // namespace
 
 bool LotKind::operator==(const LotKind& other) const {
@@ -231,27 +260,13 @@ LotSummary::Taken LotSummary::add(const ResultLine& result, const std::string& p
 }
 
 void LotSummary::add(const LotSummary& other, const std::string& name) {
-    if (kind && other.kind && *kind != *other.kind)
-        data_failure("{}: holds modules of another kind, {}, than {} before it: merge those of one kind",
-                     name, text_of(*other.kind), text_of(*kind));
-    if (modules() + other.modules() > most_modules)
-        data_failure("{}: makes more than the {} modules of which a lot may consist", name, most_modules);
-    uint64_t twice = 0;
-    for (const uint64_t mark : other.serials.sorted())
-        twice += serials.insert(mark) ? 0 : 1;
-    if (twice > 0)
-        data_failure(
-            "{}: holds {} serials that were there before: give the results themselves, of which each "
-            "serial counts once, or each part once",
-            name, twice);
+    check_part(*this, other, name);
+    take_serials(serials, other.serials, name);
     if (other.kind)
         kind = other.kind;
     for (size_t i = 0; i < verdicts.size(); ++i)
         verdicts[i] += other.verdicts[i];
-    left_out.torn += other.left_out.torn;
-    left_out.bad += other.left_out.bad;
-    left_out.repeated += other.left_out.repeated;
-    left_out.other_kind += other.left_out.other_kind;
+    add_lines(left_out, other.left_out);
     add_map(costs, other.costs, [](Cost& to, const Cost& from) {
         to.lost += from.lost;
         to.lost_alone += from.lost_alone;
