@@ -24,7 +24,7 @@ int bayer_rotation(unsigned short* raw, int width, int height) {
         return -1;
     std::memcpy(copy.get(), raw, static_cast<size_t>(count) * sizeof(uint16_t));
     copy_backwards(copy.get(), raw, static_cast<ptrdiff_t>(count));
-    // The copy stays allocated: callers budget their memory for the frame that each call leaves behind.
+    // The copy stays allocated: a call leaves a frame behind, which zerklsc.h says.
     static_cast<void>(copy.release());
     return height;
 }

@@ -21,7 +21,7 @@ ColumnTaps column_taps(const FloatCorrection& job, int32_t first, int32_t count,
     const ptrdiff_t n = count;
     float* const taps[4] = {storage, storage + n, storage + 2 * n, storage + 3 * n};
     for (int32_t i = 0; i < count; ++i) {
-        const Taps at = place(first + i, job.step_x).taps;
+        const Taps at = node_taps(first + i, job.step_x).taps;
         taps[0][i] = at.c0;
         taps[1][i] = at.c1;
         taps[2][i] = at.c2;
@@ -35,7 +35,7 @@ void weigh_rows(const FloatCorrection& job, int32_t first, RowGroup& group) {
     const int32_t left = job.step_y - first % job.step_y;
     group.rows = std::min({most_rows, left, job.height - first});
     for (int32_t y = 0; y < group.rows; ++y) {
-        const Taps taps = place(first + y, job.step_y).taps;
+        const Taps taps = node_taps(first + y, job.step_y).taps;
         const float weights[4] = {taps.c0, taps.c1, taps.c2, taps.c3};
         std::copy_n(weights, 4, group.weights[y]);
     }

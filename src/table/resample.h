@@ -57,9 +57,9 @@ int32_t resample(const SourceTable& src, const TargetTable& dst, XOf x_of, YOf y
         return -1;
     float* gain = inner.get();
     for (int32_t j = 0; j < grid_h; ++j) {
-        const Place y = place(y_of(j), src.step_y);
+        const NodeTaps y = node_taps(y_of(j), src.step_y);
         for (int32_t i = 0; i < grid_w; ++i) {
-            const Place x = place(x_of(i), src.step_x);
+            const NodeTaps x = node_taps(x_of(i), src.step_x);
             *gain++ = lookup(src.nodes, static_cast<ptrdiff_t>(src.table_w), x, y) * gain_step;
         }
     }

@@ -20,9 +20,9 @@ void bicubic_correction(const FloatCorrection& job) {
     const uint16_t* src = job.src;
     uint16_t* dst = job.dst;
     for (int32_t j = 0; j < job.height; ++j) {
-        const Place y = place(j, job.step_y);
+        const NodeTaps y = node_taps(j, job.step_y);
         for (int32_t i = 0; i < job.width; ++i)
-            *dst++ = corrected(*src++, lookup(job.table, job.row_length, place(i, job.step_x), y));
+            *dst++ = corrected(*src++, lookup(job.table, job.row_length, node_taps(i, job.step_x), y));
     }
 }
 

@@ -48,11 +48,11 @@ void take_line(const StreamLine& line, const std::string& place, LotSummary& lot
         if (!line.readable)
             data_failure("{}: is longer than any result: left out", place);
         const ResultLine result = result_line_of(line.text, place);
-        const LotSummary::Taken taken = lot.add(result, place);
-        if (taken == LotSummary::Taken::repeated)
+        const LotSummary::Added added = lot.add(result, place);
+        if (added == LotSummary::Added::repeated)
             complaints.add(fmt::format("{}: serial {} stands here again: only its first result counts", place,
                                        result.serial));
-        if (taken == LotSummary::Taken::other_kind)
+        if (added == LotSummary::Added::other_kind)
             complaints.add(
                 fmt::format("{}: module {} is left out: it is of another kind than the first ones, {}", place,
                             result.serial, text_of(*lot.kind)));

@@ -127,11 +127,11 @@ int usual_step(int frame_width, int frame_height) {
     info.width = static_cast<uint16_t>(frame_width);
     info.height = static_cast<uint16_t>(frame_height);
     info.algorithm = ZERKLSC_ALGORITHM_ORVEL;
-    const auto taken = [&](int step) {
+    const auto is_accepted = [&](int step) {
         info.grid = static_cast<uint16_t>(step);
         return step <= largest_usual_step && !ZERKLSC_REFUSED(zerklsc_check_correction(&info));
     };
-    return !taken(nearest) && taken(2 * nearest) ? 2 * nearest : nearest;
+    return !is_accepted(nearest) && is_accepted(2 * nearest) ? 2 * nearest : nearest;
 }
 
 FitCost fit_cost(double nodes) {

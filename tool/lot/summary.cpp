@@ -228,11 +228,11 @@ std::vector<std::pair<std::string, Cost>> LotSummary::dearest_first() const {
     return sorted;
 }
 
-LotSummary::Taken LotSummary::add(const ResultLine& result, const std::string& place) {
+LotSummary::Added LotSummary::add(const ResultLine& result, const std::string& place) {
     if (result.frame && result.grid) {
         const LotKind own = kind_of(result);
         if (kind && own != *kind)
-            return ++left_out.other_kind, Taken::other_kind;
+            return ++left_out.other_kind, Added::other_kind;
         if (!kind)
             check_kind(own, place);
         kind = own;
@@ -241,7 +241,7 @@ LotSummary::Taken LotSummary::add(const ResultLine& result, const std::string& p
     if (modules() == most_modules)
         data_failure("{}: is one module more than the {} of which a lot may consist", place, most_modules);
     if (!serials.insert(mark_of(result.serial)))
-        return ++left_out.repeated, Taken::repeated;
+        return ++left_out.repeated, Added::repeated;
     ++verdicts[static_cast<size_t>(result.verdict)];
     if (!is_good(result.verdict))
         add_costs(result, costs);
@@ -256,7 +256,7 @@ LotSummary::Taken LotSummary::add(const ResultLine& result, const std::string& p
         for (size_t plane = 0; plane < black.size(); ++plane)
             black[plane].add(result.frame->black[plane]);
     }
-    return Taken::yes;
+    return Added::yes;
 }
 
 void LotSummary::add(const LotSummary& other, const std::string& name) {

@@ -108,8 +108,8 @@ struct LotSummary {
 
     // Adds a module, or counts its line as left out. A data failure for a module that is none, and nothing is
     // changed then.
-    enum class Taken { yes, repeated, other_kind };
-    Taken add(const ResultLine& result, const std::string& place);
+    enum class Added { yes, repeated, other_kind };
+    Added add(const ResultLine& result, const std::string& place);
 
     // Adds the modules of another part of the lot. A data failure, which names it, where both hold a serial,
     // or modules of another kind.

@@ -91,7 +91,7 @@ TEST(SummaryFile, WithAnyNumberChangedIsRefusedOrSound) {
 }
 
 TEST(LotSummary, TakesNoModuleOfAKindThatCannotBe) {
-    EXPECT_EQ(LotSummary().add(module_of(0), "x:1"), LotSummary::Taken::yes);
+    EXPECT_EQ(LotSummary().add(module_of(0), "x:1"), LotSummary::Added::yes);
     for (const auto side : {&ResultFrame::width, &ResultFrame::height, &ResultFrame::bits}) {
         ResultLine result = module_of(0);
         result.frame.value().*side -= 3;
