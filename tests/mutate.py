@@ -9,7 +9,7 @@ The sources are changed in place, built, tried and put back; they must not diffe
 which the compiler writes the same code is none, and not counted. A change of src/FOLDER is tried with the tests of that
 folder, and when they do not see it with all of the library; one of tool/ with the tool's. Of the
 tests, those that saw changes of the same file or folder are run first, then those whose name has words of the file's,
-then the fastest; the first that fails is enough. It is run once more, alone: on a busy machine a test may fail or be
+then those whose own files have, then the fastest; the first that fails is enough. It is run once more, alone: on a busy machine a test may fail or be
 late for no fault of the program. One that is late again hangs. Standard output names what no test sees, standard
 error every change and the test that sees it.
 """
@@ -74,6 +74,17 @@ def run(*words, **options):
     return subprocess.run(words, capture_output=True, text=True, check=False, **options)
 
 
+def words_of(text):
+    return set(re.findall("[a-z]{3,}", text.lower()))
+
+
+def words_within(command):
+    """Those of the folder of a case, or of a test's program where it is a script."""
+    folders = [pathlib.Path(word) for word in command if pathlib.Path(word).is_dir()]
+    files = [file for folder in folders for file in folder.iterdir()] or [pathlib.Path(word) for word in command if word.endswith(".py")]
+    return set().union(*(words_of(file.read_text(errors="replace")) for file in files))
+
+
 def end_session(pid):
     with contextlib.suppress(ProcessLookupError):
         os.killpg(pid, signal.SIGKILL)
@@ -91,6 +102,7 @@ class Tests:
             if not properties.get("DISABLED"):
                 environment = dict(word.split("=", 1) for word in properties.get("ENVIRONMENT", []))
                 self.tests[test["name"]] = (test["command"], properties["WORKING_DIRECTORY"], environment)
+        self.words = {name: words_within(command) for name, (command, _, _) in self.tests.items()}
         self.limit, self.jobs, self.seconds, self.caught, self.running = options.seconds, options.jobs, {}, [], set()
         if failing := self.first_failing(list(self.tests)):
             sys.exit(f"{failing[0]} {failing[1]} with nothing changed")
@@ -137,8 +149,8 @@ class Tests:
         """How the tests end now that something in the file is changed."""
         def order(name):
             near = sum(10 if where == path else where.parent == path.parent for where, by in self.caught if by == name)
-            words = set(re.findall("[a-z]{3,}", name)) & set(re.findall("[a-z]{3,}", str(path.with_suffix(""))))
-            return -near, -len(words - {"tool"}), self.seconds[name]
+            words = words_of(str(path.with_suffix(""))) - {"tool"}
+            return -near, -len(words & words_of(name)), -len(words_of(path.stem) & self.words[name]), self.seconds[name]
         names = sorted(self.tests, key=order)
         spent = itertools.accumulate(self.seconds[name] for name in names)
         failing = self.first_failing([name for name, seconds in zip(names, spent) if seconds <= self.limit])
