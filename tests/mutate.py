@@ -9,9 +9,9 @@ The sources are changed in place, built, tried and put back; they must not diffe
 which the compiler writes the same code is none, and not counted. A change of src/FOLDER is tried with the tests of that
 folder, and when they do not see it with all of the library; one of tool/ with the tool's. Of the
 tests, those that saw changes of the same file or folder are run first, then those whose name has words of the file's,
-then those whose own files have, then the fastest; the first that fails is enough. It is run once more, alone: on a busy machine a test may fail or be
-late for no fault of the program. One that is late again hangs. Standard output names what no test sees, standard
-error every change and the test that sees it.
+then those whose own files have, then the fastest; the first that fails is enough. It is run once more, alone: on a
+busy machine a test may fail or be late for no fault of the program. One that is late again hangs. Standard output
+names what no test sees, standard error every change and the test that sees it.
 """
 import argparse
 import concurrent.futures
@@ -80,8 +80,9 @@ def words_of(text):
 
 def words_within(command):
     """Those of the folder of a case, or of a test's program where it is a script."""
-    folders = [pathlib.Path(word) for word in command if pathlib.Path(word).is_dir()]
-    files = [file for folder in folders for file in folder.iterdir()] or [pathlib.Path(word) for word in command if word.endswith(".py")]
+    paths = [pathlib.Path(word) for word in command]
+    files = [file for folder in paths if folder.is_dir() for file in folder.iterdir() if file.is_file()]
+    files = files or [path for path in paths if path.suffix == ".py"]
     return set().union(*(words_of(file.read_text(errors="replace")) for file in files))
 
 
