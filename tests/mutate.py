@@ -46,8 +46,8 @@ SUITES = {f"src/{folder}": [([f"test_{folder}"], f"^{folder}:[A-Z]", None)] for 
 for stages in SUITES.values():
     stages.append(([*(f"test_{folder}" for folder in LIBRARY), "test_header", "zerklsc_answers"],
                    f"^({'|'.join(LIBRARY)}|header):[A-Z]|^answers:", None))
-SUITES["tool"] = [(["zerklsc_tool", "zerklsc_help", "test_check", "test_line", "test_otp_container"],
-                   "^(tool|check|line|otp_container):", "faults$|help_examples_work|full_disk|_page$")]
+SUITES["tool"] = [(["zerklsc_tool", "zerklsc_help", "test_check", "test_line", "test_io", "test_otp_container"],
+                   "^(tool|check|line|io|otp_container):", "faults$|help_examples_work|full_disk|_page$")]
 SKIPPED = 77  # the exit code of a test that cannot run here
 
 
