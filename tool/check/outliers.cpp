@@ -16,7 +16,7 @@ constexpr float tile_reach = 6;
 constexpr float least_shadow = 0.012F;
 
 // The samples of the plane from `left` and `top` on, `side` each way, beyond the reach about their median;
-// those before `first_x` and `first_y` are not looked for.
+// those before `first_x` or `first_y` are not looked for.
 struct SearchArea {
     int side, left, top;
     int first_x = 0, first_y = 0;
@@ -35,21 +35,22 @@ void search_area(const RawFrame& frame, size_t plane, const SearchArea& area, fl
     const auto middle = static_cast<float>(median_of(samples));
     for (int y = area.top; y < area.top + area.side; ++y)
         for (int x = area.left; x < area.left + area.side; ++x)
-            if ((x >= area.first_x || y >= area.first_y) && std::abs(sample(x, y) - middle) > reach)
+            if (x >= area.first_x && y >= area.first_y && std::abs(sample(x, y) - middle) > reach)
                 found.push_back(static_cast<uint32_t>(y * (frame.width / 2) + x));
 }
 
-// The samples at the right and at the bottom that belong to no tile. The corner is left to the columns.
+// The samples at the right and at the bottom that belong to no tile. Those at the right go down to the
+// corner.
 void search_edge(const RawFrame& frame, size_t plane, const FrameTiles& tiles, auto&& reach_at,
                  std::vector<uint32_t>& found) {
-    const int w = frame.width / 2, h = frame.height / 2;
-    const int tiles_w = tiles.columns * tiles.side, tiles_h = tiles.rows * tiles.side;
-    for (int row = 0; w > tiles_w && row < tiles.rows; ++row)
-        search_area(frame, plane, {tiles.side, w - tiles.side, row * tiles.side, tiles_w, h},
-                    reach_at(tiles.index(tiles.columns - 1, row)), found);
-    for (int column = 0; h > tiles_h && column < tiles.columns; ++column)
-        search_area(frame, plane, {tiles.side, column * tiles.side, h - tiles.side, w, tiles_h},
-                    reach_at(tiles.index(column, tiles.rows - 1)), found);
+    const int w = frame.width / 2, h = frame.height / 2, side = tiles.side;
+    const int tiles_w = tiles.columns * side, tiles_h = tiles.rows * side;
+    for (int top = 0; w > tiles_w && top < h; top += side)
+        search_area(frame, plane, {side, w - side, std::min(top, h - side), tiles_w, top},
+                    reach_at(tiles.index(tiles.columns - 1, std::min(top / side, tiles.rows - 1))), found);
+    for (int left = 0; h > tiles_h && left < tiles_w; left += side)
+        search_area(frame, plane, {side, left, h - side, left, tiles_h},
+                    reach_at(tiles.index(left / side, tiles.rows - 1)), found);
 }
 
 void find_samples(const FlatCapture& capture, const Analysis& analysis, size_t plane, Outliers& outliers) {
