@@ -87,11 +87,12 @@ ZERKLSC_SIMD Words first_lanes(int32_t count, Words a, Words b) {
     return index < static_cast<uint16_t>(count) ? a : b;
 }
 
-// Fetches what will be read and written some lines further on.
-ZERKLSC_SIMD void prefetch(const uint16_t* in, uint16_t* out) {
-    constexpr uintptr_t ahead = 1024;
-    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(in) + ahead));
-    __builtin_prefetch(reinterpret_cast<void*>(reinterpret_cast<uintptr_t>(out) + ahead), 1);
+// Fetches what lies so many bytes further on, inside the buffers or beyond: in will be read, out written.
+// `locality` is that of __builtin_prefetch(): 3 is the first cache, 2 the second.
+template <int locality>
+ZERKLSC_SIMD void prefetch(const uint16_t* in, uint16_t* out, uintptr_t ahead) {
+    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(in) + ahead), 0, locality);
+    __builtin_prefetch(reinterpret_cast<void*>(reinterpret_cast<uintptr_t>(out) + ahead), 1, locality);
 }
 
 } // namespace zerklsc::ZERKLSC_INSTRUCTION_SET

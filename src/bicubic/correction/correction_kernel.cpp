@@ -88,7 +88,7 @@ template <class Gains>
 // corrected: they stay in registers.
 template <class Gains>
 [[gnu::always_inline]] inline void correct_line(const uint16_t*& in, Gains& from, uint16_t*& out) {
-    prefetch(in, out);
+    prefetch<3>(in, out, 1024);
     if constexpr (ten_bits_are_faster) {
         Pixels samples[line_parts];
         for (int32_t i = 0; i < line_parts; ++i)
