@@ -203,7 +203,7 @@ class Suites:
 def files_of(paths):
     files = []
     for path in map(pathlib.Path, paths):
-        files += sorted(path.rglob("*.[ch]*")) if path.is_dir() else [path]
+        files += sorted(one for one in path.rglob("*") if one.suffix in (".c", ".cpp", ".h")) if path.is_dir() else [path]
     return files
 
 
