@@ -1,4 +1,5 @@
 // Each check alone, of an analysis that is made by hand: what it finds is reckoned beside it.
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 
@@ -13,6 +14,72 @@ using namespace zerklsc::tool;
 
 // The half sides of the frame, in half diagonals.
 const double aspect = 148.0 / 198, half_w = 1 / std::sqrt(1 + aspect * aspect), half_h = aspect * half_w;
+
+// A fall-off that the surface can follow, of a frame wide enough that not every tile is asked for and three
+// are one cell.
+TEST(Analysis, CellsAndWhatIsExpectedOfTiles) {
+    const int columns = 107, rows = 61;
+    RawFrame frame;
+    frame.width = 16 * columns + 10;
+    frame.height = 16 * rows + 6;
+    frame.bits = 16;
+    const BlackLevel black{600, 640, 680, 720};
+    const double side_ratio = double(frame.height) / frame.width,
+                 diagonal = std::hypot(frame.width, frame.height) / 2;
+    // The logarithm of the light at a sample of a plane.
+    const auto truth = [&](int plane, double x, double y) {
+        const double u = (2 * x + 1 - frame.width / 2) / diagonal,
+                     v = (2 * y + 1 - frame.height / 2) / diagonal;
+        return 10 - 0.2 * plane - 0.9 * (std::pow(u - 0.05, 2) + std::pow(v + 0.03, 2))
+               + std::log(1 + 0.08 * u - 0.05 * v);
+    };
+    for (int y = 0; y < frame.height; ++y)
+        for (int x = 0; x < frame.width; ++x) {
+            const int plane = plane_of_pixel(x, y);
+            const bool dark = x < 48 && y >= frame.height - 54; // three tiles each way
+            frame.samples.push_back(
+                static_cast<uint16_t>(std::lround((dark ? 0.009 : 1) * std::exp(truth(plane, x / 2, y / 2))
+                                                  + black[static_cast<size_t>(plane)])));
+        }
+    const Analysis analysis = analyse(frame, black);
+    for (int p = 0; p < 4; ++p) {
+        const PlaneAnalysis& plane = analysis.planes[static_cast<size_t>(p)];
+        const LogCells& cells = plane.cells;
+        ASSERT_EQ(cells.columns, 35);
+        ASSERT_EQ(cells.rows, 20);
+        EXPECT_EQ(plane.tile_side, 8);
+        EXPECT_EQ(cells.aspect, side_ratio);
+        std::vector<double> light;
+        for (int j = 0; j < rows; ++j)
+            for (int i = 0; i < columns; ++i) {
+                const size_t at = analysis.tiles.index(i, j);
+                const double expected = std::exp(truth(p, 8 * i + 3.5, 8 * j + 3.5));
+                light.push_back(i < 3 && j > 57 ? 0 : expected);
+                EXPECT_NEAR(plane.expected[at], expected, 0.004 * expected);
+                EXPECT_NEAR(plane.rest[at], i < 3 && j > 57 ? -0.991 : 0, 0.004);
+            }
+        for (int j = 0; j < 20; ++j)
+            for (int i = 0; i < 35; ++i) {
+                // The middle of the tiles from 107 i / 35 to before 107 (i + 1) / 35.
+                const double x = 4.0 * (107 * i / 35 + 107 * (i + 1) / 35) - 0.5,
+                             y = 4.0 * (61 * j / 20 + 61 * (j + 1) / 20) - 0.5;
+                const auto cell = static_cast<size_t>(j * 35 + i);
+                EXPECT_NEAR(cells.u_at(i), (2 * x + 1 - frame.width / 2) / diagonal, 1e-9);
+                EXPECT_NEAR(cells.v_at(j), (2 * y + 1 - frame.height / 2) / diagonal, 1e-9);
+                if (i == 0 && j == 19)
+                    EXPECT_EQ(cells.values[cell], no_light);
+                else
+                    EXPECT_NEAR(cells.values[cell], truth(p, x, y), 0.003) << i << " " << j;
+                EXPECT_NEAR(plane.cell_rest[cell], 0, 0.003);
+            }
+        std::ranges::sort(light);
+        EXPECT_NEAR(plane.bright, light[static_cast<size_t>(std::lround(0.9 * (107 * 61 - 1)))], 1);
+        const double noise =
+            std::sqrt(variance_at(plane.noise, plane.bright / 2 + black[static_cast<size_t>(p)]))
+            / (plane.bright / 2) / 8;
+        EXPECT_NEAR(plane.cell_noise, noise * std::sqrt(1.57 / (107 * 61 / 700.0)), 1e-9);
+    }
+}
 
 TEST(DeadRegions, TilesWithoutLight) {
     Flat flat;
