@@ -28,6 +28,15 @@ for number, (old, new) in enumerate((("version: 1", "version: [1"), ("LensShadin
     assert old in yaml, old
     write(f"bad_{number:02}.yaml", yaml.replace(old, new, 1))
 
+# Each end of a range, and what is just beyond it.
+for number, (old, new) in enumerate((("ct: 2856", "ct: 1"), ("ct: 2856", "ct: 0.99"), ("ct: 2856", "ct: 100000"), ("[1024, ", "[1, "),
+                                     ("[1024, ", "[0.99, "), ("[1024, ", "[4095, "), ("[1024, ", "[4095.5, "), ("64x48", "65534x48"),
+                                     ("64x48", "65535x48"), ("64x48", "48x65534"), ("64x48", "48x65535"), ("64x48", "2x2"),
+                                     ("64x48", "1x48"), ("[0.0625, ", "[0.0634, "), ("[0.0625, ", "[0.0636, "),
+                                     ("      y-size: [0.0625, ", "      y-size: [0.0614, "))):
+    assert old in yaml, old
+    write(f"edge_{number:02}.yaml", yaml.replace(old, new, 1))
+
 alsc = {"calibrations_Cr": [{"ct": 5000, "table": [1.5] * 192}], "calibrations_Cb": [{"ct": 5000, "table": [1.5] * 192}],
         "luminance_lut": [1.5] * 192}
 write("alsc.json", json.dumps({"algorithms": [{"rpi.alsc": alsc}]}))
@@ -43,6 +52,9 @@ for number, change in enumerate(({"calibrations_Cr": lit * 0}, {"calibrations_Cr
                                  {"luminance_lut": "bright"}, {"luminance_lut": [1.5] * 191 + [0]},
                                  {"luminance_lut": [1.5] * 191 + ["x" * 1000]}, {"luminance_lut": [1.5] * 191 + [1e9]})):
     write(f"bad_{number:02}.json", json.dumps({"algorithms": [{"rpi.alsc": {**alsc, **change}}]}))
+for number, (ct, factor) in enumerate(((1, 1.5), (0.99, 1.5), (100000, 1.5), (3000, 64), (3000, 64.1))):
+    more = {key: alsc[key] + [{"ct": ct, "table": [factor] + [1.5] * 191}] for key in ("calibrations_Cr", "calibrations_Cb")}
+    write(f"edge_{number:02}.json", json.dumps({"algorithms": [{"rpi.alsc": {**alsc, **more}}]}))
 for name, root in (("other", {"algorithms": [{"rpi.agc": alsc}]}), ("root_list", ["rpi.alsc"]), ("root_none", {"rpi.agc": 1}), ("no_list", {"algorithms": {"rpi.alsc": 1}}),
                    ("no_objects", {"algorithms": ["rpi.alsc"]})):
     write(f"bad_{name}.json", json.dumps(root))
@@ -81,11 +93,18 @@ for number, opcodes in enumerate((
         changed(left=2, top=2), opcode_list(maps[:3] + [gain_map(3, W, H, 1, 1, [math.nan])]),
         opcode_list(maps[:3] + [gain_map(3, W, H, 1, 1, [0.0])]))):
     dng(f"bad_{number:02}.dng", opcodes)
+for number, opcodes in enumerate((
+        changed((2, 6), spacing=(1, 0.2)), changed((2, 6), spacing=(1.01, 0.2)), changed((6, 2), spacing=(0.2, 1)), changed(first=(-1, 1)),
+        changed(first=(0, -1.01)), changed(first=(1, -1)), changed(bottom=H - 1, right=W - 1), changed((1, 12), spacing=(7, 0.1), first=(7, 0)),
+        opcode_list(maps[:3] + [gain_map(3, W, H, 1, 1, [64.0])]), opcode_list([gain_map(3, W, H, 3, 4, [1.5] * 12, pitch=1)]))):
+    dng(f"edge_{number:02}.dng", opcodes)
 dng("bad_pattern.dng", whole, pattern="RGGG")
 # Levels in each type of number, and some that are none.
 for number, tags in enumerate((*({50714: (kind, [60, 61, 62, 63])} for kind in (1, 3, 4, 6, 8, 9, 11, 12)),
                                {50714: (10, [(120 + 2 * p, 2) for p in range(4)])}, {50714: (3, [64])}, {50714: (8, [60, -1, 62, 63])},
-                               {50713: (3, [1, 1])}, {50714: (4, [60, 61, 62, 70000])}, {50717: (11, [-1])}, {50717: (4, [70000])})):
+                               {50713: (3, [1, 1])}, {50714: (4, [60, 61, 62, 70000])}, {50717: (11, [-1])}, {50717: (4, [70000])},
+                               {50714: (11, [-0.4, 0.5, 65535, 1.4]), 50717: (4, [65535])}, {50714: (4, [65535, 0, 1, 2]), 50717: (4, [0])},
+                               {50717: (4, [255])}, {50717: (4, [256])}, {50717: (4, [65536])})):
     dng(f"levels_{number:02}.dng", whole, extra=tags)
 dng("levels_none.dng", whole, extra={50714: None, 50717: None})
 for name, tags in (("repeat", {33421: (3, [6, 6])}), ("no_width", {256: None}), ("no_height", {257: None}), ("low_colour", {33422: (6, [0, -1, 1, 2])}),
