@@ -90,6 +90,76 @@ TEST(SummaryFile, WithAnyNumberChangedIsRefusedOrSound) {
         reads_soundly(with_checksum(body.substr(0, body.size() - 8) + body.substr(body.size() - 16, 8))));
 }
 
+TEST(SummaryFile, HoldsWhatALotCanHaveToTheLast) {
+    constexpr auto reach = static_cast<int64_t>(centre_reach * centre_units);
+    const MeasureName name{"x", "R"};
+    const auto count = [&name](int32_t value, uint64_t of) {
+        return [=](LotSummary& lot) { lot.numbers[name].add(value, static_cast<uint32_t>(of)); };
+    };
+    const auto black = [](int32_t value) { return [=](LotSummary& lot) { lot.black[2].add(value); }; };
+    const auto sum = [](int64_t value) {
+        return [=](LotSummary& lot) { lot.centre_sums.sum[1][3] = value; };
+    };
+    const auto product = [](int64_t value) {
+        return [=](LotSummary& lot) { lot.centre_sums.products[0][2][1] = value; };
+    };
+    const auto centres = [](uint64_t modules) {
+        return [=](LotSummary& lot) { lot.centre_sums.modules = modules; };
+    };
+    const auto block = [](uint64_t modules, uint64_t good, uint64_t number = 9) {
+        SequenceBlock of;
+        of.modules = modules;
+        of.good = good;
+        return [=](LotSummary& lot) { lot.sequence.set(0, {{number, of}}); };
+    };
+    const auto text = [](size_t length, uint64_t modules) {
+        return [=](LotSummary& lot) { lot.settings[std::string(length, 'x')] = modules; };
+    };
+    const std::pair<std::function<void(LotSummary&)>, bool> cases[] = {
+        {count(10'000'000, 1), true},
+        {count(10'000'001, 1), false},
+        {count(-10'000'000, 127), true},
+        {count(-10'000'001, 1), false},
+        {count(7, LotSummary::most_modules), true},
+        {count(7, LotSummary::most_modules + 1), false},
+        {black(0), true},
+        {black(-1), false},
+        {black(65535), true},
+        {black(65536), false},
+        {sum(3 * reach), true},
+        {sum(3 * reach + 1), false},
+        {sum(-3 * reach), true},
+        {sum(-3 * reach - 1), false},
+        {product(3 * reach * reach), true},
+        {product(3 * reach * reach + 1), false},
+        {product(-3 * reach * reach), true},
+        {product(-3 * reach * reach - 1), false},
+        {centres(4), false},
+        {block(3, 3), true},
+        {block(1, 0, UINT64_MAX), true},
+        {block(4, 3), false},
+        {block(2, 3), false},
+        {block(0, 0), false},
+        {text(0, 0), true},
+        {text(127, 128), true},
+        {text(128, 16383), true},
+        {text(300, UINT64_MAX), true},
+        {[](LotSummary& lot) { lot.verdicts[0] = 2; }, false},
+        {[](LotSummary& lot) { lot.verdicts[0] = LotSummary::most_modules + 1; }, false},
+        {[](LotSummary& lot) { lot.gains.counts()[3][24].add(5); }, false},
+        {[](LotSummary& lot) { lot.kind->grid.height = 6; }, false},
+        {[](LotSummary& lot) { lot.kind->pattern = static_cast<BayerPattern>(4); }, false},
+    };
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        LotSummary lot = three_modules();
+        cases[i].first(lot);
+        EXPECT_EQ(reads_soundly(encode_summary(lot)), cases[i].second) << i;
+        if (cases[i].second) {
+            EXPECT_EQ(encode_summary(decode_summary(encode_summary(lot), "again")), encode_summary(lot)) << i;
+        }
+    }
+}
+
 TEST(LotSummary, TakesNoModuleOfAKindThatCannotBe) {
     EXPECT_EQ(LotSummary().add(module_of(0), "x:1"), LotSummary::Added::yes);
     for (const auto side : {&ResultFrame::width, &ResultFrame::height, &ResultFrame::bits}) {
