@@ -243,7 +243,9 @@ Request parse_command_line(const Program& program, int argc, char** argv) {
     root.require_subcommand();
     std::vector<std::string> words = words_of(argc, argv);
     const std::string first = words.empty() ? "" : words.front();
-    program.add_commands(root, first);
+    const bool asks_version = words.size() == 1 && (first == "--version" || first == "-V");
+    if (!asks_version) // which would take a third longer with the options of all commands
+        program.add_commands(root, first);
     if (first == "--option-tree") {
         request.run = [tree = option_tree(app).text()](Report& report) { report.print(tree); };
         return request;

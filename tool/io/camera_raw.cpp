@@ -3,11 +3,13 @@
 #include <array>
 #include <bit>
 #include <memory>
+#include <new>
 
 #include <fmt/format.h>
 #include <libraw/libraw.h>
 
 #include "failure.h"
+#include "io/loaded_library.h"
 #include "io/raw_format.h"
 #include "io/sample_rows.h"
 #include "io/tiff_blocks.h"
@@ -17,6 +19,35 @@ namespace {
 
 // LibRaw's memory for one frame, in MiB: the largest sensors have some 150 megapixels.
 constexpr unsigned most_memory = 1024;
+
+// LibRaw's functions, under their names without the prefix.
+struct LibRawFunctions {
+    LoadedLibrary library{ZERKLSC_LIBRAW};
+    decltype(libraw_COLOR)* COLOR = library.function("libraw_COLOR");
+    decltype(libraw_close)* close = library.function("libraw_close");
+    decltype(libraw_get_decoder_info)* get_decoder_info = library.function("libraw_get_decoder_info");
+    decltype(libraw_init)* init = library.function("libraw_init");
+    decltype(libraw_open_buffer)* open_buffer = library.function("libraw_open_buffer");
+    decltype(libraw_open_file)* open_file = library.function("libraw_open_file");
+    decltype(libraw_set_dataerror_handler)* set_dataerror_handler =
+        library.function("libraw_set_dataerror_handler");
+    decltype(libraw_strerror)* strerror = library.function("libraw_strerror");
+    decltype(libraw_unpack)* unpack = library.function("libraw_unpack");
+};
+
+const LibRawFunctions& libraw() {
+    static const LibRawFunctions loaded;
+    return loaded;
+}
+
+struct CloseRaw {
+    void operator()(libraw_data_t* raw) const { libraw().close(raw); }
+};
+using Raw = std::unique_ptr<libraw_data_t, CloseRaw>;
+
+const unpacker_data_t& unpacker_of(libraw_data_t& raw) {
+    return static_cast<LibRaw*>(raw.parent_class)->get_internal_data_pointer()->unpacker_data;
+}
 
 constexpr std::array extensions{".dng", ".cr2", ".cr3", ".nef", ".nrw", ".arw", ".raf", ".orf", ".rw2",
                                 ".pef", ".srw", ".3fr", ".iiq", ".erf", ".mrw", ".kdc", ".dcr", ".gpr"};
@@ -52,7 +83,7 @@ void check(const InputFile& file, int status) {
     if (status == LIBRAW_IO_ERROR)
         data_failure("{}: ends before its samples do: the file is truncated or damaged", file.path());
     if (status != LIBRAW_SUCCESS)
-        data_failure("{}: cannot be read as a camera's raw file: {}", file.path(), libraw_strerror(status));
+        data_failure("{}: cannot be read as a camera's raw file: {}", file.path(), libraw().strerror(status));
 }
 
 constexpr const char* other_sensor =
@@ -67,41 +98,44 @@ void refuse_wide_patterns(InputFile& file) {
                 data_failure(other_sensor, file.path());
 }
 
-std::unique_ptr<LibRaw> open_raw(InputFile& file) {
+Raw open_raw(InputFile& file) {
     if (extension_of(file.path()) == ".dng" && !begins_tiff(file.head()))
         data_failure("{}: is not a DNG: it does not begin as a TIFF does", file.path());
     if (begins_tiff(file.head()))
         refuse_wide_patterns(file);
-    auto raw = std::make_unique<LibRaw>();
-    raw->imgdata.params.max_raw_memory_mb = most_memory;
-    raw->set_dataerror_handler(nullptr, nullptr);
+    Raw raw(libraw().init(LIBRAW_OPTIONS_NONE));
+    if (!raw)
+        throw std::bad_alloc();
+    raw->params.max_raw_memory_mb = most_memory;
+    libraw().set_dataerror_handler(raw.get(), nullptr, nullptr);
     file.hold();
     const std::string_view held = file.head();
-    check(file, file.size() == held.size() ? raw->open_buffer(const_cast<char*>(held.data()), held.size())
-                                           : raw->open_file(file.path().c_str()));
-    if (raw->imgdata.idata.filters < 1000 || raw->imgdata.idata.colors < 3)
+    check(file, file.size() == held.size()
+                    ? libraw().open_buffer(raw.get(), const_cast<char*>(held.data()), held.size())
+                    : libraw().open_file(raw.get(), file.path().c_str()));
+    if (raw->idata.filters < 1000 || raw->idata.colors < 3)
         data_failure(other_sensor, file.path());
-    const auto& sizes = raw->imgdata.sizes;
+    const auto& sizes = raw->sizes;
     if (sizes.left_margin + sizes.width > sizes.raw_width
         || sizes.top_margin + sizes.height > sizes.raw_height || sizes.width < 2 || sizes.height < 2)
         data_failure("{}: contradicts itself: its active area reaches beyond its frame", file.path());
     return raw;
 }
 
-std::string_view decoder_of(LibRaw& raw) {
+std::string_view decoder_of(libraw_data_t& raw) {
     libraw_decoder_info_t decoder{};
-    return raw.get_decoder_info(&decoder) == LIBRAW_SUCCESS ? decoder.decoder_name : "";
+    return libraw().get_decoder_info(&raw, &decoder) == LIBRAW_SUCCESS ? decoder.decoder_name : "";
 }
 
-bool is_uncompressed(LibRaw& raw) {
+bool is_uncompressed(libraw_data_t& raw) {
     return decoder_of(raw) == "packed_dng_load_raw()";
 }
 
 // Whether LibRaw would only copy whole words: then they can be read where they stay.
-bool is_plain(LibRaw& raw) {
-    if (!is_uncompressed(raw) || raw.get_internal_data_pointer()->unpacker_data.tiff_bps != 16)
+bool is_plain(libraw_data_t& raw) {
+    if (!is_uncompressed(raw) || unpacker_of(raw).tiff_bps != 16)
         return false;
-    const auto& curve = raw.imgdata.color.curve;
+    const auto& curve = raw.color.curve;
     for (size_t i = 0; i < std::size(curve); ++i)
         if (curve[i] != i)
             return false;
@@ -110,8 +144,8 @@ bool is_plain(LibRaw& raw) {
 
 // LibRaw begins its frame a row or column further in where the corner of a DNG's active area is odd. The
 // frame of the file is that area, from whose corner its pattern and black levels repeat.
-SampleArea mosaic_area(LibRaw& raw, DngMosaic* mosaic) {
-    const auto& sizes = raw.imgdata.sizes;
+SampleArea mosaic_area(libraw_data_t& raw, DngMosaic* mosaic) {
+    const auto& sizes = raw.sizes;
     const SampleArea area{sizes.left_margin, sizes.top_margin, sizes.width, sizes.height};
     const auto corners = mosaic == nullptr ? std::vector<double>{} : mosaic->active_area();
     const auto begins_at = [](double corner, uint64_t margin) {
@@ -128,11 +162,11 @@ SampleArea mosaic_area(LibRaw& raw, DngMosaic* mosaic) {
 // LibRaw takes the samples of an uncompressed DNG to follow its first one row by row. Plain words are read
 // here wherever they stand; fewer bits are not, nor lossless JPEG, of which LibRaw reads the first strip
 // alone, and whatever number of samples that promises.
-void check_as_libraw_reads(LibRaw& raw, DngMosaic& mosaic) {
+void check_as_libraw_reads(libraw_data_t& raw, DngMosaic& mosaic) {
     const bool uncompressed = is_uncompressed(raw);
     if (!uncompressed && decoder_of(raw) != "lossless_dng_load_raw()")
         return;
-    const unsigned bits = raw.get_internal_data_pointer()->unpacker_data.tiff_bps;
+    const unsigned bits = unpacker_of(raw).tiff_bps;
     if (uncompressed && !is_in_one_piece(mosaic))
         data_failure(
             "{}: holds {}-bit samples{} in tiles or scattered strips, and only plain ones of 16 bits are "
@@ -145,9 +179,9 @@ void check_as_libraw_reads(LibRaw& raw, DngMosaic& mosaic) {
         check_jpeg_sizes(mosaic);
 }
 
-std::vector<uint16_t> read_plain(InputFile& file, LibRaw& raw, const SampleArea& area) {
-    const unpacker_data_t& unpacker = raw.get_internal_data_pointer()->unpacker_data;
-    const uint64_t stride = 2 * uint64_t{raw.imgdata.sizes.raw_width};
+std::vector<uint16_t> read_plain(InputFile& file, libraw_data_t& raw, const SampleArea& area) {
+    const unpacker_data_t& unpacker = unpacker_of(raw);
+    const uint64_t stride = 2 * uint64_t{raw.sizes.raw_width};
     const uint64_t first = stride * area.top + 2 * area.left;
     const RowLayout layout{static_cast<int>(area.width), static_cast<int>(area.height), 2 * area.width,
                            stride, static_cast<uint64_t>(unpacker.data_offset) + first};
@@ -158,13 +192,13 @@ std::vector<uint16_t> read_plain(InputFile& file, LibRaw& raw, const SampleArea&
 }
 
 // LibRaw's colour of a plane of the area: 0 R, 1 G in the rows of R, 2 B, 3 the other G.
-int colour_of_plane(LibRaw& raw, const SampleArea& area, unsigned plane) {
-    const unsigned y = (plane >> 1) + (raw.imgdata.sizes.top_margin - area.top) % 2,
-                   x = (plane & 1) + (raw.imgdata.sizes.left_margin - area.left) % 2;
-    return raw.COLOR(static_cast<int>(y), static_cast<int>(x)) & 3;
+int colour_of_plane(libraw_data_t& raw, const SampleArea& area, unsigned plane) {
+    const unsigned y = (plane >> 1) + (raw.sizes.top_margin - area.top) % 2,
+                   x = (plane & 1) + (raw.sizes.left_margin - area.left) % 2;
+    return libraw().COLOR(&raw, static_cast<int>(y), static_cast<int>(x)) & 3;
 }
 
-std::optional<BayerPattern> pattern_of(LibRaw& raw, const SampleArea& area) {
+std::optional<BayerPattern> pattern_of(libraw_data_t& raw, const SampleArea& area) {
     std::string name;
     for (unsigned plane = 0; plane < 4; ++plane)
         name += "RGBG"[colour_of_plane(raw, area, plane)];
@@ -173,12 +207,12 @@ std::optional<BayerPattern> pattern_of(LibRaw& raw, const SampleArea& area) {
 
 // LibRaw splits black levels in a common part, one for each colour and one for each place in a repeated
 // block. A level below 0, which some processors make 0 and others a large number, is seen where it stands.
-BlackLevel black_of(const InputFile& file, LibRaw& raw, DngMosaic* mosaic, const SampleArea& area) {
+BlackLevel black_of(const InputFile& file, libraw_data_t& raw, DngMosaic* mosaic, const SampleArea& area) {
     if (mosaic != nullptr)
         for (const double level : mosaic->values(tag::black_level, 4))
             if (!(level >= 0 && level <= 65535))
                 data_failure("{}: has a black level of {}: expected 0 to 65535", file.path(), level);
-    const auto& colour = raw.imgdata.color;
+    const auto& colour = raw.color;
     const unsigned rows = colour.cblack[4], columns = colour.cblack[5];
     BlackLevel black{};
     for (unsigned plane = 0; plane < 4; ++plane) {
@@ -192,19 +226,20 @@ BlackLevel black_of(const InputFile& file, LibRaw& raw, DngMosaic* mosaic, const
     return black;
 }
 
-std::vector<uint16_t> unpack(const InputFile& file, LibRaw& raw, const SampleArea& area) {
-    check(file, raw.unpack());
-    if (raw.imgdata.rawdata.raw_image == nullptr)
+std::vector<uint16_t> unpack(const InputFile& file, libraw_data_t& raw, const SampleArea& area) {
+    check(file, libraw().unpack(&raw));
+    if (raw.rawdata.raw_image == nullptr)
         data_failure("{}: holds no mosaic of whole numbers", file.path());
-    const size_t pitch = raw.imgdata.sizes.raw_pitch / 2;
+    const size_t pitch = raw.sizes.raw_pitch / 2;
     std::vector<uint16_t> samples(static_cast<size_t>(area.width * area.height));
     for (uint64_t y = 0; y < area.height; ++y)
-        std::copy_n(raw.imgdata.rawdata.raw_image + (y + area.top) * pitch + area.left, area.width,
+        std::copy_n(raw.rawdata.raw_image + (y + area.top) * pitch + area.left, area.width,
                     samples.data() + y * area.width);
     return samples;
 }
 
-std::vector<uint16_t> samples_of(InputFile& file, LibRaw& raw, DngMosaic* mosaic, const SampleArea& area) {
+std::vector<uint16_t> samples_of(InputFile& file, libraw_data_t& raw, DngMosaic* mosaic,
+                                 const SampleArea& area) {
     if (!is_plain(raw)) {
         if (mosaic != nullptr)
             check_as_libraw_reads(raw, *mosaic);
@@ -225,8 +260,8 @@ void set_depth(RawFrame& frame, unsigned white) {
 }
 
 RawFrame read_camera_raw(InputFile& file, const RawHints&) {
-    const std::unique_ptr<LibRaw> raw = open_raw(file);
-    const auto& data = raw->imgdata;
+    const Raw raw = open_raw(file);
+    const libraw_data_t& data = *raw;
     RawFrame frame;
     frame.format = data.idata.dng_version != 0 ? "DNG" : "camera raw";
     std::optional<DngMosaic> mosaic; // where LibRaw takes a DNG otherwise than it is meant

@@ -14,10 +14,10 @@ namespace {
 // In the order in which they are asked; headerless takes whatever comes with a size.
 constexpr std::array formats{
     &pgm_format,         &mipi_raw10_format, &mipi_raw12_format, &png_mosaic_format,
-#ifdef ZERKLSC_WITH_LIBRAW
+#ifdef ZERKLSC_LIBRAW
     &camera_raw_format, // before TIFF, of which DNG is a kind
 #endif
-#ifdef ZERKLSC_WITH_TIFF
+#ifdef ZERKLSC_LIBTIFF
     &tiff_mosaic_format,
 #endif
     &headerless_format,

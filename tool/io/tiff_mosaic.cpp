@@ -9,10 +9,30 @@
 #include <tiffio.h>
 
 #include "failure.h"
+#include "io/loaded_library.h"
 #include "io/raw_format.h"
 
 namespace zerklsc::tool {
 namespace {
+
+// libtiff's functions, under their names without the prefix.
+struct LibTiff {
+    LoadedLibrary library{ZERKLSC_LIBTIFF};
+    decltype(TIFFClientOpen)* ClientOpen = library.function("TIFFClientOpen");
+    decltype(TIFFClose)* Close = library.function("TIFFClose");
+    decltype(TIFFComputeStrip)* ComputeStrip = library.function("TIFFComputeStrip");
+    decltype(TIFFGetField)* GetField = library.function("TIFFGetField");
+    decltype(TIFFGetFieldDefaulted)* GetFieldDefaulted = library.function("TIFFGetFieldDefaulted");
+    decltype(TIFFIsTiled)* IsTiled = library.function("TIFFIsTiled");
+    decltype(TIFFReadEncodedStrip)* ReadEncodedStrip = library.function("TIFFReadEncodedStrip");
+    decltype(TIFFSetErrorHandler)* SetErrorHandler = library.function("TIFFSetErrorHandler");
+    decltype(TIFFSetWarningHandler)* SetWarningHandler = library.function("TIFFSetWarningHandler");
+};
+
+const LibTiff& libtiff() {
+    static const LibTiff loaded;
+    return loaded;
+}
 
 // What libtiff reads from.
 struct TiffSource {
@@ -60,7 +80,7 @@ void keep_error(const char*, const char* format, va_list arguments) {
 }
 
 struct CloseTiff {
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+    void operator()(TIFF* tiff) const { libtiff().Close(tiff); }
 };
 using Tiff = std::unique_ptr<TIFF, CloseTiff>;
 
@@ -71,12 +91,12 @@ using Tiff = std::unique_ptr<TIFF, CloseTiff>;
 }
 
 Tiff open_tiff(TiffSource& source) {
-    TIFFSetErrorHandler(keep_error);
-    TIFFSetWarningHandler(nullptr);
+    libtiff().SetErrorHandler(keep_error);
+    libtiff().SetWarningHandler(nullptr);
     last_error.fill('\0');
     // "m": no memory mapping.
-    Tiff tiff(TIFFClientOpen(source.file->path().c_str(), "rm", &source, read_bytes, write_nothing, seek,
-                             close_nothing, size_of, nullptr, nullptr));
+    Tiff tiff(libtiff().ClientOpen(source.file->path().c_str(), "rm", &source, read_bytes, write_nothing,
+                                   seek, close_nothing, size_of, nullptr, nullptr));
     if (!tiff)
         fail(*source.file);
     return tiff;
@@ -91,14 +111,14 @@ struct TiffHeader {
 
 TiffHeader read_header(const InputFile& file, TIFF* tiff) {
     TiffHeader header;
-    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &header.width);
-    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &header.height);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &header.depth);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &header.samples);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &header.format);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &header.compression);
-    TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &header.photometric);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &header.strip_rows);
+    libtiff().GetField(tiff, TIFFTAG_IMAGEWIDTH, &header.width);
+    libtiff().GetField(tiff, TIFFTAG_IMAGELENGTH, &header.height);
+    libtiff().GetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &header.depth);
+    libtiff().GetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &header.samples);
+    libtiff().GetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &header.format);
+    libtiff().GetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &header.compression);
+    libtiff().GetField(tiff, TIFFTAG_PHOTOMETRIC, &header.photometric);
+    libtiff().GetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &header.strip_rows);
     if (header.samples != 1 || (header.depth != 8 && header.depth != 16)
         || header.format != SAMPLEFORMAT_UINT)
         data_failure(
@@ -111,7 +131,7 @@ TiffHeader read_header(const InputFile& file, TIFF* tiff) {
     if (header.width < 2 || header.height < 2 || header.width > largest_side || header.height > largest_side)
         data_failure("{}: is {} x {} samples: expected 2 to {} in each direction", file.path(), header.width,
                      header.height, largest_side);
-    if (TIFFIsTiled(tiff) != 0)
+    if (libtiff().IsTiled(tiff) != 0)
         data_failure("{}: is in tiles: write the TIFF in strips", file.path());
     header.strip_rows = std::clamp(header.strip_rows, 1U, header.height);
     const uint64_t bytes = uint64_t{header.width} * header.height * (header.depth / 8U);
@@ -132,7 +152,8 @@ std::vector<uint16_t> read_strips(const InputFile& file, TIFF* tiff, const TiffH
         const uint32_t rows = std::min(header.strip_rows, header.height - y);
         strip.resize(size_t{rows} * header.width);
         const auto bytes = static_cast<tmsize_t>(strip.size() * sizeof(Sample));
-        if (TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, 0), strip.data(), bytes) != bytes)
+        if (libtiff().ReadEncodedStrip(tiff, libtiff().ComputeStrip(tiff, y, 0), strip.data(), bytes)
+            != bytes)
             fail(file);
         samples.insert(samples.end(), strip.begin(), strip.end());
     }
@@ -142,7 +163,7 @@ std::vector<uint16_t> read_strips(const InputFile& file, TIFF* tiff, const TiffH
 std::optional<BayerPattern> pattern_of(TIFF* tiff) {
     uint16_t count = 0;
     const uint8_t* colours = nullptr;
-    if (TIFFGetField(tiff, TIFFTAG_CFAPATTERN, &count, &colours) != 1 || count != 4)
+    if (libtiff().GetField(tiff, TIFFTAG_CFAPATTERN, &count, &colours) != 1 || count != 4)
         return std::nullopt;
     std::string name;
     for (int i = 0; i < 4; ++i)
