@@ -174,6 +174,36 @@ def test_presets(line):
     expect(line.results("darks")[3]["inputs"][1] == {"file": "dark.pgm", "sha256": line.digest("dark.pgm")}, done.stderr)
 
 
+def test_numbers(line):
+    """Each number of a result is what the command for it tells of the same captures."""
+    for seed in (1, 2):
+        line.run("simulate", "--quiet", "--width", 320, "--height", 228, "--pattern", "GBRG", "--black-level", 60, "--seed", seed,
+                 "--corners", "31,40,45,52", "--centre", "47,55", "--dust", 3, "-o", f"n{seed}.pgm")
+    line.write_manifest("numbers.csv", [["ONE", "n1.pgm", ""], ["TWO", "n1.pgm;n2.pgm", ""]])
+    words = ["--step", 16, "--radius", 5, "--shading", 97, "--black-level", "60,59,61,62", "--keep-outliers"]
+    for mode in (0, 1):
+        expect(line.batch(f"numbers{mode}", *map(str, words), "--mode", str(mode), "--max-error", "50", manifest="numbers.csv").returncode == 0)
+        for result, flats in zip(line.results(f"numbers{mode}"), (["n1.pgm"], ["n1.pgm", "n2.pgm"])):
+            told = line.document("calibrate", *flats, *words, "-o", "n.json")
+            stream = line.document("otp", "encode", "n.json", "--mode", mode, "--max-error", 50, "-o", "n.bin")
+            numbers, frame = result["numbers"], result["frame"]
+            checks = [{key: check[key] for key in ("name", "plane", "value", "verdict")} for check in told["checks"]]
+            expect(result["checks"] == checks and len(checks) > 20, result["checks"])
+            expect(max(numbers["predicted_flatness"].values()) == told["predicted_flatness"], numbers, told)
+            losses = [channel["largest_gain_error"] for channel in stream["channels"]]
+            expect((numbers["otp_bytes"], numbers["otp_loss"]) == (stream["stream_size"], max(losses)), numbers, stream)
+            expect([frame[key] for key in ("width", "height", "bits", "pattern", "black_level")] == [320, 228, 10, "GBRG", [60, 59, 61, 62]])
+            expect(all(abs(place[0] - 0.47) < 0.02 and abs(place[1] - 0.55) < 0.02 for place in result["optical_centre"].values()),
+                   result["optical_centre"])
+            if len(flats) == 1:
+                for channel in line.document("measure", *flats, "--black-level", "60,59,61,62")["channels"]:
+                    expect((numbers["flatness"][channel["colour"]], numbers["corner"][channel["colour"]])
+                           == (channel["flatness"], channel["corner_to_centre"]), numbers, channel)
+                line.run("correct", *flats, "--black-level", "60,59,61,62", "--tables", "n.json", "-o", "nc.pgm", "-q")
+                for channel in line.document("measure", "nc.pgm")["channels"]:
+                    expect(numbers["predicted_flatness"][channel["colour"]] == channel["flatness"], numbers, channel)
+
+
 def test_capture_that_vanishes(line):
     """One that is there when it is hashed and gone when it is read; the pipe behind it stops the batch in between."""
     line.write("first.pgm", line.read("c1.pgm"))
@@ -361,7 +391,7 @@ def main():
         if options.full_disk:
             return test_full_disk(line)
         if options.modules is None:
-            for test in (test_workers_and_shards, test_faults, test_presets, test_capture_that_vanishes, test_what_stops_a_batch,
+            for test in (test_workers_and_shards, test_faults, test_presets, test_numbers, test_capture_that_vanishes, test_what_stops_a_batch,
                          test_torn_ends, test_signals):
                 test(line)
             line = Line(options.tool, folder, 200)

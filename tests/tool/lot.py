@@ -250,7 +250,9 @@ def expected_golden(told, modules):
     """The medians as whole gains, plane by plane."""
     blacks = zip(*[fields["frame"]["black_level"] for fields in modules if fields["gains"]])
     medians = {table["colour"]: table["median"] for table in told["tables"]}
-    return {"bayer_pattern": "GBRG", "parameters": {"filter_radius": 6}, "black_level": [*map(whole_middle, blacks)],
+    return {"bayer_pattern": "GBRG", "parameters": {"filter_radius": 6, "average": "median"},
+            "inputs": [{"role": "lot", "name": f"{sum(fields['gains'] is not None for fields in modules)} modules", "checks": []}],
+            "black_level": [*map(whole_middle, blacks)],
             "tables": [{"colour": colour, "gains": [[math.floor(gain + 0.5) for gain in row] for row in medians[colour]]}
                        for colour in ("Gb", "B", "R", "Gr")]}
 
