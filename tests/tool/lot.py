@@ -8,6 +8,7 @@ import itertools
 import json
 import math
 import random
+import re
 import statistics
 
 from result_lines import COLOURS, Line, text_of
@@ -317,6 +318,40 @@ def compare_distances(told, modules, line):
     assert any(r.startswith("optical centre of Gb") and ";" not in r for r in reasons), reasons
 
 
+def compare_text(told, text, line):
+    """The text has the numbers of the document, in its order."""
+    def percent(fraction):
+        return f"{100 * fraction:.2f} %"
+    first = told["sequence"]["first_serials"][0]
+    correlation, pair = min((pair[axis], pair["colours"]) for pair in told["optical_centre"]["correlation"] for axis in "xy")
+    parts = [[f"{line.width} x {line.height} GBRG, 10 bits, orvel, step 64, radius 6, shading 95 %, tables of {line.columns} x {line.rows}"],
+             [f"{told['modules']} modules, yield {percent(told['yield'])}: "
+              + ", ".join(f"{number} {verdict}" for verdict, number in told["verdicts"].items())],
+             ["lost by", "modules", "of all", "by it alone"],
+             *([c["cause"], f"{c['lost']}", percent(c["lost"] / told["modules"]), f"{c['lost_alone']}"] for c in told["costs"]),
+             [None, "largest median", "usual spread", "widest", "at node"],
+             *([c["colour"], c["largest_gain"], c["usual_spread"], c["widest_spread"], ",".join(map(str, c["widest_at"]))]
+               for c in told["channels"]),
+             ["optical centre", "x", "deviation", "y", "deviation"],
+             *([c["colour"], c["x"]["median"], c["x"]["deviation"], c["y"]["median"], c["y"]["deviation"]]
+               for c in told["optical_centre"]["channels"]),
+             [f"correlation of the centres between channels: {correlation:.3f} or more, least for {pair[0]} and {pair[1]}"],
+             [f"over serial numbers from {first} on, in {len(told['sequence']['modules'])} blocks of {told['sequence']['serials_in_a_block']}:"]]
+    lines = [re.split(" {2,}", row) for row in text.split("\n") if row]
+    for row, expected in zip(lines, parts):
+        assert len(row) == len(expected), (row, expected)
+        for cell, value in zip(row, expected):
+            if isinstance(value, float):
+                number = float(cell.removesuffix(" %")) / (100 if cell.endswith(" %") else 1)
+                assert abs(number - value) < (1.1e-4 if cell.endswith(" %") else 5.6e-4), (row, expected)
+            else:
+                assert value in (None, cell), (row, expected)
+    nearest = told["nearest"]
+    assert f"\nnearest to the golden tables: {nearest['serial']}, {nearest['distance']:.2f} deviations\n" in text, text
+    for entry in told["outliers"]["listed"][:10]:
+        assert f"\n  {entry['serial']} ({entry['verdict']}): {entry['reason']}\n" in text, entry
+
+
 def lines_of(modules):
     return "".join(map(text_of, modules))
 
@@ -340,6 +375,7 @@ def check_numbers(tool, line, modules):
     compare_histograms(told, modules)
     compare_distances(told, modules, line)
     text = tool.run("lot", "all.jsonl").stdout
+    compare_text(told, text, line)
     drifts = [(entry["name"], entry["plane"], entry["change"]) for entry in told["sequence"]["series"] if entry["drifts"]]
     assert {("optical centre x", None), ("corner gain", "B")} <= {drift[:2] for drift in drifts}, drifts
     for name, plane, change in drifts:
