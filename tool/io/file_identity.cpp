@@ -42,8 +42,9 @@ bool are_one(const std::string& a, const std::string& b) {
 
 std::string link_target(const std::string& path) {
     std::string target = path;
-    // As many as the kernel follows. A longer chain is a circle.
-    for (int links = 0; links < 40; ++links) {
+    // As many as the kernel follows, and a look at where the last one leads. A longer chain is a circle.
+    constexpr int most_links = 40;
+    for (int links = 0; links <= most_links; ++links) {
         char text[PATH_MAX];
         const ssize_t length = readlink(target.c_str(), text, sizeof text);
         if (length < 0)
