@@ -4,6 +4,7 @@ summaries of their parts with the lot that was read as one.
 
   lot.py --tool build/release/tool/zerklsc
 """
+import base64
 import itertools
 import json
 import math
@@ -11,6 +12,7 @@ import random
 import re
 import statistics
 
+from frames import read_png
 from result_lines import COLOURS, Line, text_of
 from tool import in_a_folder, options_with_tool
 
@@ -352,6 +354,35 @@ def compare_text(told, text, line):
         assert f"\n  {entry['serial']} ({entry['verdict']}): {entry['reason']}\n" in text, entry
 
 
+def compare_maps(tool, page, modules, line):
+    """The page shows the median gain, and how far the gains of each node lie apart in percent of their median."""
+    maps = json.loads(re.search('id="map-data">(.*?)</script>', page, re.S)[1])
+    width, height, fields = 316, int(316 / line.width * line.height), []
+    for colour in COLOURS:
+        spreads = [100 * robust(of) / middle(of) for of in nodes(modules, colour)]
+        def at(u, v):
+            i, j = int(u), int(v)
+            row = [spreads[(j + k) * line.columns + i] * (1 - u + i) + spreads[(j + k) * line.columns + i + 1] * (u - i) for k in (0, 1)]
+            return row[0] * (1 - v + j) + row[1] * (v - j)
+        fields.append([[at((x + 0.5) * (line.width // 2) / width / 64 + 1, (y + 0.5) * (line.height // 2) / height / 64 + 1)
+                        for x in range(width)] for y in range(height)])
+    every = sorted(value for field in fields for values in field for value in values)
+    end = min(end for end in (1, 2, 5, 10, 20, 50, 100) if every[len(every) * 99 // 100] <= end)
+    beyond = 100 * sum(value > end for value in every) / len(every)
+    assert [row["title"] for row in maps] == ["median gain", "spread of the gains: robust deviation, percent of the median"
+                                              f"; {beyond:.2f} % of the area is beyond the scale"]
+    assert maps[1]["labels"] == [f"{end * k / 4:.2f} %" for k in range(5)], maps[1]["labels"]
+    def picture(uri):
+        return read_png(tool.folder / tool.write("map.png", base64.b64decode(uri.split(",")[1])))
+    [scale] = picture(maps[1]["scale"])
+    for colour, field, panel in zip(COLOURS, fields, maps[1]["panels"], strict=True):
+        values = [value for row in field for value in row]
+        assert panel["caption"] == f"{colour}  {min(values):.2f} % to {max(values):.2f} %", panel["caption"]
+        for shown, row in zip(picture(panel["image"]), field, strict=True):
+            for pixel, value in zip(shown, row, strict=True):
+                assert max(abs(a - b) for a, b in zip(pixel, scale[min(int(256 * value / end), 255)])) <= 2, (colour, pixel, value)
+
+
 def lines_of(modules):
     return "".join(map(text_of, modules))
 
@@ -382,6 +413,7 @@ def check_numbers(tool, line, modules):
         assert f"\n  {name}{' of ' + plane if plane else ''} drifts by {change:+.4f} (" in text, (name, plane, change, text)
     page = tool.run("lot", "all.jsonl", "-o", "-").stdout
     assert "\\u003cb>76" in page and "<b>76" not in page
+    compare_maps(tool, page, modules, line)
     # What was made here is what the other commands take.
     tool.run("simulate", "--width", "640", "--height", "482", "--pattern", "GBRG", "-o", "flat.pgm", "--quiet")
     tool.run("calibrate", "flat.pgm", "--step", "64", "--radius", "6", "--shading", "95", "--relative-to", "golden.json",
