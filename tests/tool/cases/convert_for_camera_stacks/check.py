@@ -9,7 +9,7 @@ import struct
 import subprocess
 import sys
 
-from dng import read_directories, read_gain_maps
+from dng import XYZ_TO_SRGB, read_directories, read_gain_maps
 from frames import node_place, read_tables, write_pgm, write_tables
 
 SIZE, STEP, LEVEL = (72, 52), 8, 263
@@ -102,9 +102,15 @@ def check_plain():
 def check_dng():
     data = pathlib.Path("constant.dng").read_bytes()
     tags = read_directories(data)[0]
-    camera = {271: b"Unknown\0", 272: b"Bayer sensor\0", 50708: b"Unknown Bayer sensor\0", 50706: bytes([1, 4, 0, 0]),
-              50707: bytes([1, 3, 0, 0]), 50728: struct.pack("<6I", *[10000] * 6), 50778: struct.pack("<H", 21)}
-    assert {number: tags[number][1] for number in camera} == camera
+    short, long = (lambda *values: (3, struct.pack(f"<{len(values)}H", *values))), (lambda *values: (4, struct.pack(f"<{len(values)}I", *values)))
+    matrix = [part for number in XYZ_TO_SRGB for part in number]
+    assert {**tags, 273: None, 51009: None} == {
+        254: long(0), 256: long(SIZE[0]), 257: long(SIZE[1]), 258: short(16), 259: short(1), 262: short(32803), 271: (2, b"Unknown\0"),
+        272: (2, b"Bayer sensor\0"), 273: None, 274: short(1), 277: short(1), 278: long(SIZE[1]), 279: long(2 * SIZE[0] * SIZE[1]),
+        284: short(1), 33421: short(2, 2), 33422: (1, bytes([2, 1, 1, 0])), 50706: (1, bytes([1, 4, 0, 0])), 50707: (1, bytes([1, 3, 0, 0])),
+        50708: (2, b"Unknown Bayer sensor\0"), 50713: short(2, 2), 50714: short(60, 61, 62, 63), 50717: long(1000),
+        50721: (10, struct.pack("<18i", *matrix)), 50728: (5, struct.pack("<6I", *[10000] * 6)), 50778: short(21),
+        50829: long(0, 0, SIZE[1], SIZE[0]), 51009: None}, tags
     at = struct.unpack("<I", tags[273][1])[0]
     print("last tag", max(tags), "samples", data[at:] == struct.pack("<H", LEVEL) * (SIZE[0] * SIZE[1]))
     for plane, (colour, (head, values)) in enumerate(zip(COLOURS, read_gain_maps(data), strict=True)):
