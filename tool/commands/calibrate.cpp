@@ -77,8 +77,9 @@ void report_prediction(Report& report, const std::string& name, const GainTables
 // The ratios to the golden tables.
 GainTables relative_tables(Report& report, const std::string& name, const GainTables& tables,
                            const std::string& golden) {
+    const auto state = file_state(golden);
     GainTables relative = relative_gains(tables, name, read_whole_gains(golden), input_name(golden));
-    relative.relative_to = input_record("golden tables", golden);
+    relative.relative_to = input_record("golden tables", golden, state);
     uint16_t smallest = ZERKLSC_HIGHEST_GAIN, largest = 0;
     for (const auto& ratios : relative.gains) {
         smallest = std::min(smallest, *std::ranges::min_element(ratios));

@@ -154,7 +154,8 @@ void check_temperatures(const ConvertInputs& inputs, const std::vector<LitTables
 }
 
 std::vector<LitTables> tables_of_file(const ConvertInputs& inputs, const RawOptions& raw,
-                                      const ShadingFile& file, const std::string& format, bool lit) {
+                                      const ShadingFile& file, const std::optional<FileState>& state,
+                                      const std::string& format, bool lit) {
     const std::string& path = inputs.paths[0];
     const std::vector<ShadingSet> sets = chosen_sets(inputs, file);
     if (!lit && sets.size() != 1)
@@ -168,7 +169,7 @@ std::vector<LitTables> tables_of_file(const ConvertInputs& inputs, const RawOpti
         usage_failure("{}: says no frame size: give --size WIDTH,HEIGHT", path);
     GainTables about;
     about.algorithm = ZERKLSC_ALGORITHM_ORVEL;
-    about.inputs = {input_record(file.pattern ? "DNG with gain maps" : "tuning file", path)};
+    about.inputs = {input_record(file.pattern ? "DNG with gain maps" : "tuning file", path, state)};
     set_description(path, raw, file, about);
     Losses losses = file.losses;
     std::vector<LitTables> result;
@@ -204,8 +205,9 @@ GainTables read_text(const ConvertInputs& inputs, const std::string& path, const
     tables.step = inputs.step;
     check_grid(tables.raw_width, tables.raw_height, tables.step, path);
     set_description(path, raw, {}, tables);
+    const auto state = file_state(path);
     read_table_text(path, tables);
-    tables.inputs = {input_record("table in text", path)};
+    tables.inputs = {input_record("table in text", path, state)};
     return tables;
 }
 
@@ -245,13 +247,16 @@ void add_convert_inputs(Command command, ConvertInputs& inputs) {
 std::vector<LitTables> read_convert_inputs(const ConvertInputs& inputs, const RawOptions& raw,
                                            const std::string& format, bool lit) {
     check_words(inputs, raw);
-    for (const std::string& path : inputs.paths)
-        if (const auto file = read_shading_file(path, size_of(inputs))) {
-            if (inputs.paths.size() != 1)
-                usage_failure("{}: a tuning file or DNG is converted alone, not with {} other files", path,
-                              inputs.paths.size() - 1);
-            return tables_of_file(inputs, raw, *file, format, lit);
-        }
+    for (const std::string& path : inputs.paths) {
+        const auto state = file_state(path);
+        const auto file = read_shading_file(path, size_of(inputs));
+        if (!file)
+            continue;
+        if (inputs.paths.size() != 1)
+            usage_failure("{}: a tuning file or DNG is converted alone, not with {} other files", path,
+                          inputs.paths.size() - 1);
+        return tables_of_file(inputs, raw, *file, state, format, lit);
+    }
     if (!lit && inputs.paths.size() != 1)
         usage_failure("{}: takes one table file, not {}: only rkisp1 and alsc hold several", format,
                       inputs.paths.size());

@@ -120,6 +120,8 @@ FlatCaptures read_flat_captures(const CaptureOptions& options, Report& report) {
     check_counts(options);
     FlatCaptures flats;
     flats.averaging = averaging_of(options);
+    for (const std::string& path : options.paths())
+        flats.files.push_back(file_state(path));
     if (options.darks.empty()) {
         flats.captures = read_all(options, options.flats, UnknownBlack::refuse);
         if (flats.captures.size() > 1)
@@ -139,14 +141,16 @@ FlatCaptures read_flat_captures(const CaptureOptions& options, Report& report) {
     return flats;
 }
 
-std::vector<TableInput> recorded(const CaptureOptions& options, const std::vector<Findings>& findings) {
+std::vector<TableInput> recorded(const CaptureOptions& options, const FlatCaptures& flats,
+                                 const std::vector<Findings>& findings) {
     std::vector<TableInput> inputs;
-    for (size_t i = 0; i < options.flats.size(); ++i) {
-        inputs.push_back(input_record("flat field", options.flats[i]));
-        inputs.back().checks = findings[i];
+    const std::vector<std::string> paths = options.paths();
+    for (size_t i = 0; i < paths.size(); ++i) {
+        const bool is_flat = i < options.flats.size();
+        inputs.push_back(input_record(is_flat ? "flat field" : "dark frame", paths[i], flats.files[i]));
+        if (is_flat)
+            inputs.back().checks = findings[i];
     }
-    for (const std::string& path : options.darks)
-        inputs.push_back(input_record("dark frame", path));
     return inputs;
 }
 

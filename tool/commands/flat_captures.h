@@ -25,7 +25,8 @@ struct CaptureOptions {
 struct FlatCaptures {
     std::vector<RawFrame> captures; // dark frame taken off
     Averaging averaging = Averaging::mean;
-    std::optional<RawFrame> averaged; // nothing where it is the only capture
+    std::optional<RawFrame> averaged;            // nothing where it is the only capture
+    std::vector<std::optional<FileState>> files; // the flats and the dark frames, before they were read
 
     const RawFrame& average() const { return averaged ? *averaged : captures.front(); }
 };
@@ -44,6 +45,7 @@ void check_words(const CaptureOptions& options);
 FlatCaptures read_flat_captures(const CaptureOptions& options, Report& report);
 
 // The files as a table file names them, with what was found in each flat.
-std::vector<TableInput> recorded(const CaptureOptions& options, const std::vector<Findings>& findings);
+std::vector<TableInput> recorded(const CaptureOptions& options, const FlatCaptures& flats,
+                                 const std::vector<Findings>& findings);
 
 } // namespace zerklsc::tool

@@ -56,7 +56,7 @@ CalibrationSettings settings_for(const MethodOptions& options, const RawFrame& f
 GainTables calibrate_flats(const CaptureOptions& options, FlatCaptures& flats, CheckedFlats& checked,
                            const CalibrationSettings& settings) {
     GainTables tables = calibrate_light(clean_average(flats, checked), settings);
-    tables.inputs = recorded(options, checked.findings);
+    tables.inputs = recorded(options, flats, checked.findings);
     for (size_t i = 0; i < checked.kept_out.size(); ++i)
         tables.inputs[i].kept_out = checked.kept_out[i];
     tables.average = name_of(flats.averaging);

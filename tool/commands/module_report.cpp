@@ -33,10 +33,13 @@ struct ReportOptions {
     FlatCheckOptions check;
 };
 
-void add_parameters(Report& report, const ReportOptions& options, const GainTables& tables, Isp isp) {
-    report.add("program", "zerklsc " ZERKLSC_VERSION);
-    report.add("inputs", JsonValue::array({json_of(input_record("flat field", options.raw.path)),
-                                           json_of(input_record("tables", options.tables))}));
+void add_inputs(Report& report, const ReportOptions& options, const std::optional<FileState>& flat,
+                const std::optional<FileState>& tables) {
+    report.add("inputs", JsonValue::array({json_of(input_record("flat field", options.raw.path, flat)),
+                                           json_of(input_record("tables", options.tables, tables))}));
+}
+
+void add_parameters(Report& report, const GainTables& tables, Isp isp) {
     report.add("algorithm", algorithm_name(tables.algorithm));
     report.add("step", tables.step);
     report.add("filter_radius", tables.filter_radius);
@@ -86,13 +89,16 @@ void run(const ReportOptions& options, Report& report) {
         usage_failure("{}: a report is written as HTML: give a name that ends in .html", options.output);
     keep_files_apart({options.raw.path, options.tables}, {options.output});
     const std::string tables_name = input_name(options.tables);
+    const auto flat_state = file_state(options.raw.path), tables_state = file_state(options.tables);
     const GainTables tables = read_whole_gains(options.tables);
     const Isp isp = isp_of_option(options.isp, tables);
     RawFrame frame = read_raw_for(options.raw, tables, tables_name);
     const Progress progress("writing " + output_name(options.output));
     add_frame(report, frame);
     report.print(describe(frame));
-    add_parameters(report, options, tables, isp);
+    report.add("program", "zerklsc " ZERKLSC_VERSION);
+    add_inputs(report, options, flat_state, tables_state);
+    add_parameters(report, tables, isp);
     add_checks(report, options, frame, tables);
     const PanelSize size = panel_size(frame.width, frame.height);
     const Shown before = show(frame, size);

@@ -64,6 +64,7 @@ GainTables described(const OtpDecodeOptions& options, const OtpFile& file) {
 void run(const OtpDecodeOptions& options, Report& report) {
     keep_files_apart({options.stream, options.like}, {options.output});
     check_table_name(options.output);
+    const auto state = file_state(options.stream);
     const OtpFile file = read_otp_file(options.stream);
     GainTables tables = described(options, file);
     decode_stream(file.stream, file.name, tables);
@@ -73,7 +74,7 @@ void run(const OtpDecodeOptions& options, Report& report) {
         warn(fmt::format("{}: a grid of {} x {} nodes, odd by even, decodes wrong in its lower half",
                          file.name, tables.table_width - 2 * ZERKLSC_BORDER,
                          tables.table_height - 2 * ZERKLSC_BORDER));
-    tables.inputs = {input_record("OTP file", options.stream)};
+    tables.inputs = {input_record("OTP file", options.stream, state)};
     write_file(options.output, encode_tables_for(options.output, tables));
     add_written_tables(report, options.output, tables);
 }

@@ -19,10 +19,24 @@ namespace {
 
 constexpr size_t head_size = size_t{1} << 16;
 
+FileState state_of(const struct stat& status) {
+    return {status.st_dev,
+            status.st_ino,
+            static_cast<uint64_t>(status.st_size),
+            {status.st_mtim.tv_sec, status.st_mtim.tv_nsec}};
+}
+
 } // namespace
 
 std::string input_name(const std::string& path) {
     return path == "-" ? "standard input" : path;
+}
+
+std::optional<FileState> file_state(const std::string& path) {
+    struct stat status {};
+    if (path == "-" || stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return state_of(status);
 }
 
 InputFile::InputFile(const std::string& path) : path_(input_name(path)) {
@@ -32,7 +46,7 @@ InputFile::InputFile(const std::string& path) : path_(input_name(path)) {
         cannot_read();
     // Files that the kernel makes up say that they are empty.
     seekable_ = S_ISREG(status.st_mode) && status.st_size > 0;
-    written_ = status.st_mtim;
+    opened_ = state_of(status);
     if (seekable_)
         size_ = static_cast<uint64_t>(status.st_size);
     head_.resize(size_ ? static_cast<size_t>(std::min<uint64_t>(*size_, head_size)) : head_size);
@@ -125,10 +139,12 @@ void InputFile::expect_end(uint64_t offset) {
 
 void InputFile::expect_unchanged() const {
     struct stat status {};
-    if (!seekable_ || fstat(descriptor_, &status) != 0)
-        return;
-    if (status.st_mtim.tv_sec != written_.tv_sec || status.st_mtim.tv_nsec != written_.tv_nsec
-        || static_cast<uint64_t>(status.st_size) != size_)
+    if (seekable_ && fstat(descriptor_, &status) == 0)
+        expect(state_of(status));
+}
+
+void InputFile::expect(const std::optional<FileState>& state) const {
+    if (state && state != opened_)
         data_failure("{}: was written to while it was read: try again when it is finished", path_);
 }
 

@@ -1,9 +1,9 @@
 // Reading files, pipes and devices, with failures in words and no more memory than the caller asks for.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,6 +13,18 @@ namespace zerklsc::tool {
 
 // What messages call an input: "standard input" for "-".
 std::string input_name(const std::string& path);
+
+// Which bytes a regular file holds, as long as whoever writes to it is not quicker than its time stamps.
+struct FileState {
+    uint64_t device = 0, number = 0, size = 0;
+    std::array<int64_t, 2> written{}; // seconds and nanoseconds
+
+    bool operator==(const FileState&) const = default;
+};
+
+// Nothing for what is no regular file or is not there. To be taken before a file is read, where it is read
+// again for its hash.
+std::optional<FileState> file_state(const std::string& path);
 
 // An input whose first bytes are there before anybody decides what it is. "-" is standard input.
 class InputFile {
@@ -48,6 +60,9 @@ class InputFile {
     // A failure when somebody has written to the file since it was opened. To be called once all is read.
     void expect_unchanged() const;
 
+    // A failure when it is not the file of that state, of which nothing is known where there is none.
+    void expect(const std::optional<FileState>& state) const;
+
   private:
     size_t read_forward(std::span<std::byte> to);
     [[noreturn]] void cannot_read() const;
@@ -56,7 +71,7 @@ class InputFile {
     int descriptor_ = -1;
     bool seekable_ = false;
     std::optional<uint64_t> size_;
-    timespec written_{}; // when it was written last, as it was opened
+    FileState opened_;
     std::string head_;
     uint64_t position_ = 0; // of a pipe: the bytes that were taken from it
 };

@@ -4,18 +4,17 @@
 #include <sys/stat.h>
 
 #include "io/directory.h"
-#include "io/input_file.h"
 #include "io/sha256.h"
 
 namespace zerklsc::tool {
 
-TableInput input_record(const char* role, const std::string& path) {
+TableInput input_record(const char* role, const std::string& path, const std::optional<FileState>& read) {
     if (path == "-")
         return {role, input_name(path), "", {}, {}};
     struct stat status {};
     if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
         return {role, path.substr(directory_of(path).size()), "", {}, {}};
-    return {role, path.substr(directory_of(path).size()), sha256_of_file(path), {}, {}};
+    return {role, path.substr(directory_of(path).size()), sha256_of_file(path, read), {}, {}};
 }
 
 JsonValue json_of(const TableInput& input) {

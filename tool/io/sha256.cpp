@@ -7,8 +7,6 @@
 #include <fmt/format.h>
 #include <nettle/sha2.h>
 
-#include "io/input_file.h"
-
 namespace zerklsc::tool {
 
 std::array<uint8_t, 32> sha256_of(std::string_view bytes) {
@@ -27,8 +25,9 @@ std::string sha256_text(const std::array<uint8_t, 32>& digest) {
     return text;
 }
 
-std::string sha256_of_file(const std::string& path) {
+std::string sha256_of_file(const std::string& path, const std::optional<FileState>& read) {
     InputFile file(path);
+    file.expect(read);
     sha256_ctx context;
     sha256_init(&context);
     std::vector<std::byte> block(size_t{1} << 16);
