@@ -7,6 +7,7 @@
 #include "failure.h"
 #include "io/dng_mosaic.h"
 #include "io/raw_format.h"
+#include "io/tiff_blocks.h"
 #include "io/tiff_tags.h"
 #include "support/memory_file.h"
 
@@ -391,6 +392,120 @@ TEST(DngMosaic, HasTheSizeOfItsArea) {
     EXPECT_TRUE(
         size_of(9, 9, {{1, 4}, {3, 4}, {7, 4}, {5, 4}, {5, 4}}).starts_with("its active area is not"));
     EXPECT_TRUE(size_of(9, 9, {}, 1).starts_with("holds no mosaic"));
+}
+
+// A mosaic of 7 x 5 in blocks of a size, strips where they are `strips`, forward or back to front in the
+// file.
+std::string mosaic_of(int columns, int rows, bool strips, bool forward, bool big) {
+    Bytes file(big);
+    std::vector<std::pair<uint64_t, size_t>> offsets, sizes;
+    std::vector<std::pair<int, int>> places;
+    for (int top = 0; top < 5; top += rows)
+        for (int left = 0; left < 7; left += columns)
+            places.emplace_back(left, top);
+    if (!forward)
+        std::reverse(places.begin(), places.end());
+    for (const auto& [left, top] : places) {
+        offsets.emplace_back(file.size(), 4);
+        const int bottom = strips ? std::min(top + rows, 5) : top + rows;
+        for (int y = top; y < bottom; ++y)
+            for (int x = left; x < left + columns; ++x)
+                file.put(static_cast<uint64_t>(x < 7 && y < 5 ? 300 * y + x : 0xEEEE), 2);
+        sizes.emplace_back(static_cast<uint64_t>(2 * columns * (bottom - top)), 4);
+    }
+    if (!forward) {
+        std::reverse(offsets.begin(), offsets.end());
+        std::reverse(sizes.begin(), sizes.end());
+    }
+    const auto count = static_cast<uint32_t>(places.size());
+    std::vector<Tag> tags{{tag::image_width, 4, 1, {{7, 4}}},
+                          {tag::image_length, 3, 1, {{5, 2}}},
+                          {tag::photometric_interpretation, 3, 1, {{tag::colour_filter_array, 2}}}};
+    if (strips)
+        tags.insert(tags.end(), {{tag::strip_offsets, 4, count, offsets},
+                                 {tag::rows_per_strip, 4, 1, {{static_cast<uint64_t>(rows), 4}}},
+                                 {tag::strip_byte_counts, 4, count, sizes}});
+    else
+        tags.insert(tags.end(), {{tag::tile_width, 4, 1, {{static_cast<uint64_t>(columns), 4}}},
+                                 {tag::tile_length, 4, 1, {{static_cast<uint64_t>(rows), 4}}},
+                                 {tag::tile_offsets, 4, count, offsets}});
+    add_directory(file, 4, tags);
+    return file.text();
+}
+
+TEST(TiffBlocks, GiveEveryAreaOfTheMosaic) {
+    const std::tuple<int, int, bool> layouts[] = {{7, 1, true},  {7, 2, true},  {7, 5, true},  {7, 9, true},
+                                                  {3, 2, false}, {7, 2, false}, {7, 1, false}, {8, 2, false},
+                                                  {4, 5, false}, {8, 6, false}};
+    for (const auto& [columns, rows, strips] : layouts)
+        for (const bool forward : {false, true}) {
+            const fuzz::MemoryFile memory(mosaic_of(columns, rows, strips, forward, rows % 2 == 0));
+            InputFile file(memory.path());
+            DngMosaic mosaic(file);
+            const int count = (5 + rows - 1) / rows;
+            EXPECT_EQ(strip_count(mosaic), strips ? static_cast<uint32_t>(count) : 0U);
+            EXPECT_EQ(is_in_one_piece(mosaic), strips && (forward || count == 1));
+            size_t wrong = 0;
+            for (uint64_t top = 0; top < 5; ++top)
+                for (uint64_t left = 0; left < 7; ++left)
+                    for (uint64_t height = 1; top + height <= 5; ++height)
+                        for (uint64_t width = 1; left + width <= 7; ++width) {
+                            const auto samples = read_blocks(file, mosaic, {left, top, width, height});
+                            wrong += samples.size() != width * height;
+                            for (uint64_t k = 0; k < std::min<uint64_t>(samples.size(), width * height); ++k)
+                                wrong += samples[k] != 300 * (top + k / width) + left + k % width;
+                        }
+            EXPECT_EQ(wrong, 0U) << columns << " x " << rows << " " << strips << forward;
+            EXPECT_THROW(read_blocks(file, mosaic, {1, 0, 7, 5}), Failure);
+            EXPECT_THROW(read_blocks(file, mosaic, {0, 1, 7, 5}), Failure);
+        }
+}
+
+// Of strips and tiles of 6 x 4, a JPEG may promise twice the samples; what is no frame header promises none.
+TEST(TiffBlocks, HoldJpegsToTheirSize) {
+    const auto fits = [](const std::vector<std::pair<uint64_t, uint64_t>>& segments, bool tiled) {
+        Bytes file(true);
+        const size_t at = file.size();
+        file.put(0xFFD8, 2);
+        for (const auto& [marker, size] : segments)
+            file.put(marker, 2)
+                .put(10, 2)
+                .put(8, 1)
+                .put(size >> 16, 2)
+                .put(size >> 8 & 0xFF, 2)
+                .put(size & 0xFF, 1)
+                .put(1, 2);
+        file.put(0xFFDA, 2).put(0xFFC3, 2).put(0xFFFF, 8);
+        const uint16_t columns = tiled ? tag::tile_width : tag::image_width,
+                       rows = tiled ? tag::tile_length : tag::image_length;
+        std::vector<Tag> tags{{tag::photometric_interpretation, 3, 1, {{tag::colour_filter_array, 2}}},
+                              {columns, 4, 1, {{6, 4}}},
+                              {rows, 4, 1, {{4, 4}}},
+                              {tiled ? tag::tile_offsets : tag::strip_offsets, 4, 1, {{at, 4}}}};
+        if (tiled)
+            tags.insert(tags.end(),
+                        {{tag::image_width, 4, 1, {{5, 4}}}, {tag::image_length, 4, 1, {{3, 4}}}});
+        add_directory(file, 4, tags);
+        const fuzz::MemoryFile memory(file.text());
+        InputFile input(memory.path());
+        DngMosaic mosaic(input);
+        return told_by([&] { return check_jpeg_sizes(mosaic), std::string("fits"); }) == "fits";
+    };
+    // Rows, columns and components.
+    constexpr uint64_t twice = 8 << 16 | 3 << 8 | 2, more = 7 << 16 | 7 << 8 | 1;
+    for (const bool tiled : {false, true}) {
+        for (const uint64_t marker : {0xFFC0, 0xFFC1, 0xFFC3}) {
+            EXPECT_TRUE(fits({{marker, twice}}, tiled)) << marker;
+            EXPECT_FALSE(fits({{marker, more}}, tiled)) << marker;
+            EXPECT_FALSE(fits({{marker, more}, {marker, twice}}, tiled)
+                         || fits({{marker, twice}, {marker, more}}, tiled));
+        }
+        for (const uint64_t marker : {0xFFC2, 0xFFC4, 0xFFDB, 0xFFE0, 0xFF00})
+            EXPECT_TRUE(fits({{marker, more}}, tiled)) << marker;
+        EXPECT_TRUE(fits({{0xFEC3, more}}, tiled));
+        EXPECT_TRUE(fits(std::vector<std::pair<uint64_t, uint64_t>>(64, {0xFFC4, more}), tiled));
+        EXPECT_FALSE(fits(std::vector<std::pair<uint64_t, uint64_t>>(65, {0xFFC4, more}), tiled));
+    }
 }
 
 } // namespace
