@@ -166,14 +166,6 @@ TEST(LineReader, FindsEveryLineOfEveryShortText) {
     EXPECT_TRUE(lines_of(fuzz::MemoryFile(std::string()).path(), 3).empty());
 }
 
-TEST(LineReader, FindsLinesAsLongAsItsBuffer) {
-    std::string text;
-    for (const size_t length : {65535, 1, 65536, 65537, 131071, 131072, 131073, 150000, 3, 150001, 400000, 2})
-        text += std::string(length, static_cast<char>('a' + length % 23)) + '\n';
-    for (const bool piped : {false, true})
-        EXPECT_TRUE(lines_of(Source(text, piped).path(), 150000) == expected_lines(text, 150000));
-}
-
 void plus_one(const uint8_t* row, uint16_t* samples, size_t width) {
     for (size_t x = 0; x < width; ++x)
         samples[x] = static_cast<uint16_t>(row[x] + 1);
@@ -227,26 +219,6 @@ TEST(SampleRows, OfWordsHaveTheirByteOrder) {
                     }
                 EXPECT_EQ(wrong, 0U) << width;
             }
-}
-
-TEST(SampleRows, OfAPipeEndWhereTheyMust) {
-    for (const uint64_t stride : {20, 26}) {
-        const RowLayout layout{10, 6, 20, stride, 7};
-        for (const int more : {-1, 1}) {
-            const size_t size = static_cast<size_t>(more < 0 ? layout.shortest_end() : layout.longest_end())
-                                + static_cast<size_t>(more);
-            const Source source(std::string(65536, 'h') + bytes_of(size), true);
-            InputFile file(source.path());
-            RowLayout behind = layout;
-            behind.offset += 65536;
-            EXPECT_TRUE(fault_of([&] {
-                            read_word_rows(file, behind, true);
-                        }).starts_with(more < 0 ? "ends after" : "goes on after"));
-            EXPECT_FALSE(layout.fits(size));
-        }
-        EXPECT_TRUE(layout.fits(layout.shortest_end()) && layout.fits(layout.longest_end())
-                    && layout.fits({}));
-    }
 }
 
 TEST(SampleRows, AreWrittenInBlocks) {

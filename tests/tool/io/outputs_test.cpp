@@ -189,23 +189,6 @@ TEST(FileIdentity, FollowsLinksAsFarAsTheKernel) {
     EXPECT_EQ(link_target(folder / "link0"), folder / "end");
     fs::create_symlink(folder / "link0", folder / "absolute");
     EXPECT_EQ(link_target(folder / "absolute"), folder / "end");
-    const auto apart = [](const std::vector<std::string>& inputs, const std::vector<std::string>& outputs) {
-        try {
-            keep_files_apart(inputs, outputs);
-            return true;
-        } catch (const Failure&) {
-            return false;
-        }
-    };
-    folder.make("a", "x");
-    fs::create_hard_link(folder / "a", folder / "b");
-    EXPECT_TRUE(apart({folder / "a", "", "-"}, {"", folder / "c", "", "-", folder / "d"}));
-    EXPECT_TRUE(apart({"/dev/null"}, {"/dev/null", "/dev/null"}));
-    EXPECT_FALSE(apart({"x", folder / "a"}, {folder / "c", folder / "b"}));
-    EXPECT_FALSE(apart({}, {folder / "c", folder / "a", folder / "b"}));
-    EXPECT_FALSE(apart({}, {folder / "link0", folder / "./end"}));
-    EXPECT_FALSE(apart({}, {"-", folder / "c", "-"}));
-    EXPECT_FALSE(apart({folder / "none"}, {folder / "none"}));
 }
 
 } // namespace

@@ -2,8 +2,6 @@
 // of TIFFs.
 #include <gtest/gtest.h>
 
-#include <bit>
-
 #include "failure.h"
 #include "io/dng_mosaic.h"
 #include "io/raw_format.h"
@@ -166,34 +164,6 @@ TEST(RawOptions, OverrideWhatTheFileSays) {
     EXPECT_EQ(frame.samples, (std::vector<uint16_t>{0, 0, 0, 255}));
 }
 
-TEST(Pgm, IsWrittenByteByByte) {
-    RawFrame frame;
-    frame.width = 4;
-    frame.height = 2;
-    frame.bits = 12;
-    frame.pattern = BayerPattern::gbrg;
-    frame.black = BlackLevel{60, 61, 62, 4000};
-    frame.samples = {1, 256, 4095, 0x0ABC, 5, 6, 7, 0x0F0};
-    std::string written;
-    const auto sink = [&](std::string_view bytes) { written += bytes; };
-    write_raw_frame("a.pgm", frame, "", sink);
-    const std::string samples("\0\1\1\0\x0F\xFF\x0A\xBC\0\5\0\6\0\7\0\xF0", 16);
-    EXPECT_EQ(written, "P5\n# zerklsc pattern=GBRG black=60,61,62,4000 bits=12\n4 2\n4095\n" + samples);
-    frame.white = 4094;
-    frame.black = BlackLevel{};
-    written.clear();
-    write_raw_frame("-", frame, "b.pgm", sink);
-    EXPECT_EQ(written, "P5\n# zerklsc pattern=GBRG black=0 white=4094 bits=12\n4 2\n4095\n" + samples);
-    for (const bool big : {false, true}) {
-        frame.big_endian = big;
-        written.clear();
-        write_raw_frame(big ? "a.raw" : "a", frame, "b.png", sink);
-        EXPECT_EQ(written[0], big ? '\0' : '\1');
-        EXPECT_EQ(written.size(), samples.size());
-    }
-    EXPECT_THROW(write_raw_frame("a.png", frame, "b.pgm", sink), Failure);
-}
-
 // A TIFF that grows entry by entry: a header, the directories as they come, and values behind each.
 class Bytes {
   public:
@@ -250,67 +220,6 @@ size_t add_directory(Bytes& file, size_t pointer_at, const std::vector<Tag>& tag
     }
     file.put(0, 4);
     return file.size() - 4;
-}
-
-TEST(TiffFile, ReadsNumbersOfEveryType) {
-    const uint64_t minus_3 = static_cast<uint64_t>(-3);
-    const struct {
-        Tag tag;
-        std::vector<double> numbers;
-        uint64_t bytes;
-    } cases[] = {
-        {{700, 1, 3, {{7, 1}, {200, 1}, {9, 1}}}, {7, 200, 9}, 3},
-        {{701, 1, 5, {{1, 1}, {2, 1}, {3, 1}, {4, 1}, {250, 1}}}, {1, 2, 3, 4, 250}, 5},
-        {{702, 2, 4, {{65, 1}, {66, 1}, {67, 1}, {0, 1}}}, {}, 4},
-        {{703, 3, 1, {{65000, 2}}}, {65000}, 2},
-        {{704, 3, 3, {{1, 2}, {258, 2}, {65535, 2}}}, {1, 258, 65535}, 6},
-        {{705, 4, 1, {{4294967295U, 4}}}, {4294967295.0}, 4},
-        {{706, 4, 2, {{66051, 4}, {1, 4}}}, {66051, 1}, 8},
-        {{707, 5, 2, {{3, 4}, {4, 4}, {4294967295U, 4}, {2, 4}}}, {0.75, 2147483647.5}, 16},
-        {{708, 6, 2, {{minus_3, 1}, {127, 1}}}, {-3, 127}, 2},
-        {{709, 7, 2, {{1, 1}, {2, 1}}}, {}, 2},
-        {{710, 8, 3, {{minus_3, 2}, {32767, 2}, {32768, 2}}}, {-3, 32767, -32768}, 6},
-        {{711, 9, 2, {{minus_3, 4}, {2147483647, 4}}}, {-3, 2147483647}, 8},
-        {{712, 10, 1, {{minus_3, 4}, {8, 4}}}, {-0.375}, 8},
-        {{713, 10, 1, {{3, 4}, {static_cast<uint64_t>(-8), 4}}}, {-0.375}, 8},
-        {{714, 11, 1, {{std::bit_cast<uint32_t>(-1.5F), 4}}}, {-1.5}, 4},
-        {{715, 12, 2, {{std::bit_cast<uint64_t>(1e300), 8}, {std::bit_cast<uint64_t>(-0.25), 8}}},
-         {1e300, -0.25},
-         16},
-        {{716, 13, 1, {{77, 4}}}, {77}, 4},
-        {{717, 14, 1, {{77, 4}}}, {}, 0},
-        {{718, 0, 1, {{77, 4}}}, {}, 0},
-    };
-    for (const bool big : {false, true}) {
-        Bytes file(big);
-        std::vector<Tag> tags;
-        for (const auto& c : cases)
-            tags.push_back(c.tag);
-        add_directory(file, 4, tags);
-        const fuzz::MemoryFile memory(file.text());
-        InputFile input(memory.path());
-        TiffFile tiff(input);
-        EXPECT_EQ(tiff.big_endian(), big);
-        ASSERT_EQ(tiff.directories().size(), 1U);
-        const TiffDirectory directory = tiff.directories().front();
-        EXPECT_EQ(directory.find(699), nullptr);
-        for (const auto& c : cases) {
-            const TiffEntry* const entry = directory.find(c.tag.tag);
-            ASSERT_NE(entry, nullptr) << c.tag.tag;
-            EXPECT_EQ(entry->bytes, c.bytes) << c.tag.tag;
-            EXPECT_EQ(tiff.numbers(*entry, 9), c.numbers) << c.tag.tag;
-            std::vector<double> fewer = c.numbers;
-            fewer.resize(std::min(fewer.size(), size_t{2}));
-            EXPECT_EQ(tiff.numbers(*entry, 2), fewer) << c.tag.tag;
-        }
-        EXPECT_EQ(tiff.bytes(*directory.find(701), 5), std::string("\1\2\3\4\xFA"));
-        EXPECT_THROW(tiff.bytes(*directory.find(701), 4), Failure);
-        TiffEntry beyond = *directory.find(701);
-        beyond.value_at = file.size() - 5;
-        EXPECT_EQ(tiff.bytes(beyond, 5).size(), 5U);
-        ++beyond.value_at;
-        EXPECT_THROW(tiff.bytes(beyond, 5), Failure);
-    }
 }
 
 // The tag 256 of each directory that is found, in their order.

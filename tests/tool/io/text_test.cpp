@@ -49,36 +49,6 @@ TEST(JsonText, IsBoundedToTheLastBracketAndNumber) {
     EXPECT_EQ(shown(nlohmann::json(std::string(39, 'a'))), '"' + std::string(39, 'a') + "...");
 }
 
-TEST(JsonValue, IsWrittenInLinesAndInOne) {
-    const JsonValue pair = JsonValue::list(std::vector<double>{2.5, -0.0001});
-    JsonValue value = JsonValue::object({{"a", 1}, {"b", JsonValue::array()}, {"c", JsonValue::object()}});
-    value.append(JsonValue::object(
-        {{"d", pair}, {"e\"", JsonValue::array({JsonValue::object({{"x", true}}), false})}}));
-    value.add("f", JsonValue::array({pair, JsonValue::null()}));
-    value.add("g", std::numeric_limits<double>::infinity());
-    EXPECT_EQ(value.line(), R"({"a":1,"b":[],"c":{},"d":[2.5,-0.0001],"e\"":[{"x":true},false],)"
-                            R"("f":[[2.5,-0.0001],null],"g":null})");
-    EXPECT_EQ(value.text(), R"({
-  "a": 1,
-  "b": [],
-  "c": {},
-  "d": [2.5, -0.0001],
-  "e\"": [
-    {
-      "x": true
-    },
-    false
-  ],
-  "f": [
-    [2.5, -0.0001],
-    null
-  ],
-  "g": null
-})");
-    EXPECT_EQ(JsonValue("\x1F \x7F~\"\\/\n\xC3\xBC\xFF\xFE").line(),
-              "\"\\u001f \\u007f~\\\"\\\\/\\u000a\xC3\xBC\\ufffd\\ufffd\"");
-}
-
 TEST(JsonValue, KnowsEachBoundOfUtf8) {
     for (const char* text :
          {"", "\x7F", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xE1\x80\x80", "\xEC\xBF\xBF", "\xED\x80\x80",
@@ -108,6 +78,8 @@ TEST(JsonValue, KnowsEachBoundOfUtf8) {
                              "\xF5\x80\x80\x80",
                              "\xFF"})
         EXPECT_FALSE(is_utf8(text) || is_utf8("a" + std::string(text) + "z")) << text;
+    EXPECT_EQ(JsonValue("\x1F \x7F~\"\\/\n\xC3\xBC\xFF\xFE").line(),
+              "\"\\u001f \\u007f~\\\"\\\\/\\u000a\xC3\xBC\\ufffd\\ufffd\"");
 }
 
 // The first ones are those of RFC 4648.
@@ -139,20 +111,6 @@ TEST(BlackLevelText, IsOneLevelOrFour) {
 }
 
 #ifdef ZERKLSC_WITH_YAML
-TEST(YamlDocument, IsReadByNameAndPlace) {
-    YamlDocument document("a: [1.5, -2, 3x]\nb: {c: 7, c: 8}\n\"\": x\n", "y");
-    const YamlNode root = document.root();
-    const std::vector<YamlNode> list = root["a"].elements();
-    ASSERT_EQ(list.size(), 3U);
-    EXPECT_EQ(list[0].number(), 1.5);
-    EXPECT_EQ(list[1].number(), -2);
-    EXPECT_FALSE(list[2].number() || root["a"].number() || YamlNode().number());
-    EXPECT_EQ(list[2].shown(), "3x");
-    EXPECT_EQ(root["b"]["c"].number(), 7);
-    EXPECT_FALSE(root["d"] || root["a"]["c"] || YamlNode()["c"] || root["a"].is_mapping());
-    EXPECT_TRUE(root.is_mapping() && root["b"].elements().empty() && root["a"].text().empty());
-}
-
 TEST(YamlDocument, IsAHundredLevelsDeepAtMost) {
     const auto fault_of = [](const std::string& text) {
         try {

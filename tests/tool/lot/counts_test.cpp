@@ -1,88 +1,14 @@
-// What is counted of a lot, one value and one serial at a time, and which modules are far from the others.
+// Where a lot's blocks of serials end, and from where on a module is far from the others.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "lot/distances.h"
-#include "lot/four_digits.h"
 #include "lot/sequence.h"
-#include "lot/serial_set.h"
 
 namespace zerklsc::tool {
 namespace {
-
-TEST(FourDigits, KeepTheOrderOfAllNumbers) {
-    const std::pair<double, const char*> cases[] = {{0, "0"},
-                                                    {1, "1"},
-                                                    {-1, "-1"},
-                                                    {0.1, "0.1"},
-                                                    {1234.4, "1234"},
-                                                    {1234.6, "1235"},
-                                                    {9999.4, "9999"},
-                                                    {9999.6, "10000"},
-                                                    {0.00099996, "0.001"},
-                                                    {-0.012345678, "-0.01235"},
-                                                    {1e300, "1e+300"},
-                                                    {-7e-300, "-7e-300"},
-                                                    {65535, "65540"},
-                                                    {100, "100"},
-                                                    {2e-320, "2e-320"}};
-    for (const auto& [value, text] : cases)
-        EXPECT_EQ(fmt::format("{:.4g}", number_of(four_digits_of(value))),
-                  fmt::format("{:.4g}", std::strtod(text, nullptr)));
-    int32_t before = four_digits_of(-1e308);
-    for (const double sign : {-1.0, 1.0})
-        for (int i = 0; i < 36000; ++i) {
-            const int place = sign < 0 ? 35999 - i : i;
-            const double value =
-                sign
-                * std::strtod(fmt::format("{}e{}", 1000 + place % 9000, place / 9000 - 5).c_str(), nullptr);
-            EXPECT_GT(four_digits_of(value), before) << value;
-            EXPECT_EQ(number_of(before = four_digits_of(value)), value);
-        }
-}
-
-ValueCounts counts_of(const std::vector<int32_t>& values) {
-    ValueCounts counts;
-    for (const int32_t value : values)
-        counts.add(value);
-    return counts;
-}
-
-TEST(ValueCounts, HasTheStatisticsOfItsValues) {
-    const struct {
-        std::vector<int32_t> values;
-        double median, mean, deviation, robust;
-    } cases[] = {{{}, 0, 0, 0, 0},
-                 {{7}, 7, 7, 0, 0},
-                 {{-64, -65, 63, 64}, -0.5, -0.5, std::sqrt((2 * 63.5 * 63.5 + 2 * 64.5 * 64.5) / 3), 64},
-                 {{5, 1, 2, 1, 128}, 2, 27.4, std::sqrt(12661.2 / 4), 1},
-                 {{3, 3, 3, 4}, 3, 3.25, 0.5, 0},
-                 {{-200, 200}, 0, 0, std::sqrt(80000), 200}};
-    for (const auto& c : cases) {
-        const ValueCounts counts = counts_of(c.values);
-        EXPECT_EQ(counts.total(), c.values.size());
-        EXPECT_EQ(median_of(counts), c.median);
-        EXPECT_DOUBLE_EQ(mean_of(counts), c.mean);
-        EXPECT_DOUBLE_EQ(standard_deviation_of(counts), c.deviation);
-        EXPECT_NEAR(robust_deviation_of(counts), 1.482602 * c.robust, 1e-4 * c.robust);
-    }
-    const ValueCounts twenty =
-        counts_of({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 200});
-    const std::pair<double, int32_t> quantiles[] = {{0, 1},    {0.05, 1},  {0.051, 2},   {0.1, 2},
-                                                    {0.5, 10}, {0.95, 19}, {0.951, 200}, {1, 200}};
-    for (const auto& [fraction, value] : quantiles)
-        EXPECT_EQ(quantile_of(twenty, fraction), value) << fraction;
-    // In any order, and of parts.
-    ValueCounts parts = counts_of({64, -65});
-    parts.add(counts_of({63, -64}));
-    parts.add(1000, 3);
-    std::string listed;
-    parts.each([&](int32_t value, uint32_t count) { listed += fmt::format("{}x{} ", count, value); });
-    EXPECT_EQ(listed, "1x-65 1x-64 1x63 1x64 3x1000 ");
-}
 
 TEST(Sequence, IsInTheFewestSerialsThatSixtyFourBlocksHold) {
     const std::pair<const char*, std::optional<uint64_t>> serials[] = {
@@ -134,29 +60,6 @@ TEST(Sequence, IsInTheFewestSerialsThatSixtyFourBlocksHold) {
     Sequence read;
     EXPECT_TRUE(read.set(63, {{5, {}}, {68, {}}}) && read.set(0, {}) && read.set(0, {{9, {}}}));
     EXPECT_FALSE(read.set(64, {}) || read.set(0, {{5, {}}, {69, {}}}));
-}
-
-// The marks were computed by another program.
-TEST(SerialSet, VisitsEachSerialOnce) {
-    EXPECT_EQ(mark_of(""), 0x6fd01f60ba992926U);
-    EXPECT_EQ(mark_of("A0001"), 0x23012c57a77acfc9U);
-    EXPECT_EQ(mark_of("\xC3\xBC"
-                      "7"),
-              0x79f320175dcaab39U);
-    SerialSet set;
-    std::vector<uint64_t> marks;
-    for (uint64_t i = 0; i < 3000; ++i) {
-        marks.push_back(i * 1024 + 1 + i % 3);
-        EXPECT_EQ(set.visit(marks.back()), SerialSet::Visit::unknown);
-        EXPECT_TRUE(set.insert(marks.back()));
-        EXPECT_FALSE(set.insert(marks[i / 2]));
-        if (i % 2 == 0) {
-            EXPECT_EQ(set.visit(marks.back()), SerialSet::Visit::first);
-        }
-    }
-    EXPECT_EQ(set.sorted(), marks);
-    EXPECT_EQ(set.size(), 3000U);
-    EXPECT_EQ(set.visited(), 1500U);
 }
 
 // Frames of 96 x 64 with a step of 16 have tables of 6 x 5 nodes, of which 4 x 3 are no border.
@@ -222,26 +125,6 @@ TEST(LotDistances, HasItsLimitsWhereTheyAre) {
                       place)
                       : "");
     }
-}
-
-TEST(LotDistances, FindsTheNearestGoodModuleAndTheWorst) {
-    LotSummary lot;
-    std::vector<ResultLine> modules;
-    for (int i = 0; i < 230; ++i) {
-        modules.push_back(module_of(i, i < 20 ? 1034 : i < 215 ? 1024 : 1200));
-        modules.back().verdict = i % 2 == 0   ? ModuleVerdict::fail
-                                 : i % 3 == 0 ? ModuleVerdict::warn
-                                              : ModuleVerdict::pass;
-        lot.add(modules.back(), "line");
-    }
-    LotDistances distances(lot);
-    for (auto module = modules.rbegin(); module != modules.rend(); ++module)
-        distances.add(*module);
-    EXPECT_EQ(distances.nearest()->serial, "S101"); // the first of the good ones in the order of letters
-    EXPECT_EQ(distances.nearest()->distance, 0);
-    EXPECT_EQ(distances.outliers(), 35U);
-    EXPECT_EQ(distances.listed().front().module.serial, "S215");
-    EXPECT_EQ(distances.listed()[15].module.serial, "S00");
 }
 
 } // namespace
