@@ -156,6 +156,7 @@ def test_presets(line):
              "A-SERIAL-OF-TWENTY-SIX-XX": ("c1.pgm", "", "error", "a container holds 24", []),
              "ELSEWHERE": (f"{line.folder}/c1.pgm", "[calibrate]\nsterp = 7\n", "warn", "", both),
              "WRONG": ("c1.pgm", "sterp = 7\n", "error", "sterp is no option", []),
+             "WORD": ("c1.pgm", 'algorithm = "gamma"\n', "error", "gamma is not known", []),
              "UNKNOWN": ("c1.pgm", "[batch]\ncontainer = true\n", "error", "container is no option", [])}
     for serial, (_, text, *_) in cases.items():
         line.write(serial + ".toml", text)
@@ -169,7 +170,7 @@ def test_presets(line):
                 verdict, reason = "warn", ""
             kinds = [file["file"].split(".")[-1] for file in result["outputs"]]
             expect(result["verdict"] == verdict and reason in result["reason"] and kinds == (files if words else []), result)
-            expect((result["optical_centre"] is None) == (result["serial"] in ("SMALL", "WRONG", "UNKNOWN")), result)
+            expect((result["optical_centre"] is None) == (result["serial"] in ("SMALL", "WRONG", "WORD", "UNKNOWN")), result)
     done = line.batch("darks", "--dark", "dark.pgm", manifest="presets.csv")
     expect(line.results("darks")[3]["inputs"][1] == {"file": "dark.pgm", "sha256": line.digest("dark.pgm")}, done.stderr)
 
