@@ -249,6 +249,9 @@ TEST(TiffFile, FindsDirectoriesAsFarAsTheyAreSound) {
         circle.point(next, 0);
         circle.point(pointers + 4, 0);
         EXPECT_EQ(found_in(circle.text()), (std::vector<double>{1, 2, 3}));
+        Bytes beyond = file; // the second of two pointers
+        beyond.point(next - 4, beyond.size() - 4);
+        EXPECT_EQ(found_in(beyond.text()), (std::vector<double>{1, 2}));
         circle.point(next, 26);
         EXPECT_LE(found_in(circle.text()).size(), 64U);
         // Of one that is cut, whole entries count.
@@ -304,8 +307,8 @@ TEST(DngMosaic, HasTheSizeOfItsArea) {
 }
 
 // A mosaic of 7 x 5 in blocks of a size, strips where they are `strips`, forward or back to front in the
-// file.
-std::string mosaic_of(int columns, int rows, bool strips, bool forward, bool big) {
+// file, with a part of a block between them.
+std::string mosaic_of(int columns, int rows, bool strips, bool forward, int gap, bool big) {
     Bytes file(big);
     std::vector<std::pair<uint64_t, size_t>> offsets, sizes;
     std::vector<std::pair<int, int>> places;
@@ -321,6 +324,8 @@ std::string mosaic_of(int columns, int rows, bool strips, bool forward, bool big
             for (int x = left; x < left + columns; ++x)
                 file.put(static_cast<uint64_t>(x < 7 && y < 5 ? 300 * y + x : 0xEEEE), 2);
         sizes.emplace_back(static_cast<uint64_t>(2 * columns * (bottom - top)), 4);
+        for (int k = 0; k < gap * columns * (bottom - top); ++k)
+            file.put(0xEE, 1);
     }
     if (!forward) {
         std::reverse(offsets.begin(), offsets.end());
@@ -347,13 +352,13 @@ TEST(TiffBlocks, GiveEveryAreaOfTheMosaic) {
                                                   {3, 2, false}, {7, 2, false}, {7, 1, false}, {8, 2, false},
                                                   {4, 5, false}, {8, 6, false}};
     for (const auto& [columns, rows, strips] : layouts)
-        for (const bool forward : {false, true}) {
-            const fuzz::MemoryFile memory(mosaic_of(columns, rows, strips, forward, rows % 2 == 0));
+        for (const auto& [forward, gap] : {std::pair(false, 0), {true, 0}, {true, 1}}) {
+            const fuzz::MemoryFile memory(mosaic_of(columns, rows, strips, forward, gap, rows % 2 == 0));
             InputFile file(memory.path());
             DngMosaic mosaic(file);
             const int count = (5 + rows - 1) / rows;
             EXPECT_EQ(strip_count(mosaic), strips ? static_cast<uint32_t>(count) : 0U);
-            EXPECT_EQ(is_in_one_piece(mosaic), strips && (forward || count == 1));
+            EXPECT_EQ(is_in_one_piece(mosaic), strips && ((forward && gap == 0) || count == 1));
             size_t wrong = 0;
             for (uint64_t top = 0; top < 5; ++top)
                 for (uint64_t left = 0; left < 7; ++left)
@@ -364,7 +369,7 @@ TEST(TiffBlocks, GiveEveryAreaOfTheMosaic) {
                             for (uint64_t k = 0; k < std::min<uint64_t>(samples.size(), width * height); ++k)
                                 wrong += samples[k] != 300 * (top + k / width) + left + k % width;
                         }
-            EXPECT_EQ(wrong, 0U) << columns << " x " << rows << " " << strips << forward;
+            EXPECT_EQ(wrong, 0U) << columns << " x " << rows << " " << strips << forward << gap;
             EXPECT_THROW(read_blocks(file, mosaic, {1, 0, 7, 5}), Failure);
             EXPECT_THROW(read_blocks(file, mosaic, {0, 1, 7, 5}), Failure);
         }
