@@ -32,19 +32,27 @@ T* pivot_column(const Elimination<T>& e, int32_t t, int32_t i) {
     return e.pivot_columns + (ptrdiff_t{down} * max_pending + t) * tile_rows + i % tile_rows;
 }
 
+// The first step that a tile has not seen and that changes it, or the number of all.
 template <class T>
-void apply_pending(const Elimination<T>& e, int32_t down, int32_t panel) {
-    uint8_t& applied = e.applied[tile_index(e, down, panel)];
-    if (applied < e.pending)
-        update_tile(row_part(e, down * tile_rows, panel), pivot_row(e, applied, panel * tile_columns<T>),
-                    pivot_column(e, applied, down * tile_rows), e.pending - applied);
-    applied = static_cast<uint8_t>(e.pending);
+int32_t first_change(const Elimination<T>& e, int32_t down, int32_t panel) {
+    const int32_t applied = e.applied[tile_index(e, down, panel)];
+    const uint32_t steps = (e.steps[down] | 1u << e.pending) >> applied << applied;
+    return __builtin_ctz(steps);
+}
+
+// Applies the steps from step `first` on, which are all that change the tile.
+template <class T>
+void apply_pending(const Elimination<T>& e, int32_t down, int32_t panel, int32_t first) {
+    if (first < e.pending)
+        update_tile(row_part(e, down * tile_rows, panel), pivot_row(e, first, panel * tile_columns<T>),
+                    pivot_column(e, first, down * tile_rows), e.pending - first);
+    e.applied[tile_index(e, down, panel)] = static_cast<uint8_t>(e.pending);
 }
 
 template <class T>
 void apply_pending_to_row(const Elimination<T>& e, int32_t row) {
     for (int32_t panel = 0; panel < e.panels; ++panel)
-        apply_pending(e, row / tile_rows, panel);
+        apply_pending(e, row / tile_rows, panel, first_change(e, row / tile_rows, panel));
 }
 
 // Afterwards no step is pending.
@@ -55,10 +63,11 @@ void apply_pending_to_all(Elimination<T>& e) {
             constexpr int32_t ahead = 3;
             if (down + ahead < e.tiles)
                 prefetch_tile(row_part(e, (down + ahead) * tile_rows, panel));
-            apply_pending(e, down, panel);
+            apply_pending(e, down, panel, first_change(e, down, panel));
             e.applied[tile_index(e, down, panel)] = 0;
         }
     }
+    __builtin_memset(e.steps, 0, static_cast<size_t>(e.tiles) * sizeof e.steps[0]);
     e.pending = 0;
 }
 
@@ -67,10 +76,11 @@ void apply_pending_to_all(Elimination<T>& e) {
 template <class T>
 void take_column(const Elimination<T>& e, int32_t j, T* to) {
     const T* from = column(e, j);
-    const uint8_t* const applied = e.applied + tile_index(e, 0, j / tile_columns<T>);
-    for (int32_t down = 0; down < e.tiles; ++down, from += tile_rows * tile_columns<T>, to += tile_rows)
-        update_column(from, to, pivot_row(e, applied[down], j),
-                      pivot_column(e, applied[down], down * tile_rows), e.pending - applied[down]);
+    for (int32_t down = 0; down < e.tiles; ++down, from += tile_rows * tile_columns<T>, to += tile_rows) {
+        const int32_t first = first_change(e, down, j / tile_columns<T>);
+        update_column(from, to, pivot_row(e, first, j), pivot_column(e, first, down * tile_rows),
+                      e.pending - first);
+    }
     for (int32_t t = 0; t < e.pending; ++t)
         *pivot_row(e, t, j) = T{0};
 }
@@ -86,7 +96,7 @@ int32_t first_active(const Elimination<T>& e, int32_t panel) {
 // Brings a tile and its bound up to date; the square of the bound.
 template <class T>
 T measure_tile(const Elimination<T>& e, int32_t down, int32_t panel, const Mask<T>& active) {
-    apply_pending(e, down, panel);
+    apply_pending(e, down, panel, e.applied[tile_index(e, down, panel)]);
     const int32_t first = max(e.step, down * tile_rows);
     const T bound = largest_masked(row_part(e, first, panel), (down + 1) * tile_rows - first, active);
     e.bounds[tile_index(e, down, panel)] = bound;
@@ -113,8 +123,12 @@ void search(const Elimination<T>& e, T square, Best<T>& best) {
             constexpr int32_t ahead = 3;
             if (down + ahead < e.tiles && !is_too_small(down + ahead))
                 prefetch_tile(row_part(e, (down + ahead) * tile_rows, panel));
-            if (is_too_small(down))
+            if (is_too_small(down)) {
+                constexpr int32_t at_once = lanes<Lanes<T>>;
+                while (down + at_once < e.tiles && are_too_small(bounds + down + 1, max(square, best.square)))
+                    down += at_once;
                 continue;
+            }
             const T found = measure_tile(e, down, panel, active);
             if (found > best.square || (found == best.square && down < best.down))
                 best = {found, down};
@@ -224,6 +238,7 @@ void add_step(const Elimination<T>& e, const T* pivots_column, T square) {
     T* replaced = column(e, k);
     for (int32_t i = 0; i < e.n; ++i, replaced += tile_columns<T>) {
         *pivot_column(e, e.pending, i) = pivots_column[i];
+        e.steps[i / tile_rows] |= uint32_t{pivots_column[i] != T{0}} << e.pending;
         *replaced = -(pivots_column[i] * reciprocal);
     }
     for (int32_t panel = 0; panel < e.panels; ++panel) {

@@ -9,6 +9,11 @@
 // element the product of an element of the pivot's column and one of the pivot's row, so it raises the bound
 // by no more than the product of their largest magnitudes. Rounding keeps the order of numbers, so the bound
 // holds for the rounded results too.
+//
+// Where the elements of a pivot's column are 0, a step changes no element but the sign of zeros, which is
+// left to the complex form (matrix_inv.cpp), and so is a row that is not finite: such steps are passed over
+// where they come before all others that are pending for a tile. Matrices of fits begin with few elements
+// that are not 0.
 #pragma once
 
 #include <cstddef>
@@ -37,13 +42,14 @@ struct Elimination {
     T* pivot_columns; // for each row of tiles and pending step: the pivot's column, as it was before the step
     T* columns;       // two columns of the matrix
     T* bounds;        // for each tile: no element that can still be a pivot has a larger magnitude
+    uint32_t* steps;  // for each row of tiles: the pending steps that change it, as bits
     uint8_t* applied; // for each tile: how many of the pending steps it has seen
     Position* pivots; // where each pivot was found
     int32_t step; // how many pivots were found; also the row and the column that the next one is brought to
     int32_t pending; // how many steps are kept
 };
 
-static_assert(max_pending <= UINT8_MAX);
+static_assert(max_pending < 32);
 
 // Not shared between the instruction sets: each has its own.
 namespace {

@@ -17,7 +17,7 @@ struct Workspace {
     Scratch<T> values;
     Scratch<uint8_t> applied;
     Scratch<Position> pivots;
-    Scratch<Position> sources; // where the rows and columns of the inverse are
+    Scratch<Position> sources; // where the rows and columns of the inverse are; before, steps of tiles
     Elimination<T> elimination;
 
     bool complete() const {
@@ -56,8 +56,10 @@ Workspace<T> make_workspace(int32_t n) {
     e.pivot_columns = e.pivot_rows + columns * max_pending;
     e.columns = e.pivot_columns + rows * max_pending;
     e.bounds = e.columns + 2 * rows;
+    e.steps = reinterpret_cast<uint32_t*>(w.sources.get());
     e.applied = w.applied.get();
     e.pivots = w.pivots.get();
+    std::fill_n(e.steps, down, uint32_t{0});
     std::fill_n(e.bounds, tile_count, std::numeric_limits<T>::infinity());
     return w;
 }

