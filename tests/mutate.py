@@ -9,7 +9,7 @@ The sources are changed in place, built, tried and put back; they must not diffe
 which the compiler writes the same code is none, and not counted. A change of src/FOLDER is tried with the tests of that
 folder, and when they do not see it with all of the library; one of tool/ with the tool's. Of the
 tests, those that saw changes of the same file or folder are run first, then those whose name has words of the file's,
-then those whose own files have, then the fastest; the first that fails is enough. It is run once more, alone: on a
+then those of a moment and those whose own files have; the first that fails is enough. It is run once more, alone: on a
 busy machine a test may fail or be late for no fault of the program. One that is late again hangs. Standard output
 names what no test sees, standard error every change and the test that sees it.
 """
@@ -75,7 +75,7 @@ def run(*words, **options):
 
 
 def words_of(text):
-    return set(re.findall("[a-z]{3,}", text.lower()))
+    return {word.lower() for word in re.findall("[A-Z]?[a-z]{2,}|[A-Z]{3,}", text) if len(word) > 2}
 
 
 def words_within(command):
@@ -151,7 +151,9 @@ class Tests:
         def order(name):
             near = sum(10 if where == path else where.parent == path.parent for where, by in self.caught if by == name)
             words = words_of(str(path.with_suffix(""))) - {"tool"}
-            return -near, -len(words & words_of(name)), -len(words_of(path.stem) & self.words[name]), self.seconds[name]
+            # A test of a moment costs nothing, whatever it speaks of.
+            slow = self.seconds[name] > 0.3
+            return -near, -len(words & words_of(name)), slow, -len(words_of(path.stem) & self.words[name]), self.seconds[name]
         names = sorted(self.tests, key=order)
         spent = itertools.accumulate(self.seconds[name] for name in names)
         failing = self.first_failing([name for name, seconds in zip(names, spent) if seconds <= self.limit])
