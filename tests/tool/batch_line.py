@@ -137,6 +137,14 @@ def test_faults(line):
     verdicts = [json.loads(text)["verdict"] for text in came[2:7]]
     expect(verdicts == ["error", "error", "error", "error", "fail"], verdicts)
     # Taken up when it is done, it says the same.
+    told = line.document("batch", "faults.csv", "-o", "faults", code=3)
+    all_verdicts = [result["verdict"] for result in line.results("faults")]
+    counts = {name: all_verdicts.count(name) for name in ("pass", "warn", "refuse", "fail", "error")}
+    expected = {"output": "faults", "shard": "1/1", "modules": 85, "done": 85, "taken_up": 85, "verdicts": counts, "bad_lines": 1}
+    expect({key: told[key] for key in expected} == expected and counts["error"] == 4 and counts["fail"] == 1, told)
+    said = line.batch("faults", manifest="faults.csv").stdout
+    words = ", ".join(f"{number} {name}" for name, number in counts.items())
+    expect(said == f"faults: 85 of 85 modules: {words}\n85 of them were there already\n", said)
     expect_call(line.batch("faults", manifest="faults.csv"), 3, "faults.csv:7:", "faults: 0 flat fields refused, 4 modules")
     expect(line.read("faults") == b"".join(came), "a finished batch was changed")
     line.write_manifest("fail.csv", [rows[0], rows[7]])
