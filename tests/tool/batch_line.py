@@ -283,12 +283,15 @@ def test_estimate(line):
 
 def test_progress(line):
     """How far it is, on a terminal alone; every other test has a pipe, where nothing is said."""
+    begun = time.monotonic()
     shown, code = on_terminal(line, "lot.csv", "-o", "shown", "--jobs", "1")
+    seconds = time.monotonic() - begun
     expect(code == 0 and shown.endswith(b"\r\x1b[K"), "the line was not cleared", shown)
     pattern = rb"\r\x1b\[K(\d+) of 200 modules, \d+\.\d a second, \d+ (?:s|min) left"
     steps = [int(done) for done in re.findall(pattern, shown)]
     expect(steps and re.sub(pattern, b"", shown) == b"\r\x1b[K", "shown:", shown)
     expect(steps == sorted(set(steps)) and 0 < steps[0] and steps[-1] <= 200, steps)
+    expect(len(steps) <= 4 * seconds + 1, "shown more than four times a second:", seconds, steps)
 
 
 def test_what_stops_a_batch(line):
