@@ -76,9 +76,10 @@ ZERKLSC_SIMD As<uint32_t, V> moved(const BoxRow& boxes, ptrdiff_t parity, ptrdif
 
 } // namespace
 
-void move_boxes(BoxRow boxes, const uint16_t* entering, const uint16_t* leaving, int32_t radius,
+void move_boxes(const BoxRow& row, const uint16_t* entering, const uint16_t* leaving, int32_t radius,
                 int32_t count, float scale, uint16_t* dst) {
     using One = Vector<int32_t, sizeof(int32_t)>;
+    const BoxRow boxes = row; // no part of what is written
     run_along(entering, leaving, count + 2 * radius, boxes);
     ptrdiff_t x = 0;
     for (; x + 2 * lanes<Pairs> <= count; x += 2 * lanes<Pairs>)

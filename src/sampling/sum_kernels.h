@@ -50,7 +50,7 @@ constexpr int32_t box_high_unit = 1 << box_low_bits;
 
 // Takes a row of samples into `count` boxes and another one out of them, from the first sample under the
 // first box on, and writes the rounded levels: the sums times `scale`, which is 1 by the number of taps.
-using MoveBoxes = void(BoxRow boxes, const uint16_t* entering, const uint16_t* leaving, int32_t radius,
+using MoveBoxes = void(const BoxRow& row, const uint16_t* entering, const uint16_t* leaving, int32_t radius,
                        int32_t count, float scale, uint16_t* dst);
 
 ZERKLSC_DECLARE_KERNEL(add_pairs, AddPairs)
