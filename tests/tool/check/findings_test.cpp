@@ -288,7 +288,7 @@ TEST(Scene, StreaksOfFlare) {
     Flat flat;
     for (int j = 2; j < 7; ++j)
         flat.cell(1, 0, j) = 0.3F;
-    flat.cell(2, 6, 4) = flat.cell(2, 7, 4) = 5;
+    flat.cell(2, 6, 4) = flat.cell(2, 7, 4) = flat.cell(3, 6, 7) = flat.cell(3, 6, 8) = 5;
     flat.run(check_scene);
     flat.expect("flare", 100 * (0.3 - 0.03) / 3, "B", "at 4 % of the width, 27 %");
     EXPECT_EQ(flat.found("shadow").value, 0);
@@ -471,6 +471,19 @@ TEST(Saturation, ClustersAtTheWhiteLevel) {
                     : one.counted == 3 ? "B"
                                        : "R",
                     one.counted > 0 ? "samples of B, R are" : "samples of R are");
+    }
+}
+
+// Of many samples, a heap is more than a five-thousandth: here 20.8.
+TEST(Saturation, HeapsOfLargeFrames) {
+    for (const int count : {21, 20}) {
+        Flat flat(40, 40);
+        for (int k = 0; k < count; ++k)
+            flat.set(1, 80 + k % 7, 40 + k / 7, 500);
+        for (int k = 0; k < 4; ++k)
+            flat.set(1, k, 9, 490 + k);
+        flat.run(check_saturation);
+        flat.expect("plateau", count == 21 ? 100 * 21 / (1600.0 * 64) : 0, count == 21 ? "B" : "Gb", "");
     }
 }
 

@@ -39,7 +39,9 @@ struct Flat {
             p.cell_noise = 0.01;
             p.expected.assign(analysis.tiles.count(), static_cast<float>(light[plane]));
             p.rest.assign(analysis.tiles.count(), 0);
+            // What a check would read behind the last row is no cell.
             p.cell_rest = p.rest;
+            p.cell_rest.resize(analysis.tiles.count() + static_cast<size_t>(2 * columns), 9);
             p.surface.radial[0] = std::log(light[plane]);
             LogCells& cells = p.cells;
             cells.columns = columns;
