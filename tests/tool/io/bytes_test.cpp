@@ -14,9 +14,9 @@
 namespace zerklsc::tool {
 namespace {
 
-std::string bytes_of(size_t count) {
-    std::string bytes(count, '\0');
-    for (size_t i = 0; i < count; ++i)
+std::string bytes_of(uint64_t count) {
+    std::string bytes(static_cast<size_t>(count), '\0');
+    for (size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<char>(i * 2654435761U >> 13);
     return bytes;
 }
@@ -79,8 +79,8 @@ TEST(InputFile, GivesTheSameFromFilesAndPipes) {
         InputFile file(source.path());
         EXPECT_EQ(file.head(), bytes.substr(0, 65536));
         EXPECT_EQ(file.size().has_value(), !piped);
-        const std::pair<uint64_t, size_t> parts[] = {{0, 3},         {65530, 6},   {65530, 12}, {65542, 4096},
-                                                     {100000, 5000}, {199990, 20}, {200000, 1}};
+        const std::pair<size_t, size_t> parts[] = {{0, 3},         {65530, 6},   {65530, 12}, {65542, 4096},
+                                                   {100000, 5000}, {199990, 20}, {200000, 1}};
         for (const auto& [offset, count] : parts)
             EXPECT_EQ(part_of(file, offset, count), bytes.substr(offset, count)) << offset;
         std::array<std::byte, 11> more;
@@ -97,7 +97,7 @@ TEST(InputFile, GivesTheSameFromFilesAndPipes) {
 }
 
 TEST(InputFile, KnowsItsSizeWhereItsHeadIsAll) {
-    for (const size_t size : {0, 1, 65535, 65536, 65537, 131072, 200000})
+    for (const size_t size : std::initializer_list<size_t>{0, 1, 65535, 65536, 65537, 131072, 200000})
         for (const bool piped : {false, true}) {
             const std::string bytes = bytes_of(size);
             const Source source(bytes, piped);
@@ -110,10 +110,10 @@ TEST(InputFile, KnowsItsSizeWhereItsHeadIsAll) {
 }
 
 TEST(InputFile, IsReadWholeUpToALimit) {
-    for (const size_t size : {0, 1, 65535, 65536, 65537, 131072, 131073, 200000})
+    for (const size_t size : std::initializer_list<size_t>{0, 1, 65535, 65536, 65537, 131072, 131073, 200000})
         for (const bool piped : {false, true}) {
             const std::string bytes = bytes_of(size);
-            for (const size_t limit : {size, size + 1, 2 * size + 7}) {
+            for (const size_t limit : std::initializer_list<size_t>{size, size + 1, 2 * size + 7}) {
                 const Source source(bytes, piped);
                 EXPECT_EQ(read_file(source.path(), limit), bytes) << size;
             }
@@ -159,7 +159,7 @@ TEST(LineReader, FindsEveryLineOfEveryShortText) {
         std::string text;
         for (unsigned i = 0; i < 9; ++i)
             text += (letters >> i & 1) != 0 ? '\n' : static_cast<char>('a' + i);
-        for (const size_t longest : {1, 2, 3, 8, 9})
+        for (const size_t longest : std::initializer_list<size_t>{1, 2, 3, 8, 9})
             EXPECT_EQ(lines_of(fuzz::MemoryFile(text).path(), longest), expected_lines(text, longest))
                 << text;
     }
@@ -222,7 +222,7 @@ TEST(SampleRows, OfWordsHaveTheirByteOrder) {
 }
 
 TEST(SampleRows, AreWrittenInBlocks) {
-    for (const size_t count : {1, 131071, 131072, 131073, 300000})
+    for (const size_t count : std::initializer_list<size_t>{1, 131071, 131072, 131073, 300000})
         for (const bool big : {false, true}) {
             std::vector<uint16_t> samples(count);
             std::string expected;

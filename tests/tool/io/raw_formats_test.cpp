@@ -266,7 +266,7 @@ TEST(TiffFile, FindsDirectoriesAsFarAsTheyAreSound) {
                 << size;
         }
         // 4096 entries are taken, and one more are no directory.
-        for (const size_t count : {4096, 4097}) {
+        for (const size_t count : std::initializer_list<size_t>{4096, 4097}) {
             Bytes large(big);
             add_directory(large, 4, std::vector<Tag>(count, width));
             EXPECT_EQ(found_in(large.text()).size(), count == 4096 ? 1U : 0U);
@@ -366,7 +366,7 @@ TEST(TiffBlocks, GiveEveryAreaOfTheMosaic) {
                         for (uint64_t width = 1; left + width <= 7; ++width) {
                             const auto samples = read_blocks(file, mosaic, {left, top, width, height});
                             wrong += samples.size() != width * height;
-                            for (uint64_t k = 0; k < std::min<uint64_t>(samples.size(), width * height); ++k)
+                            for (size_t k = 0; k < std::min<uint64_t>(samples.size(), width * height); ++k)
                                 wrong += samples[k] != 300 * (top + k / width) + left + k % width;
                         }
             EXPECT_EQ(wrong, 0U) << columns << " x " << rows << " " << strips << forward << gap;
@@ -408,13 +408,13 @@ TEST(TiffBlocks, HoldJpegsToTheirSize) {
     // Rows, columns and components.
     constexpr uint64_t twice = 8 << 16 | 3 << 8 | 2, more = 7 << 16 | 7 << 8 | 1;
     for (const bool tiled : {false, true}) {
-        for (const uint64_t marker : {0xFFC0, 0xFFC1, 0xFFC3}) {
+        for (const uint64_t marker : std::initializer_list<uint64_t>{0xFFC0, 0xFFC1, 0xFFC3}) {
             EXPECT_TRUE(fits({{marker, twice}}, tiled)) << marker;
             EXPECT_FALSE(fits({{marker, more}}, tiled)) << marker;
             EXPECT_FALSE(fits({{marker, more}, {marker, twice}}, tiled)
                          || fits({{marker, twice}, {marker, more}}, tiled));
         }
-        for (const uint64_t marker : {0xFFC2, 0xFFC4, 0xFFDB, 0xFFE0, 0xFF00})
+        for (const uint64_t marker : std::initializer_list<uint64_t>{0xFFC2, 0xFFC4, 0xFFDB, 0xFFE0, 0xFF00})
             EXPECT_TRUE(fits({{marker, more}}, tiled)) << marker;
         EXPECT_TRUE(fits({{0xFEC3, more}}, tiled));
         EXPECT_TRUE(fits(std::vector<std::pair<uint64_t, uint64_t>>(64, {0xFFC4, more}), tiled));
