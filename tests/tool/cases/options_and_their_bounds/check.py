@@ -94,6 +94,11 @@ assert [command["name"] for command in tree["commands"]] == [name for name in CO
 COMMANDS[""] = None
 tree["options"] = [option for option in tree["options"] if option["names"][0] != "-V"]
 compare(tree)
+# One empty line stands between the groups of a command's help, and its usage names what must be given.
+text = zerklsc("calibrate --help").stdout
+groups = [line for before, line in zip(text.split("\n"), text.split("\n")[1:]) if before == "" and line.endswith(":")]
+assert groups == ["Positionals:", "Options:", "What the frame does not say, or says wrong:", "Example:"], groups
+assert "\n\n\n" not in text and "\nUsage: zerklsc calibrate -o FILE [OPTIONS] flat...\n" in text, text[:300]
 tried = set()
 for name, options in COMMANDS.items():
     for option in options or ():
