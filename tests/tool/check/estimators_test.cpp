@@ -80,7 +80,8 @@ TEST(Tiles, EachIsWhatItsSamplesAre) {
         for (int y = 0; y < frame.height; ++y)
             for (int x = 0; x < frame.width; ++x)
                 frame.samples.push_back(static_cast<uint16_t>(500 + 300 * plane_of_pixel(x, y) + 9 * (x / 2)
-                                                              + 5 * (y / 2) + engine() % 40));
+                                                              + 5 * (y / 2)
+                                                              + static_cast<int>(engine() % 40)));
         const FrameTiles tiles = measure_tiles(frame);
         const int side = tiles.side;
         ASSERT_EQ(side, size.side);
@@ -290,13 +291,15 @@ TEST(LensSurface, FindsTheCentreAndTheLight) {
 // 24 cells are the fewest for a fit, and 60 for a rest that is no lens's.
 TEST(LensSurface, FewCells) {
     const auto at = [](double u, double v) { return 5 + 0.1 * u * v + 0.03 * u * u * v; };
-    for (const auto& [columns, rows, dark] :
-         {std::tuple{6, 4, 0}, {6, 4, 1}, {10, 6, 0}, {10, 6, 1}, {30, 20, 7}}) {
+    struct Cells {
+        int columns, rows, dark;
+    };
+    for (const Cells& c : {Cells{6, 4, 0}, {6, 4, 1}, {10, 6, 0}, {10, 6, 1}, {30, 20, 7}}) {
         const LensSurface surface =
-            fit_lens_surface(cells_of(columns, rows, [&](int i, int j, double u, double v) {
-                return j * columns + i < dark ? double{no_light} : at(u, v);
+            fit_lens_surface(cells_of(c.columns, c.rows, [&](int i, int j, double u, double v) {
+                return j * c.columns + i < c.dark ? static_cast<double>(no_light) : at(u, v);
             }));
-        const int points = columns * rows - dark;
+        const int points = c.columns * c.rows - c.dark;
         EXPECT_EQ(surface.radial[0] != 0, points >= 24);
         EXPECT_EQ(surface.rest[4] != 0, points >= 60);
         for (const auto& [u, v] : {std::pair{0.4, 0.3}, {-0.5, 0.2}, {0.1, -0.45}})

@@ -403,9 +403,9 @@ TEST(BlackLevel, WhereTheNoiseEnds) {
         {alike({0.1, 14.3, 100, 600}), 0, "about"}, // read noise of 12 electrons
         {alike({0.1, -20, 100, 600}), 20, "about 80:"},
         {alike({0.1, 20, 299, 400}), 20, "about 40:"},
-        {alike({0.1, 20, 301, 400}), NAN, ""}, // less than a quarter of the light
+        {alike({0.1, 20, 301, 400}), std::nan(""), ""}, // less than a quarter of the light
         {alike({0.1, 20, 6.01, 600}), 20, "about 40:"},
-        {alike({0.1, 20, 5.99, 600}), NAN, ""}, // rounding alone
+        {alike({0.1, 20, 5.99, 600}), std::nan(""), ""}, // rounding alone
         {{{{0.1, 40, 100, 600}, {0.2, 60, 100, 600}, {0.3, 80, 100, 600}, {0.4, 100, 100, 600}}},
          80,
          "about -12:"},
