@@ -489,8 +489,13 @@ TEST(Saturation, HeapsOfLargeFrames) {
 
 // Counts of values, from the highest on; those of a plane that are left are the lowest.
 TEST(Saturation, HeapsBelowTheWhiteLevel) {
+    using Counts = std::vector<std::pair<int, int>>;
+    const auto beside_others = [](int at_760) {
+        return Counts{{900, 7},   {800, 7}, {790, 7}, {780, 7}, {770, 7}, {760, at_760},
+                      {700, 301}, {699, 9}, {698, 9}, {697, 9}, {696, 9}};
+    };
     struct {
-        std::vector<std::pair<int, int>> counts;
+        Counts counts;
         double variance;
         int heap;
     } const cases[]{
@@ -499,32 +504,8 @@ TEST(Saturation, HeapsBelowTheWhiteLevel) {
         {{{700, 301}, {699, 100}, {698, 90}, {697, 80}, {690, 70}}, 0.4, 0},
         {{{700, 801}, {699, 90}, {698, 80}, {697, 100}, {690, 70}}, 0.4, 700},
         {{{700, 301}, {699, 80}, {698, 90}, {697, 80}, {690, 101}}, 0.6, 0},
-        {{{900, 7},
-          {800, 7},
-          {790, 7},
-          {780, 7},
-          {770, 7},
-          {760, 1},
-          {700, 301},
-          {699, 9},
-          {698, 9},
-          {697, 9},
-          {696, 9}},
-         0.6,
-         700},
-        {{{900, 7},
-          {800, 7},
-          {790, 7},
-          {780, 7},
-          {770, 7},
-          {760, 2},
-          {700, 301},
-          {699, 9},
-          {698, 9},
-          {697, 9},
-          {696, 9}},
-         0.6,
-         0},
+        {beside_others(1), 0.6, 700},
+        {beside_others(2), 0.6, 0},
         {{{700, 8}, {699, 2}, {698, 2}, {697, 1}, {669, 2}}, 0.6, 700},
         {{{700, 7}, {699, 2}, {698, 2}, {697, 1}, {669, 2}}, 0.6, 0},
     };
