@@ -436,40 +436,33 @@ TEST(BlackLevel, WhereTheNoiseEnds) {
 }
 
 TEST(Saturation, ClustersAtTheWhiteLevel) {
-    struct {
+    const auto rows_of = [](std::initializer_list<int> rows) {
+        std::vector<std::array<int, 2>> samples;
+        for (const int row : rows)
+            for (int k = 0; k < 8; ++k)
+                samples.push_back({k, row});
+        return samples;
+    };
+    std::vector<std::array<int, 2>> column, crossing;
+    for (int k = 0; k < 8; ++k)
+        column.push_back({2, k});
+    crossing = column;
+    for (const int row : {0, 3, 7})
+        crossing.push_back({6, row});
+    const struct {
         std::vector<std::array<int, 2>> samples; // of a tile
         int counted;
-    } cases[]{{{{1, 1}, {3, 2}, {6, 5}}, 3},
-              {{{1, 1}, {3, 2}}, 0},
-              {{}, 0},
-              {{}, 0},
-              {{}, 24 + 0},
-              {{}, 3},
-              {{}, 32}};
-    for (int k = 0; k < 8; ++k) {
-        cases[2].samples.push_back({k, 5});
-        cases[3].samples.push_back({2, k});
-        for (int row : {0, 3, 6})
-            cases[4].samples.push_back({k, row});
-        for (int row : {1, 2, 4, 7})
-            cases[6].samples.push_back({k, row});
-    }
-    cases[4].counted = 0;
-    cases[5].samples = cases[3].samples;
-    for (const int row : {0, 3, 7})
-        cases[5].samples.push_back({6, row});
+    } cases[]{{{{1, 1}, {3, 2}, {6, 5}}, 3}, {{{1, 1}, {3, 2}}, 0}, {rows_of({5}), 0},          {column, 0},
+              {rows_of({0, 3, 6}), 0},       {crossing, 3},         {rows_of({1, 2, 4, 7}), 32}};
     for (const auto& one : cases) {
         Flat flat;
         flat.frame.white = 1000;
         for (const auto& [i, j] : one.samples)
             flat.set(1, 8 * 7 + i, 8 * 2 + j, 1000 + i - 64.0);
-        flat.set(2, 8 * 5 + 4, 9, 1000), flat.set(2, 8 * 5 + 5, 9, 1000),
-            flat.set(2, 8 * 5 + 6, 9, 1000); // 1068
+        for (const int i : {4, 5, 6})
+            flat.set(2, 8 * 5 + i, 9, 1000); // 1068
         flat.run(check_saturation);
-        flat.expect("clipping", 100 * std::max(one.counted, 3) / (108.0 * 64),
-                    one.counted > 3    ? "B"
-                    : one.counted == 3 ? "B"
-                                       : "R",
+        flat.expect("clipping", 100 * std::max(one.counted, 3) / (108.0 * 64), one.counted > 0 ? "B" : "R",
                     one.counted > 0 ? "samples of B, R are" : "samples of R are");
     }
 }

@@ -5,11 +5,11 @@
 
 #include <sys/mman.h>
 
-#include "failure.h"
 #include "io/fitting_sizes.h"
 #include "io/line_reader.h"
 #include "io/sample_rows.h"
 #include "support/memory_file.h"
+#include "told.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -57,13 +57,7 @@ class Source {
 
 template <class Act>
 std::string fault_of(const Act& act) {
-    try {
-        act();
-    } catch (const Failure& failure) {
-        const std::string what = failure.what();
-        return what.substr(what.find(": ") + 2);
-    }
-    return "";
+    return told_by([&] { return act(), std::string(); });
 }
 
 std::string part_of(InputFile& file, uint64_t offset, size_t count) {
@@ -171,54 +165,50 @@ void plus_one(const uint8_t* row, uint16_t* samples, size_t width) {
         samples[x] = static_cast<uint16_t>(row[x] + 1);
 }
 
-// Rows with padding behind them, of one byte a sample, more than one block of them or a single row longer
-// than a block.
-TEST(SampleRows, StandApartByTheirStride) {
-    for (const auto& [width, height, stride] :
-         {std::tuple(3, 5, 9), {700, 900, 741}, {2, 3, 300000}, {300000, 2, 300000}})
-        for (const bool piped : {false, true})
-            for (const bool padded : {false, true}) {
-                const RowLayout layout{width, height, static_cast<uint64_t>(width),
-                                       static_cast<uint64_t>(stride), 11};
-                const std::string bytes = bytes_of(padded ? layout.longest_end() : layout.shortest_end());
-                const Source source(bytes, piped);
-                InputFile file(source.path());
-                const auto samples = read_rows(file, layout, plus_one);
-                ASSERT_EQ(samples.size(), static_cast<size_t>(width * height));
-                size_t wrong = 0;
-                for (int y = 0; y < height; ++y)
-                    for (int x = 0; x < width; ++x)
-                        wrong += samples[static_cast<size_t>(y * width + x)]
-                                 != static_cast<uint8_t>(bytes[static_cast<size_t>(11 + y * stride + x)]) + 1;
-                EXPECT_EQ(wrong, 0U) << width;
+struct Rows {
+    int width, height, sample_bytes, stride;
+};
+
+// Reads such rows, which begin at byte 7, from a file and a pipe, with padding behind the last one and
+// without, and holds each sample to what it must be by the place of its first byte.
+template <class Read, class Expected>
+void hold_rows(const Rows& rows, const Read& read, const Expected& expected) {
+    for (const bool piped : {false, true})
+        for (const bool padded : {false, true}) {
+            const RowLayout layout{rows.width, rows.height,
+                                   static_cast<uint64_t>(rows.width * rows.sample_bytes),
+                                   static_cast<uint64_t>(rows.stride), 7};
+            const std::string bytes = bytes_of(padded ? layout.longest_end() : layout.shortest_end());
+            const Source source(bytes, piped);
+            InputFile file(source.path());
+            const std::vector<uint16_t> samples = read(file, layout);
+            ASSERT_EQ(samples.size(), static_cast<size_t>(rows.width * rows.height));
+            const auto byte = [&](int at) { return static_cast<uint8_t>(bytes[static_cast<size_t>(at)]); };
+            size_t wrong = 0;
+            for (int i = 0; i < rows.width * rows.height; ++i) {
+                const int at = 7 + i / rows.width * rows.stride + i % rows.width * rows.sample_bytes;
+                wrong += samples[static_cast<size_t>(i)] != expected(byte, at);
             }
+            EXPECT_EQ(wrong, 0U) << rows.width;
+        }
 }
 
-// More than what a pipe is trusted with at once; with and without padding.
+// More than one block of rows, or a single row longer than a block.
+TEST(SampleRows, StandApartByTheirStride) {
+    for (const Rows& rows : {Rows{3, 5, 1, 9}, {700, 900, 1, 741}, {2, 3, 1, 300000}, {300000, 2, 1, 300000}})
+        hold_rows(
+            rows, [](InputFile& file, const RowLayout& layout) { return read_rows(file, layout, plus_one); },
+            [](const auto& byte, int at) { return byte(at) + 1; });
+}
+
+// More than what a pipe is trusted with at once.
 TEST(SampleRows, OfWordsHaveTheirByteOrder) {
-    for (const auto& [width, height, stride] : {std::tuple(1026, 1024, 2052), {1026, 1024, 2054}, {2, 3, 4}})
-        for (const bool piped : {false, true})
-            for (const bool big : {false, true}) {
-                const RowLayout layout{width, height, 2 * static_cast<uint64_t>(width),
-                                       static_cast<uint64_t>(stride), 5};
-                const std::string bytes = bytes_of(layout.longest_end());
-                const auto byte = [&](int at) {
-                    return static_cast<uint8_t>(bytes[static_cast<size_t>(at)]);
-                };
-                const Source source(bytes, piped);
-                InputFile file(source.path());
-                const auto samples = read_word_rows(file, layout, big);
-                ASSERT_EQ(samples.size(), static_cast<size_t>(width * height));
-                size_t wrong = 0;
-                for (int y = 0; y < height; ++y)
-                    for (int x = 0; x < width; ++x) {
-                        const int at = 5 + y * stride + 2 * x;
-                        const int expected =
-                            big ? byte(at) << 8 | byte(at + 1) : byte(at + 1) << 8 | byte(at);
-                        wrong += samples[static_cast<size_t>(y * width + x)] != expected;
-                    }
-                EXPECT_EQ(wrong, 0U) << width;
-            }
+    for (const Rows& rows : {Rows{1026, 1024, 2, 2052}, {1026, 1024, 2, 2054}, {2, 3, 2, 4}})
+        for (const bool big : {false, true})
+            hold_rows(
+                rows,
+                [&](InputFile& file, const RowLayout& layout) { return read_word_rows(file, layout, big); },
+                [&](const auto& byte, int at) { return byte(at + !big) << 8 | byte(at + big); });
 }
 
 TEST(SampleRows, AreWrittenInBlocks) {

@@ -2,25 +2,15 @@
 // of TIFFs.
 #include <gtest/gtest.h>
 
-#include "failure.h"
 #include "io/dng_mosaic.h"
 #include "io/raw_format.h"
 #include "io/tiff_blocks.h"
 #include "io/tiff_tags.h"
 #include "support/memory_file.h"
+#include "told.h"
 
 namespace zerklsc::tool {
 namespace {
-
-template <class Act>
-std::string told_by(const Act& act) {
-    try {
-        return act();
-    } catch (const Failure& failure) {
-        const std::string what = failure.what();
-        return what.substr(what.find(": ") + 2);
-    }
-}
 
 std::string summary_of(const RawDescription& about) {
     return fmt::format("{}x{} {}/{} {} {} {}", about.width, about.height, about.bits, about.word_bits,
@@ -106,7 +96,9 @@ TEST(Pgm, IsRefusedWithItsFault) {
         {pgm("\n2 2\n1023\n", 1024),
          "holds a sample of 1024, but 10-bit samples end at 1023: give the right --bits"},
         {pgm("\n# zerklsc pattern=RGBG\n2 2\n1023\n"),
-         "\"pattern=RGBG\" in the comment of the PGM header is not"},
+         "\"pattern=RGBG\" in the comment of the PGM header is not understood: expected pattern=RGGB, GRBG, "
+         "GBRG "
+         "or BGGR, black=LEVEL or black=L0,L1,L2,L3, bits=8 to 16, and white=LEVEL"},
         {pgm("\n# zerklsc black=64,64\n2 2\n1023\n"),
          "\"black=64,64\" in the comment of the PGM header is not"},
         {pgm("\n# zerklsc bits=7\n2 2\n1023\n"), "\"bits=7\" in the comment"},

@@ -4,8 +4,8 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "failure.h"
 #include "support/memory_file.h"
+#include "told.h"
 
 namespace zerklsc::tool {
 namespace {
@@ -53,12 +53,7 @@ std::string read_with(const std::string& from, const std::string& to) {
     std::string text = table_file();
     EXPECT_NE(text.find(from), std::string::npos) << from;
     const fuzz::MemoryFile file(text.replace(text.find(from), from.size(), to));
-    try {
-        return description_of(read_table_json(file.path()));
-    } catch (const Failure& failure) {
-        const std::string what = failure.what();
-        return what.substr(what.find(": ") + 2);
-    }
+    return told_by([&] { return description_of(read_table_json(file.path())); });
 }
 
 TEST(TableJson, IsReadFieldByField) {
